@@ -1,0 +1,28 @@
+# Fails when an include arrow turns back: support <- lib <- programs/io <- programs. Programs see
+# the library through lib/molva.h and lib/support/ only; programs/io also sees run_params.h.
+#   cmake -DSOURCE_DIR=... -P CheckIncludes.cmake
+
+set(offences "")
+
+# check(FOLDER PATTERN ALLOWED): includes of ours in FOLDER's own files must match ALLOWED.
+function(check folder allowed)
+  file(GLOB sources "${SOURCE_DIR}/${folder}/*.h" "${SOURCE_DIR}/${folder}/*.cc")
+  foreach(source IN LISTS sources)
+    file(STRINGS "${source}" includes REGEX "^#include \"")
+    foreach(include IN LISTS includes)
+      if(NOT include MATCHES "\"${allowed}\"")
+        string(APPEND offences "${source}: ${include}\n")
+      endif()
+    endforeach()
+  endforeach()
+  set(offences "${offences}" PARENT_SCOPE)
+endfunction()
+
+check(lib/support "lib/support/[a-z0-9_]+\\.h")
+check(lib "lib/(support/)?[a-z0-9_]+\\.h")
+check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|programs/run_params\\.h)")
+check(programs "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h)")
+
+if(offences)
+  message(FATAL_ERROR "Includes that go the wrong way:\n${offences}")
+endif()

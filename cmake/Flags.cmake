@@ -1,0 +1,25 @@
+# What every target of ours is compiled with. Two interface targets, so nothing is global.
+
+# The same bits on every build type and processor: no contraction, no fast math, no -march.
+add_library(mardle_warnings INTERFACE)
+target_compile_options(mardle_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror=format-security -ffp-contract=off
+  $<$<BOOL:${MARDLE_WERROR}>:-Werror>)
+target_compile_options(mardle_warnings INTERFACE
+  -fstack-protector-strong -fstack-clash-protection -fcf-protection
+  $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+target_link_options(mardle_warnings INTERFACE -Wl,-z,relro,-z,now)
+
+# Division by zero of floating numbers is wanted and is not in the undefined group.
+add_library(mardle_sanitizers INTERFACE)
+if(MARDLE_SANITIZE)
+  target_compile_options(mardle_sanitizers INTERFACE
+    -fsanitize=${MARDLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(mardle_sanitizers INTERFACE -fsanitize=${MARDLE_SANITIZE})
+endif()
+
+function(mardle_target target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${target} PRIVATE mardle_warnings mardle_sanitizers)
+endfunction()

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+//
+// The nine objectives that refinement optimises, each built from one or two terms. An objective
+// keeps the running total, judges a candidate move by the terms of its two clusters before and
+// after, and tells the value by which trials are compared, always such that larger is better.
+#pragma once
+
+#include <cmath>
+
+#include "lib/criterion_terms.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+
+struct Larger {
+  static bool Better(Wide after, Wide before) { return after > before; }
+  static Wide Quality(Wide total, Wide nrows) { return total / nrows; }
+};
+
+// Smaller totals are better; their quality is inverted, so that the best trial has the largest.
+struct Smaller {
+  static bool Better(Wide after, Wide before) { return after < before; }
+  static Wide Quality(Wide total, Wide nrows) { return nrows / total; }
+};
+
+// One sum of terms over the clusters.
+template <typename Term, typename Direction>
+class SingleSum {
+ public:
+  static constexpr bool kUsesSimilarity = Term::kUsesSimilarity;
+  using Terms = Wide;
+
+  static Terms TermsOf(const ClusterMeasure& cluster) { return Term::Of(cluster); }
+
+  void AddCluster(Terms terms) { total_ += terms; }
+  void Start() {}
+
+  // The two sums are brought to single precision before they are compared: what differs beyond
+  // that is no improvement.
+  bool Improve(Terms from_before, Terms to_before, Terms from_after, Terms to_after) {
+    const auto before = static_cast<float>(from_before + to_before);
+    const auto after = static_cast<float>(from_after + to_after);
+    if (!Direction::Better(after, before)) return false;
+    total_ += static_cast<Wide>(after) - before;
+    return true;
+  }
+
+  Wide Progress(Wide nrows) const { return total_ / nrows; }
+  float Quality(Wide nrows) const { return static_cast<float>(Direction::Quality(total_, nrows)); }
+
+ private:
+  Wide total_ = 0;
+};
+
+// Two sums of terms, A and B, kept apart and combined into one value that must grow. Nothing is
+// rounded here but the quality.
+template <typename TermA, typename TermB, typename Combination>
+class TwoSums {
+ public:
+  static constexpr bool kUsesSimilarity = TermA::kUsesSimilarity || TermB::kUsesSimilarity;
+  struct Terms {
+    Wide a, b;
+  };
+
+  static Terms TermsOf(const ClusterMeasure& cluster) {
+    return {TermA::Of(cluster), TermB::Of(cluster)};
+  }
+
+  void AddCluster(Terms terms) {
+    a_ += terms.a;
+    b_ += terms.b;
+  }
+  void Start() { value_ = Combination::Of(a_, b_); }
+
+  bool Improve(Terms from_before, Terms to_before, Terms from_after, Terms to_after) {
+    const Wide a = (a_ - (from_before.a + to_before.a)) + (from_after.a + to_after.a);
+    const Wide b = (b_ - (from_before.b + to_before.b)) + (from_after.b + to_after.b);
+    const Wide value = Combination::Of(a, b);
+    if (!(value > value_)) return false;
+    a_ = a;
+    b_ = b;
+    value_ = value;
+    return true;
+  }
+
+  Wide Progress(Wide nrows) const { return value_ / Combination::Divisor(nrows); }
+  float Quality(Wide nrows) const { return static_cast<float>(Progress(nrows)); }
+
+ private:
+  Wide a_ = 0;
+  Wide b_ = 0;
+  Wide value_ = 0;
+};
+
+// A ratio is told as it is.
+struct Ratio {
+  static Wide Of(Wide a, Wide b) { return a / b; }
+  static Wide Divisor(Wide) { return 1; }
+};
+
+// The fourth root of A times B, told per row.
+struct FourthRootProduct {
+  static Wide Of(Wide a, Wide b) { return std::pow(a, 0.25L) * b; }
+  static Wide Divisor(Wide nrows) { return nrows; }
+};
+
+// The routine that moves rows under an objective names its blocks: per cluster after itself, per
+// row and per column after the shared frame.
+struct RoutineNames {
+  const char* per_cluster;
+  const char* per_row;
+};
+
+// One row of the table of criteria.
+template <typename ObjectiveType>
+struct Criterion {
+  using Objective = ObjectiveType;
+  RoutineNames names;
+};
+
+// A tenth criterion would be one row here and its routine in refine.cc. Codes 8 and 9 cross: code 8
+// is refined by the routine named H3 and code 9 by the one named G3.
+inline constexpr Criterion<SingleSum<I1Term, Larger>> kCriterionI1{
+    {"RefineClusteringKWayI1", "PartitionRefineKWayI1"}};
+inline constexpr Criterion<SingleSum<I2Term, Larger>> kCriterionI2{
+    {"RefineClusteringKWayI2", "PartitionRefineKWayI2"}};
+inline constexpr Criterion<SingleSum<E1Term, Smaller>> kCriterionE1{
+    {"RefineClusteringKWayE1", "PartitionRefineKWayE1"}};
+inline constexpr Criterion<SingleSum<G1Term, Smaller>> kCriterionG1{
+    {"RefineClusteringKWayG1", "PartitionRefineKWayG1"}};
+inline constexpr Criterion<SingleSum<G1PrimeTerm, Smaller>> kCriterionG1Prime{
+    {"RefineClusteringKWayG1Prime", "PartitionRefineKWayG1Prime"}};
+inline constexpr Criterion<TwoSums<I1Term, E1Term, Ratio>> kCriterionH1{
+    {"RefineClusteringKWayH1", "PartitionRefineKWayH1"}};
+inline constexpr Criterion<TwoSums<I2Term, E1Term, Ratio>> kCriterionH2{
+    {"RefineClusteringKWayH2", "PartitionRefineKWayH2"}};
+inline constexpr Criterion<TwoSums<I1Term, I2Term, FourthRootProduct>> kCriterionCode8{
+    {"RefineClusteringKWayH3", "PartitionRefineKWayH3"}};
+inline constexpr Criterion<SingleSum<SizedG1Term, Smaller>> kCriterionCode9{
+    {"RefineClusteringKWayG3", "PartitionRefineKWayG3"}};
+
+}  // namespace molva

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+//
+// What one cluster adds to a criterion. Six terms make all nine criteria, in refinement, for a
+// finished clustering and in the gains of merging. A term is shared; the order of a sum of terms
+// is not, because its last bit decides ties.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include "lib/support/wide.h"
+
+namespace molva {
+
+// A cluster of n rows with composite D, as a term sees it. G is the composite of all rows.
+struct ClusterMeasure {
+  std::int64_t size;    // n
+  Wide squared_length;  // D.D
+  Wide similarity;      // D.G, the cluster against the whole; not read by I1Term and I2Term
+};
+
+// D.D / n
+struct I1Term {
+  static constexpr bool kUsesSimilarity = false;
+  static Wide Of(const ClusterMeasure& c) { return c.squared_length / static_cast<Wide>(c.size); }
+};
+
+// |D|
+struct I2Term {
+  static constexpr bool kUsesSimilarity = false;
+  static Wide Of(const ClusterMeasure& c) { return std::sqrt(c.squared_length); }
+};
+
+// n D.G / |D|
+struct E1Term {
+  static constexpr bool kUsesSimilarity = true;
+  static Wide Of(const ClusterMeasure& c) {
+    return static_cast<Wide>(c.size) * c.similarity / std::sqrt(c.squared_length);
+  }
+};
+
+// D.G / D.D
+struct G1Term {
+  static constexpr bool kUsesSimilarity = true;
+  static Wide Of(const ClusterMeasure& c) { return c.similarity / c.squared_length; }
+};
+
+// n^2 D.G / D.D
+struct G1PrimeTerm {
+  static constexpr bool kUsesSimilarity = true;
+  static Wide Of(const ClusterMeasure& c) {
+    return static_cast<Wide>(c.size * c.size) * c.similarity / c.squared_length;
+  }
+};
+
+// n D.G / D.D
+struct SizedG1Term {
+  static constexpr bool kUsesSimilarity = true;
+  static Wide Of(const ClusterMeasure& c) {
+    return static_cast<Wide>(c.size) * c.similarity / c.squared_length;
+  }
+};
+
+}  // namespace molva

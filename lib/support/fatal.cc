@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+//
+// Every error exit of the library and the program passes through FatalError.
+#include "lib/support/fatal.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace molva {
+namespace {
+
+void PrintAndExit(const char* message) {
+  std::fprintf(stderr, "%s\n", message);
+  std::fflush(stderr);
+  std::exit(0);
+}
+
+FatalHandler current_handler = PrintAndExit;
+
+// Messages quote file names and values of any length, so the text is sized before it is made.
+std::string FormatMessage(const char* format, std::va_list arguments) {
+  std::va_list measured;
+  va_copy(measured, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, measured);
+  va_end(measured);
+  if (length < 0) return format;
+  std::string message(static_cast<std::size_t>(length), '\0');
+  std::vsnprintf(message.data(), message.size() + 1, format, arguments);
+  return message;
+}
+
+}  // namespace
+
+void FatalError(const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const std::string message = FormatMessage(format, arguments);
+  va_end(arguments);
+  current_handler(message.c_str());
+  std::abort();  // Only a handler that breaks its promise comes here.
+}
+
+FatalHandler SetFatalHandler(FatalHandler handler) {
+  const FatalHandler replaced = current_handler;
+  current_handler = handler != nullptr ? handler : PrintAndExit;
+  return replaced;
+}
+
+}  // namespace molva

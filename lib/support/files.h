@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+//
+// The one place where streams are opened and closed.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace molva {
+
+struct CloseStream {
+  void operator()(std::FILE* stream) const { std::fclose(stream); }
+};
+
+// An open stream and the name it was opened under. Closed silently at scope end; a writer calls
+// CloseFile, which tells of failed writes.
+struct File {
+  std::unique_ptr<std::FILE, CloseStream> stream;
+  std::string path;
+  std::FILE* get() const { return stream.get(); }
+  explicit operator bool() const { return stream != nullptr; }
+};
+
+// The plain open: an empty handle on failure.
+File OpenFile(const char* path, const char* mode);
+
+// The checked open. Failure prints "NAME: " and the system's message to standard error and ends
+// the run with "Failed on RVfopen\n".
+File RVfopen(const char* path, const char* mode, const char* name);
+
+// Closes the file. Data that could not be written is told in one line on standard error, and the
+// run goes on.
+void CloseFile(File& file);
+
+// Flushes standard output and tells of failed writes as CloseFile does.
+void FlushStandardOutput();
+
+// 1 when the file can be opened for reading, else 0. It is opened and closed again, so a pipe that
+// can be read once only loses its data here.
+int FileExists(const char* path);
+
+}  // namespace molva

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "programs/io/read_matrix.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstdlib>
+
+#include "lib/support/fatal.h"
+#include "lib/support/files.h"
+#include "programs/io/labels.h"
+
+namespace mardle {
+namespace {
+
+using molva::FatalError;
+
+// Reads the next header number, as a scan for "%d" would, and moves the text behind it. Returns
+// false when there is none.
+bool ScanHeaderNumber(const char*& text, int& number) {
+  char* end = nullptr;
+  const long value = std::strtol(text, &end, 10);
+  if (end == text) return false;
+  if (value < INT_MIN || value > INT_MAX) {
+    FatalError("ReadMat: The number %.*s in the header of the input file is out of range!\n",
+               static_cast<int>(std::min<std::ptrdiff_t>(end - text, 80)), text);
+  }
+  number = static_cast<int>(value);
+  text = end;
+  return true;
+}
+
+// The 0-based column. A column number below the range of an int stays a negative column.
+long ColumnOf(const char* token) {
+  const long number = std::strtol(token, nullptr, 10);
+  return std::max<long>(number, INT_MIN + 1L) - 1;
+}
+
+float ValueOf(const char* token) { return static_cast<float>(std::strtod(token, nullptr)); }
+
+[[noreturn]] void RefuseRowCount(int wanted, int found) {
+  FatalError(
+      "ReadMat: Something wrong with the number of rows in the input file. Nrows=%d, ActualNrows=%d\n",
+      wanted, found);
+}
+
+// Stores the entries of one line from position `count` on and returns the count after them.
+// Entries beyond the header's number are counted but not stored.
+std::int64_t ReadSparseRow(char* line, int i, std::int64_t count, const MatrixHeader& header,
+                           Matrix& mat) {
+  for (char* token = NextToken(line); token != nullptr; token = NextToken(line)) {
+    const long column = ColumnOf(token);
+    if (column >= header.ncols) {
+      FatalError("Column number is greater than ncols. Ncols=%d, ColNum=%ld, Row=%d\n",
+                 header.ncols, column, i);
+    }
+    const char* value = NextToken(line);
+    if (value == nullptr) {
+      FatalError("Value could not be found for column! Row:%d, NNZ:%lld\n", i,
+                 static_cast<long long>(count));
+    }
+    if (count < header.nnz) {
+      mat.rowind[count] = static_cast<int>(column);
+      mat.rowval[count] = ValueOf(value);
+    }
+    ++count;
+  }
+  return count;
+}
+
+// Stores the values of one line and returns how many there are; those beyond ncols are counted but
+// not stored.
+std::int64_t ReadDenseRow(char* line, int ncols, float* row) {
+  std::int64_t count = 0;
+  for (char* token = NextToken(line); token != nullptr; token = NextToken(line)) {
+    if (count < ncols) row[count] = ValueOf(token);
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+void ReadMatrix(const RunParams& params, Matrix& mat) {
+  const char* filename = params.filename.get();
+  if (molva::FileExists(filename) == 0) {
+    FatalError("Matrix file to be clusterd (%s) does not exist!\n", filename);
+  }
+  {
+    const molva::File file = molva::RVfopen(filename, "r", "ReadMatrix: Matrix");
+    LineReader reader(file.get());
+    const MatrixHeader header = ReadHeader(reader);
+    InitMatrix(mat);
+    mat.nrows = header.nrows;
+    mat.ncols = header.ncols;
+    if (params.denseinput != 0) {
+      ReadDenseRows(reader, header, mat);
+    } else {
+      ReadSparseRows(reader, header, mat);
+    }
+  }
+  ReadLabelsAndClasses(params, mat);
+}
+
+MatrixHeader ReadHeader(LineReader& reader) {
+  MatrixHeader header;
+  const char* text = reader.Next();
+  if (text == nullptr) return header;
+  for (int* number : {&header.nrows, &header.ncols, &header.nnz}) {
+    if (!ScanHeaderNumber(text, *number)) break;
+  }
+  return header;
+}
+
+void ReadSparseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat) {
+  mat.rowptr = molva::AllocInts(std::int64_t{header.nrows} + 1, "ReadMat: rowptr");
+  mat.rowind = molva::AllocInts(header.nnz, "ReadMat: rowind");
+  mat.rowval = molva::AllocFloats(header.nnz, "ReadMat: rowval");
+  std::int64_t count = 0;
+  if (mat.rowptr) mat.rowptr[0] = 0;
+  for (int i = 0; i < header.nrows; ++i) {
+    char* line = reader.NextStripped();
+    if (line == nullptr) RefuseRowCount(header.nrows, i);
+    count = ReadSparseRow(line, i, count, header, mat);
+    mat.rowptr[i + 1] = static_cast<int>(std::min<std::int64_t>(count, header.nnz));
+  }
+  if (count != header.nnz) {
+    FatalError(
+        "ReadMat: Something wrong with the number of nonzeros in the input file. NNZ=%d, ActualNNZ=%lld\n",
+        header.nnz, static_cast<long long>(count));
+  }
+  if (header.nrows < 0) RefuseRowCount(header.nrows, 0);
+}
+
+void ReadDenseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat) {
+  const std::int64_t cells = static_cast<std::int64_t>(header.nrows) * header.ncols;
+  mat.rowval = molva::AllocFloats(cells, "ReadMat: rowval");
+  for (int i = 0; i < header.nrows; ++i) {
+    char* line = reader.NextStripped();
+    if (line == nullptr) RefuseRowCount(header.nrows, i);
+    const std::int64_t count =
+        ReadDenseRow(line, header.ncols, mat.rowval.data() + std::int64_t{i} * header.ncols);
+    if (count != header.ncols) {
+      FatalError("Input Error: Row %d of the input file has %lld entries instead of %d!\n", i,
+                 static_cast<long long>(count), header.ncols);
+    }
+  }
+  if (header.nrows < 0) RefuseRowCount(header.nrows, 0);
+}
+
+}  // namespace mardle

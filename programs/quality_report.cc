@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: MIT
+//
+// Measure computes every number of the report; the Print routines lay them out.
+#include "programs/quality_report.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "lib/molva.h"
+#include "lib/support/alloc.h"
+#include "programs/code_names.h"
+#include "programs/external_quality.h"
+
+namespace mardle {
+namespace {
+
+using molva::AllocFloatsSet;
+using molva::AllocIntsSet;
+
+// The names that begin with EvaluatePartition keep that beginning.
+struct QualityNumbers {
+  QualityNumbers(int nclusters, int nrows, int nclasses)
+      : pwgts(AllocIntsSet(nclusters, 0, "EvaluateClusters: pwgts")),
+        cintsim(AllocFloatsSet(nclusters, 0, "EvaluateClusters: cintsim")),
+        cintsdev(AllocFloatsSet(nclusters, 0, "EvaluateClusters: cintsdev")),
+        izscores(AllocFloatsSet(nrows, 0, "EvaluateClusters: izscores")),
+        cextsim(AllocFloatsSet(nclusters, 0, "EvaluateClusters: cextsim")),
+        cextsdev(AllocFloatsSet(nclusters, 0, "EvaluateClusters: cextsdev")),
+        ezscores(AllocFloatsSet(nrows, 0, "EvaluateClusters: ezscores")),
+        classdist(molva::AllocIntMatrix(nclusters, nclasses, 0, "EvaluateClusters: classdist")),
+        ocldist(AllocIntsSet(nclasses, 0, "EvaluatePartition: ocldist")),
+        entropies(AllocFloatsSet(nclusters, 0, "EvaluatePartition: entropies")),
+        purities(AllocFloatsSet(nclusters, 0, "EvaluatePartition: purities")),
+        fscores(AllocFloatsSet(nclasses, 0, "EvaluatePartition: fscores")) {}
+
+  molva::Array<int> pwgts;
+  molva::Array<float> cintsim, cintsdev, izscores, cextsim, cextsdev, ezscores;
+  molva::Rows<int> classdist;  // rows of each class in each cluster
+  molva::Array<int> ocldist;   // clustered rows of each class
+  molva::Array<float> entropies, purities, fscores;
+  float entropy = 0;
+  float purity = 0;
+};
+
+// Counts classes per cluster, rows without a cluster left out; returns the number of rows counted.
+std::int64_t CountClasses(const Matrix& mat, const int* part, int nclusters,
+                          QualityNumbers& numbers) {
+  std::int64_t total = 0;
+  for (int i = 0; i < mat.nrows; ++i) {
+    if (part[i] < 0 || part[i] >= nclusters) continue;
+    ++numbers.classdist[part[i]][static_cast<std::size_t>(mat.classes[i])];
+    ++numbers.ocldist[mat.classes[i]];
+    ++total;
+  }
+  return total;
+}
+
+QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* part) {
+  QualityNumbers numbers(params.nclusters, mat.nrows, mat.nclasses);
+  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                          params.prune, params.nclusters, part, numbers.pwgts.get(),
+                          numbers.cintsim.get(), numbers.cintsdev.get(), numbers.izscores.get(),
+                          numbers.cextsim.get(), numbers.cextsdev.get(), numbers.ezscores.get());
+  const std::int64_t total = CountClasses(mat, part, params.nclusters, numbers);
+  for (int c = 0; c < params.nclusters; ++c) {
+    numbers.entropies[c] = ComputeEntropy(mat.nclasses, total, numbers.ocldist, numbers.pwgts[c],
+                                          numbers.classdist[c]);
+    numbers.purities[c] =
+        ComputePurity(mat.nclasses, total, numbers.ocldist, numbers.pwgts[c], numbers.classdist[c]);
+  }
+  numbers.entropy = WeightedByCluster(numbers.pwgts, numbers.entropies, total);
+  numbers.purity = WeightedByCluster(numbers.pwgts, numbers.purities, total);
+  return numbers;
+}
+
+std::string RuleLine(int nclasses) {
+  const auto length = std::max<std::int64_t>(72, 5 * std::int64_t{nclasses} + 52);
+  return std::string(static_cast<std::size_t>(length), '-');
+}
+
+void PrintSimilarities(const QualityNumbers& numbers, int c) {
+  std::printf("%3d %5d %+5.3f %+5.3f %+5.3f %+5.3f ", c, numbers.pwgts[c],
+              static_cast<double>(numbers.cintsim[c]), static_cast<double>(numbers.cintsdev[c]),
+              static_cast<double>(numbers.cextsim[c]), static_cast<double>(numbers.cextsdev[c]));
+}
+
+// Names are cut to four characters.
+void PrintClassNames(const Matrix& mat) {
+  for (int k = 0; k < mat.nclasses; ++k) std::printf("%4.4s ", mat.classnames[k]);
+}
+
+void PrintWithClasses(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
+                      float crvalue) {
+  const std::string rule = RuleLine(mat.nclasses);
+  std::printf("%s\n", rule.c_str());
+  std::printf("%d-way clustering: [%s=%.2e], Entropy: %.3f, Purity: %.3f\n", params.nclusters,
+              CriterionName(params.crfun), static_cast<double>(crvalue),
+              static_cast<double>(numbers.entropy), static_cast<double>(numbers.purity));
+  std::printf("%s\n", rule.c_str());
+  std::printf("cid  Size  ISim  ISdev   ESim  ESdev  Entpy Purty | ");
+  PrintClassNames(mat);
+  std::printf("\n%s\n", rule.c_str());
+  for (int c = 0; c < params.nclusters; ++c) {
+    PrintSimilarities(numbers, c);
+    std::printf("%5.3f %5.3f | ", static_cast<double>(numbers.entropies[c]),
+                static_cast<double>(numbers.purities[c]));
+    for (const int count : numbers.classdist[c]) std::printf("%4d ", count);
+    std::printf("\n");
+  }
+  std::printf("%s\n", rule.c_str());
+}
+
+void PrintWithoutClasses(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
+                         float crvalue) {
+  const std::string rule = RuleLine(mat.nclasses);
+  std::printf("%s\n", rule.c_str());
+  std::printf("%d-way clustering solution: [%s=%.2e]\n", params.nclusters,
+              CriterionName(params.crfun), static_cast<double>(crvalue));
+  std::printf("%s\n", rule.c_str());
+  std::printf("cid  Size  ISim  ISdev   ESim  ESdev  | \n%s\n", rule.c_str());
+  for (int c = 0; c < params.nclusters; ++c) {
+    PrintSimilarities(numbers, c);
+    std::printf("| \n");
+  }
+  std::printf("%s\n", rule.c_str());
+}
+
+}  // namespace
+
+void EvaluateClusters(const RunParams& params, const Matrix& mat, const int* part, float crvalue) {
+  const QualityNumbers numbers = Measure(params, mat, part);
+  if (mat.nclasses >= 2) {
+    PrintWithClasses(params, mat, numbers, crvalue);
+  } else {
+    PrintWithoutClasses(params, mat, numbers, crvalue);
+  }
+}
+
+}  // namespace mardle
