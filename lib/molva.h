@@ -72,7 +72,7 @@ void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* 
  *             cluster, a row's similarity with itself included
  *   cintsdev  nparts floats, written: the sample deviation of the rows' own averages d_i.D_k / n_k
  *   izscores  nrows floats or null, written for the rows that preparation keeps: the row's own
- *             average minus cintsim, divided by cintsdev
+ *             average minus cintsim, divided by cintsdev; -100 for one without a cluster
  *   cextsim   nparts floats, written: (D_k.G - D_k.D_k) / ((N - n_k) n_k), the average similarity
  *             of a row of the cluster and a row outside it
  *   cextsdev, ezscores  the same for the external averages d_i.(G - D_k) / (N - n_k); the

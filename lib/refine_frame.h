@@ -82,7 +82,7 @@ class KWayRefinement {
     RandomPermute(perm_, Start::kIdentity);
     int moves = 0;
     for (const int i : perm_) {
-      // Rows leave only clusters of three or more, so no cluster shrinks below two.
+      // Rows leave only clusters of three or more, so no pair is broken up.
       if (pwgts_[part_[static_cast<std::size_t>(i)]] > 2) moves += Visit(i);
     }
     return moves;

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "lib/support/random.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using molva::FastRandomPermute;
+using molva::RandomPermute;
+using molva::SeedGenerators;
+using molva::Start;
+
+std::vector<int> Identity(int n) {
+  std::vector<int> p(static_cast<std::size_t>(n));
+  std::iota(p.begin(), p.end(), 0);
+  return p;
+}
+
+std::size_t Draw(int n) { return static_cast<std::size_t>(drand48() * n); }
+
+// n rounds: u, then v, then the swap.
+void SlowPermute(std::vector<int>& p) {
+  const int n = static_cast<int>(p.size());
+  for (int round = 0; round < n; ++round) {
+    const std::size_t u = Draw(n);
+    const std::size_t v = Draw(n);
+    std::swap(p[u], p[v]);
+  }
+}
+
+// n/16 rounds: u, then v, then four swaps one after the other.
+void SlowFastPermute(std::vector<int>& p) {
+  const int n = static_cast<int>(p.size());
+  for (int round = 0; round < n / 16; ++round) {
+    const std::size_t u = Draw(n - 8);
+    const std::size_t v = Draw(n - 8);
+    std::swap(p[u], p[v]);
+    std::swap(p[u + 1], p[v + 1]);
+    std::swap(p[u + 2], p[v + 2]);
+    std::swap(p[u + 3], p[v + 3]);
+  }
+}
+
+TEST(SeedGenerators, SeedsTheFortyEightBitGenerator) {
+  srand48(42);
+  const double expected = drand48();
+  SeedGenerators(42);
+  EXPECT_EQ(drand48(), expected);
+}
+
+TEST(SeedGenerators, SeedsTheClassicGenerator) {
+  std::srand(42);
+  const int expected = std::rand();
+  SeedGenerators(42);
+  EXPECT_EQ(std::rand(), expected);
+}
+
+TEST(SeedGenerators, TakesNegativeSeeds) {
+  srand48(-3);
+  const double expected = drand48();
+  SeedGenerators(-3);
+  EXPECT_EQ(drand48(), expected);
+}
+
+TEST(RandomPermute, DrawsBothEndsOfEverySwapInOrder) {
+  for (const int n : {2, 3, 10, 257}) {
+    srand48(n);
+    std::vector<int> expected = Identity(n);
+    SlowPermute(expected);
+    SeedGenerators(n);
+    std::vector<int> p(static_cast<std::size_t>(n), -1);
+    RandomPermute(p, Start::kIdentity);
+    EXPECT_EQ(p, expected) << n;
+  }
+}
+
+TEST(RandomPermute, PermutesWhatIsThereWhenAskedTo) {
+  const std::vector<int> start = {30, 10, 10, 20, -5};
+  srand48(9);
+  std::vector<int> expected = start;
+  SlowPermute(expected);
+  SeedGenerators(9);
+  std::vector<int> p = start;
+  RandomPermute(p, Start::kAsGiven);
+  EXPECT_EQ(p, expected);
+}
+
+TEST(RandomPermute, KeepsEveryElement) {
+  SeedGenerators(5);
+  std::vector<int> p(1000);
+  RandomPermute(p, Start::kIdentity);
+  EXPECT_NE(p, Identity(1000));
+  std::sort(p.begin(), p.end());
+  EXPECT_EQ(p, Identity(1000));
+}
+
+TEST(RandomPermute, IsTheSameForTheSameSeed) {
+  std::vector<int> first(100);
+  std::vector<int> second(100);
+  std::vector<int> other(100);
+  SeedGenerators(7);
+  RandomPermute(first, Start::kIdentity);
+  SeedGenerators(7);
+  RandomPermute(second, Start::kIdentity);
+  SeedGenerators(8);
+  RandomPermute(other, Start::kIdentity);
+  EXPECT_EQ(first, second);
+  EXPECT_NE(first, other);
+}
+
+TEST(RandomPermute, DrawsTwiceForOneElement) {
+  srand48(1);
+  drand48();
+  drand48();
+  const double third = drand48();
+  SeedGenerators(1);
+  std::vector<int> p = {17};
+  RandomPermute(p, Start::kAsGiven);
+  EXPECT_EQ(p[0], 17);
+  EXPECT_EQ(drand48(), third);
+}
+
+TEST(RandomPermute, DrawsNothingForNoElement) {
+  srand48(1);
+  const double first = drand48();
+  SeedGenerators(1);
+  RandomPermute({}, Start::kIdentity);
+  EXPECT_EQ(drand48(), first);
+}
+
+TEST(FastRandomPermute, SwapsFourElementsARound) {
+  for (const int n : {16, 31, 32, 40, 1000}) {
+    srand48(n);
+    std::vector<int> expected = Identity(n);
+    SlowFastPermute(expected);
+    SeedGenerators(n);
+    std::vector<int> p(static_cast<std::size_t>(n), -1);
+    FastRandomPermute(p, Start::kIdentity);
+    EXPECT_EQ(p, expected) << n;
+  }
+}
+
+TEST(FastRandomPermute, DrawsNothingBelowSixteenElements) {
+  for (const int n : {0, 1, 7, 8, 15}) {
+    srand48(3);
+    const double first = drand48();
+    SeedGenerators(3);
+    std::vector<int> p = Identity(n);
+    std::reverse(p.begin(), p.end());
+    const std::vector<int> start = p;
+    FastRandomPermute(p, Start::kAsGiven);
+    EXPECT_EQ(p, start) << n;
+    FastRandomPermute(p, Start::kIdentity);
+    EXPECT_EQ(p, Identity(n)) << n;
+    EXPECT_EQ(drand48(), first) << n;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+//
+// The four rows that docs/criteria.md works out by hand.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "lib/control.h"
+#include "lib/molva.h"
+#include "tests/testing/matrices.h"
+
+namespace {
+
+const testing_support::SparseMatrix kFour = testing_support::SparseOf(
+    {{9, 3, 3, 1, 0, 0, 0}, {18, 6, 6, 2, 0, 0, 0}, {0, 0, 0, 1, 1, 7, 7}, {0, 0, 0, 7, 7, 1, 1}});
+const std::vector<int> kPart = {0, 0, 1, 1};
+
+TEST(WorkedExample, IsClusteredAsItIsUnderEveryCriterionByBothMethods) {
+  for (int code = 1; code <= 9; ++code) {
+    std::vector<int> bisected(4, -1);
+    std::vector<int> direct(4, -1);
+    MOLVA_VP_ClusterRB(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
+                       molva::kCosine, code, molva::kRowNone, molva::kColumnNone, 1.0F, 10, 10, 1,
+                       0, 0, 2, bisected.data());
+    MOLVA_VP_ClusterDirect(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
+                           molva::kCosine, code, molva::kRowNone, molva::kColumnNone, 1.0F, 10, 10,
+                           1, 0, 2, direct.data());
+    EXPECT_EQ(bisected, kPart) << code;
+    EXPECT_EQ(direct, kPart) << code;
+  }
+}
+
+TEST(WorkedExample, HasTheNineValues) {
+  const double values[] = {
+      3.28, 3.6, 7.56, 2.1025, 8.41, 82.0 / 189, 10.0 / 21, 3.6 * std::pow(3.28, 0.25), 4.205};
+  for (int code = 1; code <= 9; ++code) {
+    const double value = MOLVA_V_GetSolutionQuality(
+        4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(), molva::kCosine, code,
+        molva::kRowNone, molva::kColumnNone, 1.0F, 2, kPart.data());
+    EXPECT_NEAR(value, values[code - 1], 1e-6 * values[code - 1]) << code;
+  }
+}
+
+TEST(WorkedExample, HasTheMeasuresOfItsClusters) {
+  int pwgts[2];
+  float isim[2], isdev[2], esim[2], esdev[2], izscores[4], ezscores[4];
+  MOLVA_V_GetClusterStats(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
+                          molva::kCosine, molva::kRowNone, molva::kColumnNone, 1.0F, 2,
+                          kPart.data(), pwgts, isim, isdev, izscores, esim, esdev, ezscores);
+  EXPECT_EQ(pwgts[0], 2);
+  EXPECT_EQ(pwgts[1], 2);
+  EXPECT_NEAR(isim[0], 1, 1e-6);
+  EXPECT_NEAR(isim[1], 0.64, 1e-6);
+  EXPECT_NEAR(esim[0], 0.04, 1e-6);
+  EXPECT_NEAR(esim[1], 0.04, 1e-6);
+  EXPECT_NEAR(isdev[1], 0, 1e-6);
+  EXPECT_NEAR(esdev[1], 0.03 * std::sqrt(2.0), 1e-6);
+  EXPECT_NEAR(ezscores[2], -1 / std::sqrt(2.0), 1e-4);
+  EXPECT_NEAR(ezscores[3], 1 / std::sqrt(2.0), 1e-4);
+}
+
+}  // namespace
