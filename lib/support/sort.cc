@@ -48,8 +48,8 @@ KeyValue MedianOfThree(std::span<KeyValue> x, Range range, Before before) {
   return middle;
 }
 
-// Splits a range around its pivot and returns the two halves. The scans are bounded because a
-// not-a-number key stops being a sentinel.
+// Splits a range around its pivot and returns the two halves. The scans are bounded, so that no
+// order of keys, not-a-number ones included, can carry them out of the range.
 template <typename Before>
 std::pair<Range, Range> Partition(std::span<KeyValue> x, Range range, Before before) {
   const KeyValue pivot = MedianOfThree(x, range, before);

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
@@ -22,6 +23,7 @@ bool ScanHeaderNumber(const char*& text, int& number) {
   const long value = std::strtol(text, &end, 10);
   if (end == text) return false;
   if (value < INT_MIN || value > INT_MAX) {
+    text += std::strspn(text, " \t\n\v\f\r");
     FatalError("ReadMat: The number %.*s in the header of the input file is out of range!\n",
                static_cast<int>(std::min<std::ptrdiff_t>(end - text, 80)), text);
   }

@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 
@@ -151,7 +152,6 @@ TEST(Preparation, NeverPrunesADenseMatrix) {
 }
 
 TEST(Preparation, NamesItsBlocksAfterTheRoutine) {
-  static int budget;
   const SparseMatrix matrix = SparseOf({{1, 0}, {1, 1}});
   const std::vector<std::string> names = {"Test: rperm",
                                           "Test: cperm",
@@ -167,12 +167,9 @@ TEST(Preparation, NamesItsBlocksAfterTheRoutine) {
                                           "SimilarityBasedFeatureSelection: fcand",
                                           "EliminateColumns: cmap"};
   for (std::size_t i = 0; i < names.size(); ++i) {
-    budget = static_cast<int>(i);
-    const AllocateFunction replaced = SetAllocateFunction(
-        [](std::size_t size) { return budget-- > 0 ? std::malloc(size) : nullptr; });
+    const testing_support::FailingAllocations failing(static_cast<int>(i));
     const std::string message = testing_support::FatalMessage(
         [&] { MakePreparedCopy({.colmodel = kColumnIdf}, matrix.raw(), "Test"); });
-    SetAllocateFunction(replaced);
     EXPECT_EQ(message.substr(0, message.find(". Requested")),
               "***Memory allocation failed for " + names[i]);
   }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lib/support/random.h"
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 #include "tests/testing/matrices.h"
@@ -224,21 +225,16 @@ TEST(Refinement, EndsTheRunOnAnUnknownCriterion) {
 
 // The blocks of each routine, in the order in which they are asked for.
 std::vector<std::string> BlockNames(int code) {
-  static int budget;
   const auto mat = PreparedOf({{1, 0}, {0, 1}});
   std::vector<std::string> names;
   for (int allowed = 0;; ++allowed) {
     std::vector<int> part = {0, 1};
-    budget = allowed;
-    const AllocateFunction replaced = SetAllocateFunction(
-        [](std::size_t size) { return budget-- > 0 ? std::malloc(size) : nullptr; });
+    const testing_support::FailingAllocations failing(allowed);
     const testing_support::FatalThrows throws;
     try {
       RefineClusteringKWay({.crfun = code, .niter = 1}, *mat, 2, part);
-      SetAllocateFunction(replaced);
       return names;
     } catch (const testing_support::Fatal& error) {
-      SetAllocateFunction(replaced);
       const std::string message = error.what();
       const std::string lead = "***Memory allocation failed for ";
       names.push_back(message.substr(lead.size(), message.find(". Requested") - lead.size()));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "programs/io/labels.h"
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 
@@ -182,10 +183,7 @@ TEST(QualityReport, NamesTheBlockThatCannotBeHad) {
   const Part part = {0, 0, 1, 1};
   const RunParams params = Params(2);
   const auto report_with = [&](int successes) {
-    static int left;
-    left = successes;
-    molva::SetAllocateFunction(
-        [](std::size_t nbytes) { return left-- > 0 ? std::malloc(nbytes) : nullptr; });
+    const testing_support::FailingAllocations failing(successes);
     mardle::EvaluateClusters(params, mat, part.data(), 4);
   };
   const struct {

@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 
 // Address sanitizer ends the process on a request that no machine can meet; malloc gives null.
@@ -19,23 +20,8 @@ extern "C" const char* __asan_default_options() { return "allocator_may_return_n
 namespace {
 
 using molva::SetAllocateFunction;
+using testing_support::FailingAllocations;
 using testing_support::FatalMessage;
-
-// While it lives, the first `successes` allocations succeed and all later ones fail.
-class FailingAllocations {
- public:
-  explicit FailingAllocations(int successes) : replaced_(SetAllocateFunction(Allocate)) {
-    left_ = successes;
-  }
-  ~FailingAllocations() { SetAllocateFunction(replaced_); }
-  FailingAllocations(const FailingAllocations&) = delete;
-  FailingAllocations& operator=(const FailingAllocations&) = delete;
-
- private:
-  static void* Allocate(std::size_t nbytes) { return left_-- > 0 ? std::malloc(nbytes) : nullptr; }
-  static inline int left_ = 0;
-  molva::AllocateFunction replaced_;
-};
 
 std::string Failure(const std::string& name, const std::string& nbytes) {
   return "***Memory allocation failed for " + name + ". Requested size: " + nbytes + " bytes";

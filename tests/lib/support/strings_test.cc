@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 
 namespace {
@@ -17,10 +18,6 @@ constexpr char kBlanks[] = " \n\t";
 
 std::string Stripped(std::string text, const char* set = kBlanks) {
   return StripTrailing(text.data(), set);
-}
-
-void FailAllocations() {
-  molva::SetAllocateFunction([](std::size_t) -> void* { return nullptr; });
 }
 
 TEST(Mystrdup, CopiesTheText) {
@@ -41,7 +38,7 @@ TEST(Mystrdup, TellsAnEmptyTextFromAnAbsentOne) {
 TEST(Mystrdup, NamesItsBlockWhenItCannotBeHad) {
   EXPECT_FATAL(
       {
-        FailAllocations();
+        const testing_support::FailingAllocations failing(0);
         molva::mystrdup("four");
       },
       "***Memory allocation failed for mystrdup: str. Requested size: 5 bytes");
@@ -106,7 +103,7 @@ TEST(Strings, MoveWithTheirTexts) {
 TEST(Strings, NameTheirTableWhenItCannotBeHad) {
   EXPECT_FATAL(
       {
-        FailAllocations();
+        const testing_support::FailingAllocations failing(0);
         molva::Strings(3, "ReadMat: clabel");
       },
       "***Memory allocation failed for ReadMat: clabel. Requested size: " +

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 
@@ -40,14 +41,6 @@ Matrix MatrixWithClasses(const Texts& labels) {
   mat.rclasses = molva::Strings(nrows, "rclasses");
   for (std::size_t i = 0; i < labels.size(); ++i) mat.rclasses.Set(i, labels[i].c_str());
   return mat;
-}
-
-// For the child process of a death test, where nothing needs to be restored.
-void FailAllocationsAfter(int successes) {
-  static int left;
-  left = successes;
-  molva::SetAllocateFunction(
-      [](std::size_t nbytes) { return left-- > 0 ? std::malloc(nbytes) : nullptr; });
 }
 
 std::string AllocationFailed(const std::string& name, std::size_t nbytes) {
@@ -214,7 +207,7 @@ TEST_F(CompanionFiles, OfAMatrixWithoutRowsAndColumnsAreNotRead) {
 TEST_F(CompanionFiles, NameTheTableThatCannotBeHad) {
   folder_.Write("docs.mat.rclass", "a\n");
   const auto read_with = [this](int successes, int nrows, int ncols) {
-    FailAllocationsAfter(successes);
+    const testing_support::FailingAllocations failing(successes);
     Read(nrows, ncols);
   };
   EXPECT_FATAL(read_with(0, 1, 3), AllocationFailed("ReadMat: clabel", 3 * sizeof(char*)));
@@ -261,7 +254,7 @@ TEST(SetUpClasses, NumbersAsManyClassesAsRows) {
 TEST(SetUpClasses, NamesTheArrayThatCannotBeHad) {
   Matrix mat = MatrixWithClasses({"a", "b", "a"});
   const auto set_up_with = [&mat](int successes) {
-    FailAllocationsAfter(successes);
+    const testing_support::FailingAllocations failing(successes);
     mardle::SetUpClasses(mat);
   };
   EXPECT_FATAL(set_up_with(0), AllocationFailed("SetUpClasses: class", 12));
@@ -293,7 +286,7 @@ TEST(Labels2Classes, NamesTheArrayThatCannotBeHad) {
   int nclasses = 0;
   EXPECT_FATAL(
       {
-        FailAllocationsAfter(0);
+        const testing_support::FailingAllocations failing(0);
         mardle::Labels2Classes(2, labels.data(), nclasses);
       },
       AllocationFailed("Labels2Classes: part", 8));

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lib/support/files.h"
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 
@@ -94,7 +95,7 @@ TEST(LineReader, EndsTheTextOfALineAtANulByte) {
 TEST(LineReader, NamesItsBufferWhenItCannotBeHad) {
   EXPECT_FATAL(
       {
-        molva::SetAllocateFunction([](std::size_t) -> void* { return nullptr; });
+        const testing_support::FailingAllocations failing(0);
         LineReader reader(stdin);
       },
       "***Memory allocation failed for LineReader: buffer. Requested size: 131072 bytes");

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 
 namespace {
@@ -49,7 +50,7 @@ TEST(Matrix, IsEmptyWhenCreated) { ExpectEmpty(*mardle::CreateMatrix()); }
 TEST(Matrix, NamesItsBlockWhenItCannotBeHad) {
   EXPECT_FATAL(
       {
-        molva::SetAllocateFunction([](std::size_t) -> void* { return nullptr; });
+        const testing_support::FailingAllocations failing(0);
         mardle::CreateMatrix();
       },
       "***Memory allocation failed for CreateMatrix: mat. Requested size: " +

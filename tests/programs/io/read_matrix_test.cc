@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "lib/support/files.h"
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 
@@ -23,15 +24,6 @@ using Ints = std::vector<int>;
 using Floats = std::vector<float>;
 
 constexpr std::size_t kLongestLine = 131071;
-
-// The first `successes` allocations succeed and all later ones fail. For the child process of a
-// death test, where nothing needs to be restored.
-void FailAllocationsAfter(int successes) {
-  static int left;
-  left = successes;
-  molva::SetAllocateFunction(
-      [](std::size_t nbytes) { return left-- > 0 ? std::malloc(nbytes) : nullptr; });
-}
 
 std::string Padded(const std::string& text, std::size_t length) {
   return text + std::string(length - text.size(), ' ');
@@ -383,7 +375,7 @@ TEST_F(SparseReader, NamesTheArrayThatCannotBeHad) {
   params.filename = molva::mystrdup(folder_.Write("m", text).c_str());
   Matrix mat;
   const auto read_with = [&](int successes) {
-    FailAllocationsAfter(successes);
+    const testing_support::FailingAllocations failing(successes);
     mardle::ReadMatrix(params, mat);
   };
   EXPECT_FATAL(read_with(1), AllocationFailed("ReadMat: rowptr", "16"));
@@ -396,7 +388,7 @@ TEST_F(SparseReader, TellsTheTrueSizeOfAnArrayThatIsTooLarge) {
     mardle::RunParams params;
     params.filename = molva::mystrdup(folder_.Write("m", text).c_str());
     Matrix mat;
-    FailAllocationsAfter(successes);
+    const testing_support::FailingAllocations failing(successes);
     mardle::ReadMatrix(params, mat);
   };
   EXPECT_FATAL(read_with(1, "2147483647 1 0\n"), AllocationFailed("ReadMat: rowptr", "8589934592"));
@@ -474,7 +466,7 @@ TEST_F(DenseReader, TellsTheTrueSizeOfValuesThatAreTooMany) {
   Matrix mat;
   EXPECT_FATAL(
       {
-        FailAllocationsAfter(1);
+        const testing_support::FailingAllocations failing(1);
         mardle::ReadMatrix(params, mat);
       },
       AllocationFailed("ReadMat: rowval", "18446744056529682436"));

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "lib/molva.h"
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 
@@ -78,14 +79,6 @@ std::string ExpectedScores(const RunParams& params, const Matrix& mat,
     text += line.data();
   }
   return text;
-}
-
-// For the child process of a death test, where nothing needs to be restored.
-void FailAllocationsAfter(int successes) {
-  static int left;
-  left = successes;
-  molva::SetAllocateFunction(
-      [](std::size_t nbytes) { return left-- > 0 ? std::malloc(nbytes) : nullptr; });
 }
 
 class ClusteringFile : public ::testing::Test {
@@ -221,7 +214,7 @@ TEST_F(ClusteringFile, NamesTheScoreBlockThatCannotBeHad) {
   params_.zscores = 1;
   const Matrix mat = DenseMatrix(kTwoTriples);
   const auto write_with = [&](int successes) {
-    FailAllocationsAfter(successes);
+    const testing_support::FailingAllocations failing(successes);
     mardle::WriteClustering(params_, mat, kTriples.data());
   };
   const std::array<const char*, 7> names = {"pwgts",   "cintsim",  "cintsdev", "izscores",
