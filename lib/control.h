@@ -13,7 +13,7 @@ enum RowModel : int { kRowNone = 1, kRowMaxTf = 2, kRowSqrt = 3, kRowLog = 4 };
 enum ColumnModel : int { kColumnNone = 1, kColumnIdf = 2 };
 
 // Debug levels are sums of these.
-enum DebugBit : int { kDebugClustering = 1, kDebugRefinement = 2 };
+enum DebugBit : int { kDebugClustering = 1, kDebugRefinement = 2, kDebugMerging = 4 };
 
 // Codes come unchecked from the caller; the routine that acts on one ends the run when it is
 // unknown.

@@ -26,6 +26,15 @@
  *   Notation. D_k is the sum of the prepared rows of cluster k, n_k their number, G the sum of all
  *   prepared rows, N their number, "." the dot product.
  *
+ *   Trees. A binary tree over L leaves has 2L-1 nodes: leaves 0 to L-1, internal nodes L to 2L-2,
+ *   every node numbered below its parent, the root 2L-2. ptree[x] is the parent of node x, -1 for
+ *   the root; tsims[x] the average similarity between the rows of the two children of x. Where
+ *   leaves stand for nothing (rows that preparation drops, empty clusters) their parents are -1,
+ *   and so are those of the nodes above the root, which is then the highest node with children.
+ *   Arrays over nodes hold 2L elements. ftree holds 2L pairs: the children of node x are ftree[2x]
+ *   (left) and ftree[2x+1] (right), -1 where absent. nfeatures-long lists of columns hold the
+ *   caller's column numbers, best first, -1 in slots without a column.
+ *
  *   Errors. Every error prints a message to standard error and ends the process with status 0: an
  *   unknown code, a block that cannot be had (the message names it), a column outside 0 to
  *   ncols-1, a rowptr that decreases, fewer rows than clusters, no trial to keep.
@@ -97,6 +106,110 @@ void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int*
 float MOLVA_V_GetSolutionQuality(int nrows, int ncols, const int* rowptr, const int* rowind,
                                  const float* rowval, int simfun, int crfun, int rowmodel,
                                  int colmodel, float colprune, int nparts, const int* part);
+
+/* Names the columns of every cluster: those that describe it and those that tell it from the rest.
+ * Every output has nparts lists of nfeatures slots, cluster k's from k*nfeatures on.
+ *
+ *   internalids, internalwgts  columns by their share D_k[j]^2 / D_k.D_k of the internal similarity
+ *   externalids, externalwgts  columns by their share of the squared distance between the unit
+ *                              vectors of D_k and of G - D_k
+ *
+ * With more slots than prepared columns the surplus ids are -1 and their weights are not written.
+ * A zero composite, or a cluster of all rows, gives weights that are not numbers. */
+void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                const float* rowval, int simfun, int rowmodel, int colmodel,
+                                float colprune, int nparts, const int* part, int nfeatures,
+                                int* internalids, float* internalwgts, int* externalids,
+                                float* externalwgts);
+
+/* Builds a tree by merging, always the merge that is best for criterion crfun (1 to 7; codes 8 and
+ * 9 end the run).
+ *
+ *   treetype  1: over the clusters, leaf c is cluster c, arrays of 2*nparts; 2: over the rows, each
+ *             cluster's rows forming a subtree, leaf i is row i, arrays of 2*nrows; any other value
+ *             ends the run
+ *   dbglvl    1: progress, 4: one line per merge; values add
+ *   ptree     written throughout
+ *   tsims     written at internal nodes, and for treetype 1 at leaves (0). For treetype 2 internal
+ *             nodes are renumbered at the end, so that merges with smaller gains stand higher, and
+ *             tsims keeps the numbers from before
+ *
+ * A complete tree needs a cluster for every prepared row, a cluster of at most 65,536 rows, and
+ * memory for the square of the largest cluster; a tree over clusters at most 65,536 clusters. */
+void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowind,
+                       const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
+                       float colprune, int treetype, int dbglvl, int nparts, const int* part,
+                       int* ptree, float* tsims);
+
+/* Clusters the rows by merging alone: a tree over all rows under criterion crfun (1 to 7), cut into
+ * nparts clusters. part has nrows elements, ptree and tsims 2*nrows, tsims 0 at leaves. Needs
+ * memory for the square of the number of rows, of which there may be 65,536. */
+void MOLVA_VA_Cluster(int nrows, int ncols, const int* rowptr, const int* rowind,
+                      const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
+                      float colprune, int dbglvl, int nparts, int* part, int* ptree, float* tsims);
+
+/* The same over n items with a ready matrix.
+ *
+ *   pwgts     n ints: the rows in each item
+ *   smat      n*n floats, row by row: D_i.D_j
+ *   handling  1: works on a copy; 2: works in smat, whose contents are lost
+ *   part      n ints, written: clusters 0 to nparts-1
+ *   ptree, tsims, gains  2n elements, written; gains[x] is what merge x added to the criterion
+ *             (negated for the minimised ones), at internal nodes only */
+void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handling, int dbglvl,
+                      int nparts, int* part, int* ptree, float* tsims, float* gains);
+
+/* Measures the nodes of a tree over the clusters (MOLVA_V_BuildTree, treetype 1). Outputs have
+ * 2*nparts elements.
+ *
+ *   pwgts  rows below each node
+ *   isims  D_x.D_x / n_x^2, the average similarity of two rows below the node
+ *   xsims  D_a.D_b / (n_a n_b) for siblings a and b; 0 at the root */
+void MOLVA_V_GetTreeStats(int nrows, int ncols, const int* rowptr, const int* rowind,
+                          const float* rowval, int simfun, int rowmodel, int colmodel,
+                          float colprune, int nparts, const int* part, const int* ptree, int* pwgts,
+                          float* isims, float* xsims);
+
+/* Names the columns of the nodes of a tree over the clusters. Outputs have 2*nparts lists of
+ * nfeatures slots. Descriptive lists are as for clusters; what tells two siblings apart is written
+ * for the second one (the higher-numbered) only, other discriminating lists are not written. */
+void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
+                             const float* rowval, int simfun, int rowmodel, int colmodel,
+                             float colprune, int nparts, const int* part, const int* ptree,
+                             int nfeatures, int* internalids, float* internalwgts, int* externalids,
+                             float* externalwgts);
+
+/* Choose the left and the right child of every node of a tree of n leaves (rows, clusters) so that
+ * neighbouring subtrees are as similar as possible, the heaviest placed first. ptree is read, ftree
+ * rewritten.
+ *
+ *   wgts      the rows in each leaf
+ *   smat      D_i.D_j of the leaves; handling 1: n*n floats, copied; otherwise 2n rows of 2n
+ *             floats whose leaf block is filled, overwritten
+ *
+ * MOLVA_V_TreeReorder takes a tree over the rows and does nothing when preparation drops a row. */
+void MOLVA_S_TreeReorder(int n, const int* wgts, float* smat, int handling, int dbglvl,
+                         const int* ptree, int* ftree);
+void MOLVA_V_TreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
+                         const float* rowval, int simfun, int rowmodel, int colmodel,
+                         float colprune, int dbglvl, const int* ptree, int* ftree);
+void MOLVA_V_ClusterTreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                const float* rowval, int simfun, int rowmodel, int colmodel,
+                                float colprune, int dbglvl, int nparts, const int* part,
+                                const int* ptree, int* ftree);
+
+/* Hands out the prepared matrix: its counts, its arrays in row-compressed form, and the maps back.
+ * rperm (nrows ints) receives the caller's row of each prepared row, cperm (ncols ints) the
+ * caller's column of each prepared column. The three arrays belong to the caller, who releases each
+ * with MOLVA_Free. */
+void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int* rowind,
+                             const float* rowval, int simfun, int rowmodel, int colmodel,
+                             float colprune, int* prepared_nrows, int* prepared_ncols,
+                             int** prepared_rowptr, int** prepared_rowind, float** prepared_rowval,
+                             int* rperm, int* cperm);
+
+/* Releases an array that the library handed out; null is ignored. */
+void MOLVA_Free(void* array);
 
 #ifdef __cplusplus
 }

@@ -5,6 +5,7 @@
 #include <climits>
 #include <numeric>
 
+#include "lib/molva.h"
 #include "lib/prune.h"
 #include "lib/support/fatal.h"
 #include "lib/vector_model.h"
@@ -151,3 +152,24 @@ void MapPartOut(const PreparedCopy& copy, int* part) {
 }
 
 }  // namespace molva
+
+void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int* rowind,
+                             const float* rowval, int simfun, int rowmodel, int colmodel,
+                             float colprune, int* prepared_nrows, int* prepared_ncols,
+                             int** prepared_rowptr, int** prepared_rowind, float** prepared_rowval,
+                             int* rperm, int* cperm) {
+  using namespace molva;
+  const Control control{
+      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
+  PreparedCopy copy =
+      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_InternalizeMatrix");
+  *prepared_nrows = copy.mat->nrows;
+  *prepared_ncols = copy.mat->ncols;
+  std::copy_n(copy.rperm.get(), copy.mat->nrows, rperm);
+  std::copy_n(copy.cperm.get(), copy.mat->ncols, cperm);
+  *prepared_rowptr = copy.mat->rowptr.Release();
+  *prepared_rowind = copy.mat->rowind.Release();
+  *prepared_rowval = copy.mat->rowval.Release();
+}
+
+void MOLVA_Free(void* array) { molva::RVfree(array); }

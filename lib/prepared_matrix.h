@@ -39,6 +39,9 @@ struct RowView {
 RowView Row(const PreparedMatrix& mat, int i);
 std::span<float> RowValues(PreparedMatrix& mat, int i);
 
+// Builds the column-compressed copy: colptr, colind, colval.
+void CreateColMat(PreparedMatrix& mat);
+
 // The number of stored entries.
 int EntryCount(const PreparedMatrix& mat);
 

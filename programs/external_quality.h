@@ -18,9 +18,16 @@ float ComputeEntropy(int nclasses, std::int64_t total, std::span<const int> ocld
 float ComputePurity(int nclasses, std::int64_t total, std::span<const int> ocldist, int size,
                     std::span<const int> dist);
 
-// The average of per-cluster values weighted by cluster size: the sum of pwgts[c] values[c] / total
-// in cluster order, single precision after every term.
-float WeightedByCluster(std::span<const int> pwgts, std::span<const float> values,
-                        std::int64_t total);
+// Each class's best F-score over all nodes of the complete tree of nrows leaves: with recall and
+// precision of a node for the class, 2 R P / (R + P), 0 where they share no row. Rows whose parent
+// is -1 are not in the tree. `ocldist` counts the rows of each class.
+void ComputeFScores(int nclasses, int nrows, std::span<const int> classes,
+                    std::span<const int> ocldist, std::span<const int> ptree,
+                    std::span<float> fscores);
+
+// The average of values (of clusters, of classes) weighted by sizes: the sum of
+// sizes[c] values[c] / total, single precision after every term.
+float WeightedAverage(std::span<const int> sizes, std::span<const float> values,
+                      std::int64_t total);
 
 }  // namespace mardle

@@ -41,6 +41,7 @@ struct QualityNumbers {
   molva::Array<float> entropies, purities, fscores;
   float entropy = 0;
   float purity = 0;
+  float fscore = 0;
 };
 
 // Counts classes per cluster, rows without a cluster left out; returns the number of rows counted.
@@ -56,7 +57,8 @@ std::int64_t CountClasses(const Matrix& mat, const int* part, int nclusters,
   return total;
 }
 
-QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* part) {
+QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* part,
+                       std::span<const int> ptree) {
   QualityNumbers numbers(params.nclusters, mat.nrows, mat.nclasses);
   MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
                           mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
@@ -70,8 +72,12 @@ QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* pa
     numbers.purities[c] =
         ComputePurity(mat.nclasses, total, numbers.ocldist, numbers.pwgts[c], numbers.classdist[c]);
   }
-  numbers.entropy = WeightedByCluster(numbers.pwgts, numbers.entropies, total);
-  numbers.purity = WeightedByCluster(numbers.pwgts, numbers.purities, total);
+  numbers.entropy = WeightedAverage(numbers.pwgts, numbers.entropies, total);
+  numbers.purity = WeightedAverage(numbers.pwgts, numbers.purities, total);
+  if (!ptree.empty() && mat.nclasses >= 2) {
+    ComputeFScores(mat.nclasses, mat.nrows, mat.classes, numbers.ocldist, ptree, numbers.fscores);
+    numbers.fscore = WeightedAverage(numbers.ocldist, numbers.fscores, total);
+  }
   return numbers;
 }
 
@@ -91,13 +97,31 @@ void PrintClassNames(const Matrix& mat) {
   for (int k = 0; k < mat.nclasses; ++k) std::printf("%4.4s ", mat.classnames[k]);
 }
 
-void PrintWithClasses(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
-                      float crvalue) {
-  const std::string rule = RuleLine(mat.nclasses);
-  std::printf("%s\n", rule.c_str());
-  std::printf("%d-way clustering: [%s=%.2e], Entropy: %.3f, Purity: %.3f\n", params.nclusters,
+// The heading of a table with classes; with the complete tree also what it says of each class.
+void PrintSolution(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
+                   bool with_tree, float crvalue, const std::string& rule) {
+  std::printf("%d-way clustering: [%s=%.2e], Entropy: %.3f, Purity: %.3f", params.nclusters,
               CriterionName(params.crfun), static_cast<double>(crvalue),
               static_cast<double>(numbers.entropy), static_cast<double>(numbers.purity));
+  if (!with_tree) {
+    std::printf("\n");
+    return;
+  }
+  std::printf(", FScore: %.3f\n%s\n", static_cast<double>(numbers.fscore), rule.c_str());
+  std::printf("         Class Name:  ");
+  PrintClassNames(mat);
+  std::printf("\n         Class Size:  ");
+  for (const int size : numbers.ocldist) std::printf("%4d ", size);
+  std::printf("\n  Max F-Score Value:  ");
+  for (const float fscore : numbers.fscores) std::printf("%.2f ", static_cast<double>(fscore));
+  std::printf("\n");
+}
+
+void PrintWithClasses(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
+                      bool with_tree, float crvalue) {
+  const std::string rule = RuleLine(mat.nclasses);
+  std::printf("%s\n", rule.c_str());
+  PrintSolution(params, mat, numbers, with_tree, crvalue, rule);
   std::printf("%s\n", rule.c_str());
   std::printf("cid  Size  ISim  ISdev   ESim  ESdev  Entpy Purty | ");
   PrintClassNames(mat);
@@ -129,10 +153,11 @@ void PrintWithoutClasses(const RunParams& params, const Matrix& mat, const Quali
 
 }  // namespace
 
-void EvaluateClusters(const RunParams& params, const Matrix& mat, const int* part, float crvalue) {
-  const QualityNumbers numbers = Measure(params, mat, part);
+void EvaluateClusters(const RunParams& params, const Matrix& mat, const int* part,
+                      std::span<const int> ptree, float crvalue) {
+  const QualityNumbers numbers = Measure(params, mat, part, ptree);
   if (mat.nclasses >= 2) {
-    PrintWithClasses(params, mat, numbers, crvalue);
+    PrintWithClasses(params, mat, numbers, !ptree.empty(), crvalue);
   } else {
     PrintWithoutClasses(params, mat, numbers, crvalue);
   }

@@ -4,6 +4,7 @@
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/clock.h"
+#include "programs/feature_report.h"
 #include "programs/io/matrix.h"
 #include "programs/io/read_matrix.h"
 #include "programs/io/write_results.h"
@@ -11,6 +12,7 @@
 #include "programs/quality_report.h"
 #include "programs/run_params.h"
 #include "programs/run_report.h"
+#include "programs/tree_report.h"
 
 namespace mardle {
 namespace {
@@ -50,23 +52,56 @@ void Cluster(const RunParams& params, const Matrix& mat, int* part) {
   }
 }
 
-// Clusters the rows and returns the criterion value of the clustering.
-float FindSolution(RunParams& params, const Matrix& mat, int* part) {
+// What a run finds. The tree arrays are null without the complete tree.
+struct Solution {
+  molva::Array<int> part;
+  molva::Array<int> ptree;
+  molva::Array<float> tsims;
+  float crvalue = 0;
+};
+
+// The complete tree is built under the criterion of the clustering. Its file is written here, and
+// the flag cleared, so that the report of the tree over the clusters does not write again.
+void BuildFullTree(RunParams& params, const Matrix& mat, Solution& solution) {
+  const std::int64_t nodes = 2 * std::int64_t{mat.nrows};
+  solution.ptree = molva::AllocIntsSet(nodes, -1, "main: ptree");
+  solution.tsims = molva::AllocFloatsSet(nodes, 0, "main: tsims");
+  MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
+                    params.simfun, params.crfun, params.rowmodel, params.colmodel, params.prune, 2,
+                    params.dbglvl, params.nclusters, solution.part.get(), solution.ptree.get(),
+                    solution.tsims.get());
+  if (params.writetree != 0) {
+    WriteTree(params.filename, params.treefile, mat.nrows, solution.ptree.get(),
+              solution.tsims.get());
+  }
+  params.writetree = 0;
+}
+
+Solution FindSolution(RunParams& params, const Matrix& mat) {
+  Solution solution;
+  solution.part = molva::AllocIntsSet(mat.nrows, -1, "main: part");
   const TimedScope timed(params.ClusterTmr);
-  Cluster(params, mat, part);
-  return MOLVA_V_GetSolutionQuality(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                                    mat.rowval.get(), params.simfun, params.crfun, params.rowmodel,
-                                    params.colmodel, params.prune, params.nclusters, part);
+  Cluster(params, mat, solution.part.get());
+  solution.crvalue = MOLVA_V_GetSolutionQuality(
+      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
+      params.crfun, params.rowmodel, params.colmodel, params.prune, params.nclusters,
+      solution.part.get());
+  if (params.fulltree != 0) BuildFullTree(params, mat, solution);
+  return solution;
 }
 
-void Write(RunParams& params, const Matrix& mat, const int* part) {
+void Write(RunParams& params, const Matrix& mat, const Solution& solution) {
   const TimedScope timed(params.IOTmr);
-  if (params.nooutput == 0) WriteClustering(params, mat, part);
+  if (params.nooutput == 0) WriteClustering(params, mat, solution.part.get());
 }
 
-void Report(RunParams& params, const Matrix& mat, const int* part, float crvalue) {
+void Report(RunParams& params, const Matrix& mat, const Solution& solution) {
   const TimedScope timed(params.ReportTmr);
-  EvaluateClusters(params, mat, part, crvalue);
+  const int* part = solution.part.get();
+  EvaluateClusters(params, mat, part, {solution.ptree.get(), solution.ptree.size()},
+                   solution.crvalue);
+  if (params.showfeatures != 0) ShowClusterFeatures(params, mat, part);
+  if (params.showtree != 0 || params.writetree != 0) ShowHACTree(params, mat, part);
 }
 
 }  // namespace
@@ -79,10 +114,9 @@ int Run(int argc, char** argv) {
   if (params.nclusters == 0) params.nclusters = mat->nclasses;
   PrintRunInfo(params, *mat);
 
-  molva::Array<int> part = molva::AllocIntsSet(mat->nrows, -1, "main: part");
-  const float crvalue = FindSolution(params, *mat, part.get());
-  Write(params, *mat, part.get());
-  Report(params, *mat, part.get(), crvalue);
+  const Solution solution = FindSolution(params, *mat);
+  Write(params, *mat, solution);
+  Report(params, *mat, solution);
   return PrintTimingInfo(params);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "programs/io/write_results.h"
 
+#include <cstdint>
 #include <string>
 
 #include "lib/molva.h"
@@ -54,6 +55,17 @@ void WriteClustering(const RunParams& params, const Matrix& mat, const int* part
     WriteClustersAndScores(file.get(), params, mat, part);
   } else {
     WriteClusters(file.get(), mat, part);
+  }
+  molva::CloseFile(file);
+}
+
+void WriteTree(const molva::String& filename, const molva::String& treefile, int n,
+               const int* ptree, const float* tsims) {
+  const std::string name = NameOf(treefile, filename, ".tree.", n);
+  molva::File file = molva::OpenFile(name.c_str(), "w");
+  if (!file) molva::FatalError("Problems in creating the tree file: %s", name.c_str());
+  for (std::int64_t x = 0; x < 2 * std::int64_t{n} - 1; ++x) {
+    std::fprintf(file.get(), "%d %f\n", ptree[x], static_cast<double>(tsims[x]));
   }
   molva::CloseFile(file);
 }

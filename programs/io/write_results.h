@@ -13,4 +13,11 @@ namespace mardle {
 // "Problems in opening the clustering file: %s" when the file cannot be opened.
 void WriteClustering(const RunParams& params, const Matrix& mat, const int* part);
 
+// Writes the 2n - 1 nodes of a tree of n leaves, one line each: parent and similarity. The name is
+// treefile, or else "FILENAME.tree.N": the complete tree's carries the number of rows, the tree
+// over the clusters the number of clusters. Ends the run with "Problems in creating the tree file:
+// %s" when the file cannot be created.
+void WriteTree(const molva::String& filename, const molva::String& treefile, int n,
+               const int* ptree, const float* tsims);
+
 }  // namespace mardle

@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "lib/molva.h"
 #include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
@@ -166,14 +167,89 @@ TEST(Preparation, NamesItsBlocksAfterTheRoutine) {
                                           "SimilarityBasedFeatureSelection: center",
                                           "SimilarityBasedFeatureSelection: fcand",
                                           "EliminateColumns: cmap"};
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    const testing_support::FailingAllocations failing(static_cast<int>(i));
-    const std::string message = testing_support::FatalMessage(
-        [&] { MakePreparedCopy({.colmodel = kColumnIdf}, matrix.raw(), "Test"); });
-    EXPECT_EQ(message.substr(0, message.find(". Requested")),
-              "***Memory allocation failed for " + names[i]);
+  EXPECT_EQ(testing_support::BlockNames(
+                [&] { MakePreparedCopy({.colmodel = kColumnIdf}, matrix.raw(), "Test"); }),
+            names);
+}
+
+// What MOLVA_InternalizeMatrix hands out, copied, and its arrays given back. The maps hold 99 where
+// nothing is written.
+struct Internal {
+  explicit Internal(const SparseMatrix& m, int colmodel = kColumnNone)
+      : rperm(static_cast<std::size_t>(m.nrows), 99), cperm(static_cast<std::size_t>(m.ncols), 99) {
+    int* starts = nullptr;
+    int* columns = nullptr;
+    float* entries = nullptr;
+    MOLVA_InternalizeMatrix(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                            kCosine, kRowNone, colmodel, 1.0F, &nrows, &ncols, &starts, &columns,
+                            &entries, rperm.data(), cperm.data());
+    rowptr.assign(starts, starts + nrows + 1);
+    rowind.assign(columns, columns + rowptr.back());
+    rowval.assign(entries, entries + rowptr.back());
+    MOLVA_Free(starts);
+    MOLVA_Free(columns);
+    MOLVA_Free(entries);
+  }
+
+  int nrows = 0, ncols = 0;
+  std::vector<int> rowptr, rowind;
+  std::vector<float> rowval;
+  std::vector<int> rperm, cperm;
+};
+
+// Columns 0 and 3 occur once and are dropped, row 1 is left empty.
+TEST(InternalizeMatrix, HandsOutThePreparedMatrixAndItsMaps) {
+  const Internal m(SparseOf({{0, 3, 4, 0}, {0, 0, 0, 5}, {9, 8, 0, 0}, {0, 0, 2, 0}}));
+  EXPECT_EQ(m.nrows, 3);
+  EXPECT_EQ(m.ncols, 2);
+  EXPECT_EQ(m.rowptr, (std::vector<int>{0, 2, 3, 4}));
+  EXPECT_EQ(m.rowind, (std::vector<int>{0, 1, 0, 1}));
+  EXPECT_EQ(m.rowval, (std::vector<float>{0.6F, 0.8F, 1, 1}));
+  EXPECT_EQ(m.rperm, (std::vector<int>{0, 2, 3, 99}));
+  EXPECT_EQ(m.cperm, (std::vector<int>{1, 2, 99, 99}));
+}
+
+TEST(InternalizeMatrix, PreparesAsTheOtherEntryPointsDo) {
+  const SparseMatrix matrix = testing_support::RandomDocuments(4, 30, 40, 3, 6);
+  const Internal m(matrix, kColumnIdf);
+  const auto mat = testing_support::Prepared(matrix, {.colmodel = kColumnIdf});
+  EXPECT_EQ(m.rowptr, VectorOf(mat->rowptr));
+  EXPECT_EQ(m.rowind,
+            std::vector<int>(mat->rowind.begin(), mat->rowind.begin() + EntryCount(*mat)));
+  EXPECT_EQ(m.rowval,
+            std::vector<float>(mat->rowval.begin(), mat->rowval.begin() + EntryCount(*mat)));
+}
+
+TEST(InternalizeMatrix, FillsUpADenseMatrix) {
+  const std::vector<float> values = {3, 4, 0, 2};
+  int nrows = 0, ncols = 0;
+  int* rowptr = nullptr;
+  int* rowind = nullptr;
+  float* rowval = nullptr;
+  std::vector<int> rperm(2), cperm(2);
+  MOLVA_InternalizeMatrix(2, 2, nullptr, nullptr, values.data(), kCosine, kRowNone, kColumnNone,
+                          1.0F, &nrows, &ncols, &rowptr, &rowind, &rowval, rperm.data(),
+                          cperm.data());
+  EXPECT_EQ(std::vector<int>(rowptr, rowptr + 3), (std::vector<int>{0, 2, 4}));
+  EXPECT_EQ(std::vector<float>(rowval, rowval + 4), (std::vector<float>{0.6F, 0.8F, 0, 1}));
+  EXPECT_EQ(rperm, (std::vector<int>{0, 1}));
+  for (void* array :
+       {static_cast<void*>(rowptr), static_cast<void*>(rowind), static_cast<void*>(rowval)}) {
+    MOLVA_Free(array);
   }
 }
+
+TEST(InternalizeMatrix, NamesItsBlocks) {
+  const SparseMatrix matrix = SparseOf({{1, 0}, {1, 1}});
+  const std::vector<std::string> names =
+      testing_support::BlockNames([&] { const Internal m(matrix); });
+  EXPECT_EQ(
+      std::vector<std::string>(names.begin(), names.begin() + 3),
+      (std::vector<std::string>{"MOLVA_InternalizeMatrix: rperm", "MOLVA_InternalizeMatrix: cperm",
+                                "MOLVA_InternalizeMatrix: ppart"}));
+}
+
+TEST(MolvaFree, IgnoresNull) { MOLVA_Free(nullptr); }
 
 }  // namespace
 }  // namespace molva

@@ -224,39 +224,29 @@ TEST(Refinement, EndsTheRunOnAnUnknownCriterion) {
 }
 
 // The blocks of each routine, in the order in which they are asked for.
-std::vector<std::string> BlockNames(int code) {
+std::vector<std::string> BlocksOf(int code) {
   const auto mat = PreparedOf({{1, 0}, {0, 1}});
-  std::vector<std::string> names;
-  for (int allowed = 0;; ++allowed) {
+  return testing_support::BlockNames([&] {
     std::vector<int> part = {0, 1};
-    const testing_support::FailingAllocations failing(allowed);
-    const testing_support::FatalThrows throws;
-    try {
-      RefineClusteringKWay({.crfun = code, .niter = 1}, *mat, 2, part);
-      return names;
-    } catch (const testing_support::Fatal& error) {
-      const std::string message = error.what();
-      const std::string lead = "***Memory allocation failed for ";
-      names.push_back(message.substr(lead.size(), message.find(". Requested") - lead.size()));
-    }
-  }
+    RefineClusteringKWay({.crfun = code, .niter = 1}, *mat, 2, part);
+  });
 }
 
 TEST(Refinement, NamesItsBlocksAfterItself) {
-  EXPECT_EQ(BlockNames(2),
+  EXPECT_EQ(BlocksOf(2),
             (std::vector<std::string>{
                 "PartitionRefineKWayI2: perm", "RefineClusteringKWayI2: pwgts",
                 "RefineClusteringKWayI2: dnorms", "RefineClusteringKWayI2: centers",
                 "RefineClusteringKWayI2: centers", "RefineClusteringKWayI2: centers"}));
-  EXPECT_EQ(BlockNames(5).back(), "PartitionRefineKWayG1Prime: gcenter");
-  EXPECT_EQ(BlockNames(5)[6], "RefineClusteringKWayG1Prime: csim");
+  EXPECT_EQ(BlocksOf(5).back(), "PartitionRefineKWayG1Prime: gcenter");
+  EXPECT_EQ(BlocksOf(5)[6], "RefineClusteringKWayG1Prime: csim");
 }
 
 TEST(Refinement, CrossesTheNamesOfCodes8And9) {
-  EXPECT_EQ(BlockNames(8)[0], "PartitionRefineKWayH3: perm");
-  EXPECT_EQ(BlockNames(8)[1], "RefineClusteringKWayH3: pwgts");
-  EXPECT_EQ(BlockNames(9)[0], "PartitionRefineKWayG3: perm");
-  EXPECT_EQ(BlockNames(9)[1], "RefineClusteringKWayG3: pwgts");
+  EXPECT_EQ(BlocksOf(8)[0], "PartitionRefineKWayH3: perm");
+  EXPECT_EQ(BlocksOf(8)[1], "RefineClusteringKWayH3: pwgts");
+  EXPECT_EQ(BlocksOf(9)[0], "PartitionRefineKWayG3: perm");
+  EXPECT_EQ(BlocksOf(9)[1], "RefineClusteringKWayG3: pwgts");
 }
 
 }  // namespace

@@ -60,4 +60,47 @@ TEST(WorkedExample, HasTheMeasuresOfItsClusters) {
   EXPECT_NEAR(ezscores[3], 1 / std::sqrt(2.0), 1e-4);
 }
 
+TEST(WorkedExample, HasTheFeaturesOfItsClusters) {
+  int internalids[14], externalids[14];
+  float internalwgts[14], externalwgts[14];
+  MOLVA_V_GetClusterFeatures(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
+                             molva::kCosine, molva::kRowNone, molva::kColumnNone, 1.0F, 2,
+                             kPart.data(), 7, internalids, internalwgts, externalids, externalwgts);
+  const double internal[] = {0.81, 0.09, 0.09, 0.01, 0, 0, 0, 0.25, 0.25, 0.25, 0.25, 0, 0, 0};
+  const double external[] = {0.81, 0.25, 0.25, 0.25, 0.16, 0.09, 0.09};
+  EXPECT_EQ(internalids[0], 0);
+  EXPECT_EQ(internalids[3], 3);
+  EXPECT_EQ(externalids[7], 0);
+  for (int slot = 0; slot < 14; ++slot) {
+    EXPECT_NEAR(internalwgts[slot], internal[slot], 1e-6) << slot;
+    EXPECT_NEAR(externalwgts[slot], external[slot % 7] / 1.9, 1e-6) << slot;
+  }
+}
+
+// The products of the composites are 4, 2.56 and 0.16.
+TEST(WorkedExample, HasTheGainsOfMergingItsClusters) {
+  const double gains[] = {-1.56, -0.977025, -2.931902, 1.1025, -7.59, -0.269926, -0.226190};
+  const int pwgts[] = {2, 2};
+  for (int code = 1; code <= 7; ++code) {
+    float smat[] = {4, 0.16F, 0.16F, 2.56F};
+    int part[2], ptree[4];
+    float tsims[4], gain[4];
+    MOLVA_SA_Cluster(2, pwgts, smat, code, 2, 0, 1, part, ptree, tsims, gain);
+    EXPECT_NEAR(gain[2], gains[code - 1], 2e-6) << code;
+    EXPECT_NEAR(tsims[2], 0.04, 1e-7) << code;
+  }
+}
+
+TEST(WorkedExample, HasACompleteTree) {
+  std::vector<int> ptree(8);
+  std::vector<float> tsims(8);
+  MOLVA_V_BuildTree(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
+                    molva::kCosine, 2, molva::kRowNone, molva::kColumnNone, 1.0F, 2, 0, 2,
+                    kPart.data(), ptree.data(), tsims.data());
+  EXPECT_EQ(ptree, (std::vector<int>{4, 4, 5, 5, 6, 6, -1, -1}));
+  EXPECT_NEAR(tsims[4], 1, 1e-6);
+  EXPECT_NEAR(tsims[5], 0.28, 1e-6);
+  EXPECT_NEAR(tsims[6], 0.04, 1e-6);
+}
+
 }  // namespace

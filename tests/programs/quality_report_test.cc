@@ -44,10 +44,10 @@ RunParams Params(int nclusters) {
   return params;
 }
 
-std::string Report(const RunParams& params, const Matrix& mat, const Part& part,
-                   float crvalue = 4) {
+std::string Report(const RunParams& params, const Matrix& mat, const Part& part, float crvalue = 4,
+                   const std::vector<int>& ptree = {}) {
   return testing_support::OutputOf(
-      [&] { mardle::EvaluateClusters(params, mat, part.data(), crvalue); });
+      [&] { mardle::EvaluateClusters(params, mat, part.data(), ptree, crvalue); });
 }
 
 Texts LinesOf(const std::string& text) {
@@ -153,6 +153,48 @@ TEST(QualityReport, LeavesRowsWithoutClusterOut) {
   EXPECT_EQ(lines[6], "  1     2 +1.000 +0.000 +0.000 +0.000 0.000 1.000 |    0    2    0 ");
 }
 
+// The complete tree of four rows: 0 and 1 are joined into node 4, 2 and 3 into node 5.
+const std::vector<int> kFullTree = {4, 4, 5, 5, 6, 6, -1, -1};
+
+// Class x has three rows, all in the root with one other, R = 1 and P = 3/4: F = 6/7. Class y fills
+// a leaf. Overall (3 * 6/7 + 1) / 4.
+TEST(QualityReport, TellsFScoresWithTheCompleteTree) {
+  const Matrix mat = UnitRows("aabb", {"x", "x", "x", "y"});
+  EXPECT_EQ(Report(Params(2), mat, {0, 0, 1, 1}, 4, kFullTree),
+            kRule +
+                "2-way clustering: [I2=4.00e+00], Entropy: 0.500, Purity: 0.750, FScore: 0.893\n" +
+                kRule +
+                "         Class Name:     x    y \n"
+                "         Class Size:     3    1 \n"
+                "  Max F-Score Value:  0.86 1.00 \n" +
+                kRule + "cid  Size  ISim  ISdev   ESim  ESdev  Entpy Purty |    x    y \n" + kRule +
+                "  0     2 +1.000 +0.000 +0.000 +0.000 0.000 1.000 |    2    0 \n" +
+                "  1     2 +1.000 +0.000 +0.000 +0.000 1.000 0.500 |    1    1 \n" + kRule);
+}
+
+TEST(QualityReport, CutsClassNamesAboveTheFScoresToo) {
+  const Matrix mat = UnitRows("aabb", {"sports", "a", "news", "ab%d"});
+  const Texts lines = LinesOf(Report(Params(2), mat, {0, 0, 1, 1}, 4, kFullTree));
+  EXPECT_EQ(lines[3], "         Class Name:  spor    a news ab%d ");
+}
+
+TEST(QualityReport, TellsNoFScoresWithoutClasses) {
+  const Matrix mat = UnitRows("aabb");
+  EXPECT_EQ(Report(Params(2), mat, {0, 0, 1, 1}, 4, kFullTree),
+            Report(Params(2), mat, {0, 0, 1, 1}));
+}
+
+// Row 2 is dropped: the root is node 6, one above the internal nodes of the three others. Its class
+// z has no row that counts.
+TEST(QualityReport, LeavesRowsWithoutClusterOutOfTheFScores) {
+  Matrix mat = UnitRows("aaab", {"x", "x", "z", "y"});
+  const Texts lines =
+      LinesOf(Report(Params(2), mat, {0, 0, -1, 1}, 4, {5, 5, -1, 6, -1, 6, -1, -1}));
+  EXPECT_TRUE(lines[1].ends_with(", FScore: 1.000")) << lines[1];
+  EXPECT_EQ(lines[4], "         Class Size:     2    0    1 ");
+  EXPECT_EQ(lines[5], "  Max F-Score Value:  1.00 0.00 1.00 ");
+}
+
 // Codes 8 and 9 cross, as everywhere in the reports.
 TEST(QualityReport, NamesTheCriterion) {
   const Matrix plain = UnitRows("ab");
@@ -182,9 +224,10 @@ TEST(QualityReport, NamesTheBlockThatCannotBeHad) {
   const Matrix mat = UnitRows("aabb", {"x", "x", "y", "y"});
   const Part part = {0, 0, 1, 1};
   const RunParams params = Params(2);
+  const std::vector<int> ptree = {4, 4, 5, 5, 6, 6, -1, -1};
   const auto report_with = [&](int successes) {
     const testing_support::FailingAllocations failing(successes);
-    mardle::EvaluateClusters(params, mat, part.data(), 4);
+    mardle::EvaluateClusters(params, mat, part.data(), ptree, 4);
   };
   const struct {
     const char* name;

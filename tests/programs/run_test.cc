@@ -276,4 +276,152 @@ TEST_F(MardleRun, NamesTheClusteringThatCannotBeHad) {
       "***Memory allocation failed for main: part. Requested size: 4004 bytes");
 }
 
+constexpr char kTreeTitle[] = "Hierarchical Tree that optimizes the ";
+
+TEST_F(MardleRun, ShowsFeaturesWhenToldSo) {
+  const std::string report = Report({Path("m"), "2", "-showfeatures", "-nfeatures=1"});
+  EXPECT_TRUE(Has(report, "2-way clustering solution - Descriptive & Discriminating Features..."));
+  EXPECT_TRUE(Has(report, "      Descriptive:  col00001 100.0%\n")) << report;
+  EXPECT_FALSE(Has(report, kTreeTitle));
+}
+
+TEST_F(MardleRun, ShowsNoTreeForItsLabelsAlone) {
+  EXPECT_EQ(Report({Path("m"), "2", "-labeltree", "-noreorder"}), Report({Path("m"), "2"}));
+}
+
+TEST_F(MardleRun, ShowsTheFeaturesBeforeTheTree) {
+  const std::string report = Report({Path("m"), "2", "-showtree", "-showfeatures"});
+  const std::size_t features = report.find("Descriptive & Discriminating");
+  const std::size_t tree = report.find(kTreeTitle);
+  ASSERT_NE(tree, std::string::npos);
+  EXPECT_LT(report.find("2-way clustering solution: "), features);
+  EXPECT_LT(features, tree);
+}
+
+TEST_F(MardleRun, BuildsTheTreeOverTheClustersUnderTheirCriterion) {
+  EXPECT_TRUE(Has(Report({Path("m"), "2", "-showtree", "-crfun=3"}),
+                  kTreeTitle + std::string("E1 criterion function...\n")));
+}
+
+TEST_F(MardleRun, BuildsTheTreeOverTheClustersUnderACriterionOfItsOwn) {
+  const std::string report = Report({Path("m"), "2", "-showtree=6", "-crfun=8"});
+  EXPECT_TRUE(Has(report, "[H3=")) << report;
+  EXPECT_TRUE(Has(report, kTreeTitle + std::string("H1 criterion function...\n"))) << report;
+}
+
+// Rows of the two pairs are at right angles.
+TEST_F(MardleRun, WritesTheTreeOverTheClustersSilently) {
+  EXPECT_EQ(Report({Path("m"), "2", "-writetree"}), Report({Path("m"), "2"}));
+  EXPECT_EQ(Text("m.tree.2"), "2 0.000000\n2 0.000000\n-1 0.000000\n");
+}
+
+TEST_F(MardleRun, WritesTheTreeItShows) {
+  const std::string report =
+      Report({Path("m"), "2", "-showtree", "-writetree=" + Path("res.tree")});
+  EXPECT_TRUE(Has(report, kTreeTitle));
+  EXPECT_EQ(Text("res.tree"), "2 0.000000\n2 0.000000\n-1 0.000000\n");
+  EXPECT_FALSE(Exists("m.tree.2"));
+}
+
+// Which pair is cluster 0 is the seed's choice, but rows of a pair have one parent, and the two
+// parents another.
+TEST_F(MardleRun, WritesTheCompleteTreeUnderTheNumberOfRows) {
+  Report({Path("m"), "2", "-fulltree", "-writetree"});
+  const std::vector<std::string> lines = LinesOf(Text("m.tree.4"));
+  ASSERT_EQ(lines.size(), 7U);
+  EXPECT_EQ(lines[0], lines[1]);
+  EXPECT_EQ(lines[2], lines[3]);
+  EXPECT_NE(lines[0], lines[2]);
+  EXPECT_EQ(lines[4], "6 1.000000");
+  EXPECT_EQ(lines[5], "6 1.000000");
+  EXPECT_EQ(lines[6], "-1 0.000000");
+  EXPECT_FALSE(Exists("m.tree.2"));
+}
+
+// The file is that of the complete tree, and is not written again by the report.
+TEST_F(MardleRun, WritesOneTreeOnly) {
+  const std::string report =
+      Report({Path("m"), "2", "-fulltree", "-showtree", "-writetree=" + Path("res.tree")});
+  EXPECT_TRUE(Has(report, kTreeTitle));
+  EXPECT_EQ(LinesOf(Text("res.tree")).size(), 7U);
+  EXPECT_FALSE(Exists("m.tree.2"));
+}
+
+TEST_F(MardleRun, WritesNoTreeUnlessToldSo) {
+  Report({Path("m"), "2", "-fulltree", "-showtree"});
+  EXPECT_FALSE(Exists("m.tree.4"));
+  EXPECT_FALSE(Exists("m.tree.2"));
+}
+
+TEST_F(MardleRun, MeasuresTheCompleteTreeAgainstTheClasses) {
+  folder_.Write("k", "x\nx\ny\ny\n");
+  EXPECT_TRUE(
+      Has(Report({Path("m"), "2", "-fulltree", "-rclassfile=" + Path("k")}), ", FScore: 1.000\n"));
+  EXPECT_FALSE(Has(Report({Path("m"), "2", "-rclassfile=" + Path("k")}), "FScore"));
+}
+
+// Codes 8 and 9 build no tree. The complete tree comes before the clustering file.
+TEST_F(MardleRun, EndsBeforeTheClusteringFileWhenTheCompleteTreeCannotBeBuilt) {
+  for (const std::string code : {"8", "9"}) {
+    EXPECT_FATAL(RunUnheard({Path("m"), "2", "-fulltree", "-writetree", "-crfun=" + code}),
+                 "Unknown clustering criterion function (CRFun) of " + code + "\n");
+    EXPECT_FALSE(Exists("m.clustering.2"));
+    EXPECT_FALSE(Exists("m.tree.4"));
+    EXPECT_FALSE(Has(Text("out"), "2-way clustering"));
+  }
+}
+
+// The tree over the clusters comes after the clustering file and the table.
+TEST_F(MardleRun, EndsAfterTheTableWhenTheTreeOverTheClustersCannotBeBuilt) {
+  for (const std::string code : {"8", "9"}) {
+    for (const std::string& option : {"-showtree=" + code, "-crfun=" + code}) {
+      std::filesystem::remove(Path("m.clustering.2"));
+      EXPECT_FATAL(RunUnheard({Path("m"), "2", "-showtree", "-writetree", option}),
+                   "Unknown clustering criterion function (CRFun) of " + code + "\n");
+      ExpectPairsIn("m.clustering.2");
+      EXPECT_FALSE(Exists("m.tree.2"));
+      EXPECT_TRUE(Has(Text("out"), "2-way clustering"));
+      EXPECT_FALSE(Has(Text("out"), kTreeTitle));
+    }
+  }
+}
+
+TEST_F(MardleRun, EndsBeforeTheClusteringFileWhenTheCompleteTreeCannotBeWritten) {
+  const std::string path = Path("no/such/folder/tree");
+  EXPECT_FATAL(RunUnheard({Path("m"), "2", "-fulltree", "-writetree=" + path}),
+               "Problems in creating the tree file: " + path);
+  EXPECT_FALSE(Exists("m.clustering.2"));
+}
+
+TEST_F(MardleRun, EndsAfterTheTableWhenTheTreeOverTheClustersCannotBeWritten) {
+  const std::string path = Path("no/such/folder/tree");
+  EXPECT_FATAL(RunUnheard({Path("m"), "2", "-writetree=" + path}),
+               "Problems in creating the tree file: " + path);
+  ExpectPairsIn("m.clustering.2");
+  EXPECT_TRUE(Has(Text("out"), "2-way clustering"));
+}
+
+// 1,002 rows: the table of their labels has the size of 2,004 parents and of 2,004 similarities,
+// and comes before them.
+TEST_F(MardleRun, NamesTheCompleteTreeThatCannotBeHad) {
+  std::string text = "1002 1 1002\n";
+  for (int i = 0; i < 1002; ++i) text += "1 1\n";
+  folder_.Write("r", text);
+  const Words words = {Path("r"), "1", "-fulltree", "-colmodel=1"};
+  const auto run_without = [&](int failing) {
+    static int times;
+    static int nth;
+    times = 0;
+    nth = failing;
+    molva::SetAllocateFunction([](std::size_t nbytes) {
+      return nbytes == 8016 && ++times == nth ? nullptr : std::malloc(nbytes);
+    });
+    RunUnheard(words);
+  };
+  EXPECT_FATAL(run_without(2),
+               "***Memory allocation failed for main: ptree. Requested size: 8016 bytes");
+  EXPECT_FATAL(run_without(3),
+               "***Memory allocation failed for main: tsims. Requested size: 8016 bytes");
+}
+
 }  // namespace

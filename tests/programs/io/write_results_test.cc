@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -225,6 +226,79 @@ TEST_F(ClusteringFile, NamesTheScoreBlockThatCannotBeHad) {
     EXPECT_FATAL(write_with(block), "***Memory allocation failed for EvaluateClusters: " + name +
                                         ". Requested size: " + nbytes + " bytes");
   }
+}
+
+class TreeFile : public ::testing::Test {
+ protected:
+  // Three leaves: 0 and 2 are joined first.
+  void Write(const char* treefile) const {
+    const std::array<int, 6> ptree = {3, 4, 3, 4, -1, 99};
+    const std::array<float, 6> tsims = {0, 0, 0, 0.75F, -0.125F, 99};
+    mardle::WriteTree(molva::mystrdup(folder_.Path("docs.mat").c_str()),
+                      treefile == nullptr ? molva::String() : molva::mystrdup(treefile), 3,
+                      ptree.data(), tsims.data());
+  }
+  std::string Written(const char* name) const { return ReadText(folder_.Path(name)); }
+
+  testing_support::TempFolder folder_;
+};
+
+// The last element of the arrays stands for no node.
+constexpr char kThreeLeaves[] = "3 0.000000\n4 0.000000\n3 0.000000\n4 0.750000\n-1 -0.125000\n";
+
+TEST_F(TreeFile, HoldsTheParentAndTheSimilarityOfEachNodeOnALine) {
+  Write(folder_.Path("res.tree").c_str());
+  EXPECT_EQ(Written("res.tree"), kThreeLeaves);
+}
+
+TEST_F(TreeFile, IsNamedAfterTheMatrixAndTheNumberOfLeaves) {
+  Write(nullptr);
+  EXPECT_EQ(Written("docs.mat.tree.3"), kThreeLeaves);
+}
+
+TEST_F(TreeFile, TakesTheNameGivenInPlaceOfItsOwn) {
+  Write(folder_.Path("res.tree").c_str());
+  EXPECT_FALSE(std::filesystem::exists(folder_.Path("docs.mat.tree.3")));
+}
+
+TEST_F(TreeFile, HasOneLineLessThanTwiceTheLeaves) {
+  const std::vector<int> ptree(200, -1);
+  const std::vector<float> tsims(200);
+  mardle::WriteTree(molva::mystrdup(folder_.Path("docs.mat").c_str()), {}, 100, ptree.data(),
+                    tsims.data());
+  const std::string text = Written("docs.mat.tree.100");
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 199);
+}
+
+TEST_F(TreeFile, OfOneLeafHasOneLine) {
+  const int ptree = -1;
+  const float tsims = 0;
+  mardle::WriteTree(molva::mystrdup(folder_.Path("docs.mat").c_str()), {}, 1, &ptree, &tsims);
+  EXPECT_EQ(Written("docs.mat.tree.1"), "-1 0.000000\n");
+}
+
+TEST_F(TreeFile, OfNoLeavesIsEmpty) {
+  mardle::WriteTree(molva::mystrdup(folder_.Path("docs.mat").c_str()), {}, 0, nullptr, nullptr);
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path("docs.mat.tree.0")));
+  EXPECT_EQ(Written("docs.mat.tree.0"), "");
+}
+
+TEST_F(TreeFile, ReplacesAnEarlierOne) {
+  folder_.Write("res.tree", std::string(1000, 'x'));
+  Write(folder_.Path("res.tree").c_str());
+  EXPECT_EQ(Written("res.tree"), kThreeLeaves);
+}
+
+TEST_F(TreeFile, ThatCannotBeCreatedEndsTheRun) {
+  const std::string path = folder_.Path("no/such/folder/tree");
+  EXPECT_FATAL(Write(path.c_str()), "Problems in creating the tree file: " + path);
+}
+
+TEST_F(TreeFile, OnAFullDiskIsToldInOneLineAndTheRunGoesOn) {
+  testing::internal::CaptureStderr();
+  Write("/dev/full");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            std::string("Writing /dev/full failed: ") + std::strerror(ENOSPC) + "\n");
 }
 
 }  // namespace

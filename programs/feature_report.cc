@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "programs/feature_report.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+
+#include "lib/molva.h"
+#include "lib/support/alloc.h"
+
+namespace mardle {
+namespace {
+
+using molva::AllocFloats;
+using molva::AllocInts;
+
+constexpr char kSeparator[] =
+    "--------------------------------------------------------------------------------\n";
+
+// Deviations and z-scores are measured with the rest and not printed.
+struct ClusterNumbers {
+  ClusterNumbers(int nclusters, int nrows, std::int64_t slots)
+      : pwgts(AllocInts(nclusters, "ShowClusterFeatures: pwgts")),
+        cintsim(AllocFloats(nclusters, "ShowClusterFeatures: cintsim")),
+        cextsim(AllocFloats(nclusters, "ShowClusterFeatures: cextsim")),
+        cintsdev(AllocFloats(nclusters, "ShowClusterFeatures: cintsdev")),
+        izscores(AllocFloats(nrows, "ShowClusterFeatures: izscores")),
+        cextsdev(AllocFloats(nclusters, "ShowClusterFeatures: cextsdev")),
+        ezscores(AllocFloats(nrows, "ShowClusterFeatures: ezscores")),
+        internalids(AllocInts(slots, "ShowClusterFeatures: internalids")),
+        internalwgts(AllocFloats(slots, "ShowClusterFeatures: internalwgts")),
+        externalids(AllocInts(slots, "ShowClusterFeatures: externalids")),
+        externalwgts(AllocFloats(slots, "ShowClusterFeatures: externalwgts")) {}
+
+  molva::Array<int> pwgts;
+  molva::Array<float> cintsim, cextsim, cintsdev, izscores, cextsdev, ezscores;
+  molva::Array<int> internalids;
+  molva::Array<float> internalwgts;
+  molva::Array<int> externalids;
+  molva::Array<float> externalwgts;
+};
+
+ClusterNumbers Measure(const RunParams& params, const Matrix& mat, const int* part) {
+  const std::int64_t slots = std::int64_t{params.nclusters} * std::max(params.nfeatures, 0);
+  ClusterNumbers n(params.nclusters, mat.nrows, slots);
+  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                          params.prune, params.nclusters, part, n.pwgts.get(), n.cintsim.get(),
+                          n.cintsdev.get(), n.izscores.get(), n.cextsim.get(), n.cextsdev.get(),
+                          n.ezscores.get());
+  MOLVA_V_GetClusterFeatures(
+      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
+      params.rowmodel, params.colmodel, params.prune, params.nclusters, part, params.nfeatures,
+      n.internalids.get(), n.internalwgts.get(), n.externalids.get(), n.externalwgts.get());
+  return n;
+}
+
+// The slots of one list. Only a filled last slot ends the line without a comma.
+void PrintList(const Matrix& mat, int nfeatures, const int* ids, const float* weights) {
+  for (int slot = 0; slot < nfeatures; ++slot) {
+    if (ids[slot] == -1) continue;
+    std::printf(" %s %4.1f%%%s", mat.clabels[ids[slot]], 100.0 * static_cast<double>(weights[slot]),
+                slot < nfeatures - 1 ? "," : "");
+  }
+  std::printf("\n");
+}
+
+}  // namespace
+
+void ShowClusterFeatures(const RunParams& params, const Matrix& mat, const int* part) {
+  const ClusterNumbers n = Measure(params, mat, part);
+  std::printf("%s%d-way clustering solution - Descriptive & Discriminating Features...\n%s",
+              kSeparator, params.nclusters, kSeparator);
+  for (int k = 0; k < params.nclusters; ++k) {
+    const std::int64_t begin = std::int64_t{k} * std::max(params.nfeatures, 0);
+    std::printf("Cluster %3d, Size: %5d, ISim: %.3f, ESim: %.3f\n", k, n.pwgts[k],
+                static_cast<double>(n.cintsim[k]), static_cast<double>(n.cextsim[k]));
+    std::printf("      Descriptive: ");
+    PrintList(mat, params.nfeatures, n.internalids.get() + begin, n.internalwgts.get() + begin);
+    std::printf("   Discriminating: ");
+    PrintList(mat, params.nfeatures, n.externalids.get() + begin, n.externalwgts.get() + begin);
+    if (k < params.nclusters - 1) std::printf("\n");
+  }
+  std::printf("%s", kSeparator);
+}
+
+}  // namespace mardle

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+#include "programs/tree_report.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "lib/molva.h"
+#include "lib/support/alloc.h"
+#include "lib/support/tree_arrays.h"
+#include "programs/code_names.h"
+#include "programs/io/write_results.h"
+#include "programs/tree_canvas.h"
+
+namespace mardle {
+namespace {
+
+using molva::AllocFloats;
+using molva::AllocInts;
+
+constexpr char kSeparator[] =
+    "--------------------------------------------------------------------------------\n";
+
+std::int64_t Nodes(const RunParams& params) { return 2 * std::int64_t{params.nclusters}; }
+
+// The children of every node in the order in which they are drawn.
+molva::Array<int> OrderedChildren(const RunParams& params, const Matrix& mat, const int* part,
+                                  const molva::Array<int>& ptree) {
+  molva::Array<int> ftree =
+      molva::MakeChildTable({ptree.get(), ptree.size()}, "ShowHACTree: ftree");
+  if (params.noreorder == 0) {
+    MOLVA_V_ClusterTreeReorder(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                               mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                               params.prune, params.dbglvl, params.nclusters, part, ptree.get(),
+                               ftree.get());
+  }
+  return ftree;
+}
+
+// Rows of each class in each cluster; rows without a cluster are not counted.
+molva::Rows<int> CountClasses(const RunParams& params, const Matrix& mat, const int* part) {
+  molva::Rows<int> classdist =
+      molva::AllocIntMatrix(params.nclusters, mat.nclasses, 0, "ShowHACTree: classdist");
+  for (int i = 0; i < mat.nrows; ++i) {
+    if (part[i] < 0 || part[i] >= params.nclusters) continue;
+    ++classdist[part[i]][static_cast<std::size_t>(mat.classes[i])];
+  }
+  return classdist;
+}
+
+// Counts follow the cluster's number directly, so they line up as long as all cluster numbers have
+// the same printed width.
+void PrintClassView(const RunParams& params, const Matrix& mat, const int* part,
+                    const molva::ChildTable& children) {
+  const TreeDrawing drawing = DrawTree(params.nclusters, children, false);
+  const std::string rule(
+      static_cast<std::size_t>(drawing.width + 5 * std::int64_t{mat.nclasses} + 5), '-');
+  const bool has_classes = mat.nclasses > 1;
+  molva::Rows<int> classdist;
+  molva::Array<int> cluster_of_line;
+  std::printf("%s", drawing.canvas[0].data());
+  if (has_classes) {
+    classdist = CountClasses(params, mat, part);
+    cluster_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: lines");
+    for (int k = 0; k < params.nclusters; ++k) {
+      if (drawing.ynode[k] >= 0) cluster_of_line[drawing.ynode[k]] = k;
+    }
+    std::printf("   ");
+    for (int c = 0; c < mat.nclasses; ++c) std::printf("%4.4s ", mat.classnames[c]);
+  }
+  std::printf("\n%s\n", rule.c_str());
+  for (int y = 1; y < drawing.lines; ++y) {
+    std::printf("%s", drawing.canvas[y].data());
+    if (has_classes && cluster_of_line[y] >= 0) {
+      std::printf("   ");
+      for (const int count : classdist[cluster_of_line[y]]) std::printf("%4d ", count);
+    }
+    std::printf("\n");
+  }
+  std::printf("%s\n", rule.c_str());
+}
+
+// What the label view prints of the nodes. The discriminating columns are measured with the rest
+// and not printed.
+struct NodeNumbers {
+  NodeNumbers(std::int64_t nodes, int nfeatures)
+      : pwgts(AllocInts(nodes, "ShowHACTree: pwgts")),
+        cintsim(AllocFloats(nodes, "ShowHACTree: cintsim")),
+        cextsim(AllocFloats(nodes, "ShowHACTree: cextsim")),
+        internalids(AllocInts(nodes * nfeatures, "ShowHACTree: internalids")),
+        externalids(AllocInts(nodes * nfeatures, "ShowHACTree: externalids")),
+        internalwgts(AllocFloats(nodes * nfeatures, "ShowHACTree: internalwgts")),
+        externalwgts(AllocFloats(nodes * nfeatures, "ShowHACTree: externalwgts")) {}
+
+  molva::Array<int> pwgts;
+  molva::Array<float> cintsim, cextsim;
+  molva::Array<int> internalids, externalids;
+  molva::Array<float> internalwgts, externalwgts;
+};
+
+NodeNumbers MeasureNodes(const RunParams& params, const Matrix& mat, const int* part,
+                         const molva::Array<int>& ptree) {
+  NodeNumbers n(Nodes(params), std::max(params.nfeatures, 0));
+  MOLVA_V_GetTreeStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
+                       params.simfun, params.rowmodel, params.colmodel, params.prune,
+                       params.nclusters, part, ptree.get(), n.pwgts.get(), n.cintsim.get(),
+                       n.cextsim.get());
+  MOLVA_V_GetTreeFeatures(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                          params.prune, params.nclusters, part, ptree.get(), params.nfeatures,
+                          n.internalids.get(), n.internalwgts.get(), n.externalids.get(),
+                          n.externalwgts.get());
+  return n;
+}
+
+// An empty last slot leaves the bracket open and prints a newline of its own, on purpose.
+void PrintNodeFeatures(const Matrix& mat, int nfeatures, const int* ids, const float* weights) {
+  for (int slot = 0; slot < nfeatures; ++slot) {
+    if (ids[slot] == -1) continue;
+    std::printf("%s %4.1f%%%s", mat.clabels[ids[slot]], 100.0 * static_cast<double>(weights[slot]),
+                slot < nfeatures - 1 ? ", " : "]");
+  }
+  if (nfeatures < 1 || ids[nfeatures - 1] == -1) std::printf("\n");
+}
+
+void PrintLabelView(const RunParams& params, const Matrix& mat, const int* part,
+                    const molva::Array<int>& ptree, const molva::ChildTable& children) {
+  const NodeNumbers n = MeasureNodes(params, mat, part, ptree);
+  const TreeDrawing drawing = DrawTree(params.nclusters, children, true);
+  molva::Array<int> node_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: lines");
+  for (int x = 0; x < 2 * params.nclusters - 1; ++x) {
+    if (drawing.ynode[x] >= 0) node_of_line[drawing.ynode[x]] = x;
+  }
+  std::printf("%s     Size   ISim   XSim\n", drawing.canvas[0].data());
+  for (int y = 1; y < drawing.lines; ++y) {
+    const int x = node_of_line[y];
+    const std::int64_t begin = std::int64_t{x} * std::max(params.nfeatures, 0);
+    std::printf("%s   [%5d, %.3f, %.3f] [", drawing.canvas[y].data(), n.pwgts[x],
+                static_cast<double>(n.cintsim[x]), static_cast<double>(n.cextsim[x]));
+    PrintNodeFeatures(mat, params.nfeatures, n.internalids.get() + begin,
+                      n.internalwgts.get() + begin);
+    std::printf("\n");
+  }
+}
+
+void PrintTree(const RunParams& params, const Matrix& mat, const int* part,
+               const molva::Array<int>& ptree) {
+  molva::Array<int> ftree = OrderedChildren(params, mat, part, ptree);
+  const molva::ChildTable children(ftree);
+  std::printf("\n%sHierarchical Tree that optimizes the %s criterion function...\n%s", kSeparator,
+              CriterionName(params.treecrfun), kSeparator);
+  if (params.labeltree != 0) {
+    PrintLabelView(params, mat, part, ptree, children);
+  } else {
+    PrintClassView(params, mat, part, children);
+  }
+  std::printf("%s", kSeparator);
+}
+
+}  // namespace
+
+void ShowHACTree(const RunParams& params, const Matrix& mat, const int* part) {
+  molva::Array<int> ptree = AllocInts(Nodes(params), "ShowHACTree: ptree");
+  molva::Array<float> tsims = AllocFloats(Nodes(params), "ShowHACTree: tsims");
+  MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
+                    params.simfun, params.treecrfun, params.rowmodel, params.colmodel, params.prune,
+                    1, params.dbglvl, params.nclusters, part, ptree.get(), tsims.get());
+  if (params.writetree != 0) {
+    WriteTree(params.filename, params.treefile, params.nclusters, ptree.get(), tsims.get());
+  }
+  if (params.showtree != 0) PrintTree(params, mat, part, ptree);
+}
+
+}  // namespace mardle
