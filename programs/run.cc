@@ -9,6 +9,8 @@
 #include "programs/io/read_matrix.h"
 #include "programs/io/write_results.h"
 #include "programs/options.h"
+#include "programs/plot_clusters.h"
+#include "programs/plot_matrix.h"
 #include "programs/quality_report.h"
 #include "programs/run_params.h"
 #include "programs/run_report.h"
@@ -102,6 +104,12 @@ void Report(RunParams& params, const Matrix& mat, const Solution& solution) {
                    solution.crvalue);
   if (params.showfeatures != 0) ShowClusterFeatures(params, mat, part);
   if (params.showtree != 0 || params.writetree != 0) ShowHACTree(params, mat, part);
+  // Sparse rows under the correlation coefficient are not plotted, and nothing is said about it.
+  const bool can_plot = params.denseinput != 0 || params.simfun == 1;
+  if (params.plotmatrixfile && can_plot) {
+    PlotMatrix(params, mat, {solution.ptree.get(), solution.ptree.size()}, part);
+  }
+  if (params.plotclustersfile && can_plot) PlotTreeClusterMatrix(params, mat, part);
 }
 
 }  // namespace

@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+//
+// The lengths are fixed so that all bands together are 10000 units high and all cells 13330 units
+// wide.
+#include "programs/plot_clusters.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <numeric>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lib/molva.h"
+#include "lib/support/wide.h"
+#include "programs/plot_cells.h"
+#include "programs/plot_columns.h"
+#include "programs/plot_page.h"
+#include "programs/plot_tree.h"
+
+namespace mardle {
+namespace {
+
+constexpr char kRoutine[] = "PlotSparseTreeMatrix";
+
+// The bands. Their height grows with the square root of the number of rows; two rows more than
+// there are keep empty clusters visible.
+struct Bands {
+  explicit Bands(int nclusters)
+      : sizes(molva::AllocIntsSet(nclusters, 0, "PlotTreeClusterMatrix: pwgts")),
+        heights(molva::AllocFloatsSet(nclusters, 0, "PlotTreeClusterMatrix: tpwgts")) {}
+  molva::Array<int> sizes;
+  molva::Array<float> heights;
+};
+
+Bands MeasureBands(int nclusters, const PlottedMatrix& plotted) {
+  Bands bands(nclusters);
+  for (const int k : plotted.part) {
+    if (k >= 0 && k < nclusters) ++bands.sizes[k];
+  }
+  for (int k = 0; k < nclusters; ++k) {
+    bands.heights[k] = static_cast<float>(std::sqrt(static_cast<molva::Wide>(bands.sizes[k]) + 2));
+  }
+  return bands;
+}
+
+struct ClusterLayout {
+  ClusterLayout(int nclusters, int ncols, const Bands& bands)
+      : clusters(nclusters),
+        columns(ncols),
+        font(std::min(300.0, 5000.0 / clusters)),
+        label_size(std::min(13330.0 / columns, 399.9)),
+        cell_width(13330.0 / columns),
+        unit(10000.0 / std::accumulate(bands.heights.begin(), bands.heights.end(), 0.0)),
+        width(5 * font + 15329.5),
+        height(15 * label_size + 11500) {}
+
+  double clusters, columns;
+  double font;        // of the clusters' numbers
+  double label_size;  // the height that a column's label may take
+  double cell_width;
+  double unit;           // of the bands' heights
+  double width, height;  // of the page
+};
+
+// The tree over the clusters of the plotted rows, under the tree criterion. Clusters that it leaves
+// out, for want of rows, follow after the others.
+OrderedTree TreeOverClusters(const RunParams& params, const PlottedMatrix& plotted) {
+  const int k = params.nclusters;
+  molva::Array<int> ptree = molva::AllocInts(2 * std::int64_t{k}, {kRoutine, ": ptree"});
+  molva::Array<float> tsims = molva::AllocFloats(2 * std::int64_t{k}, {kRoutine, ": tsims"});
+  MOLVA_V_BuildTree(plotted.nrows, plotted.ncols, plotted.rowptr.get(), plotted.rowind.get(),
+                    plotted.rowval.get(), 1, params.treecrfun, 1, 1, 1.0F, 1, params.dbglvl, k,
+                    plotted.part.get(), ptree.get(), tsims.get());
+  molva::Array<int> ftree =
+      molva::MakeChildTable({ptree.get(), ptree.size()}, {kRoutine, ": ftree"});
+  if (params.noreorder == 0) {
+    MOLVA_V_ClusterTreeReorder(plotted.nrows, plotted.ncols, plotted.rowptr.get(),
+                               plotted.rowind.get(), plotted.rowval.get(), 1, 1, 1, 1.0F,
+                               params.dbglvl, k, plotted.part.get(), ptree.get(), ftree.get());
+  }
+  return KeepPresentLeaves({ptree.get(), ptree.size()}, ftree, k, kRoutine);
+}
+
+// Gives the leaves the heights of their bands instead of one each.
+void SetLeafSizes(const Bands& bands, OrderedTree& ordered) {
+  PlotTree& tree = ordered.tree;
+  for (int x = 0; x < 2 * tree.n - 1; ++x) {
+    tree.tsize[x] =
+        x < tree.n ? bands.heights[ordered.leaf_of[static_cast<std::size_t>(x)]]
+                   : tree.tsize[tree.children().first(x)] + tree.tsize[tree.children().second(x)];
+  }
+}
+
+// Draws the tree and returns where each cluster's leaf stands, in the middle of its band.
+std::vector<Point> DrawClusterTree(PlotPage& page, const ClusterLayout& layout, const Bands& bands,
+                                   OrderedTree& ordered) {
+  const double step = 1999.5 / layout.clusters;
+  const double leaf_x = 1999.5;
+  SetLeafSizes(bands, ordered);
+  PlotTree& tree = ordered.tree;
+  double y = 1500.0 / layout.columns;
+  std::vector<Point> leaves(bands.sizes.size());
+  if (tree.n > 0) {
+    const double root_x = leaf_x - (tree.n - 1) * step;
+    DrawTreeHorizontally(page, tree, {root_x, y}, step, layout.unit, kNoLabels);
+    for (int leaf = 0; leaf < tree.n; ++leaf) {
+      const auto cluster =
+          static_cast<std::size_t>(ordered.leaf_of[static_cast<std::size_t>(leaf)]);
+      leaves[cluster] = {tree.xnode[leaf], tree.ynode[leaf]};
+    }
+    y += static_cast<double>(tree.tsize[tree.root()]) * layout.unit;
+  }
+  for (auto p = static_cast<std::size_t>(tree.n); p < ordered.order.size(); ++p) {
+    const auto cluster = static_cast<std::size_t>(ordered.order[p]);
+    const auto height = static_cast<double>(bands.heights[cluster]);
+    leaves[cluster] = {leaf_x, y + 0.5 * (height - 1) * layout.unit};
+    y += height * layout.unit;
+  }
+  return leaves;
+}
+
+std::string SizeLabel(int size) {
+  std::string text = "(";
+  text += std::to_string(size);
+  text += ')';
+  return text;
+}
+
+void LabelClusters(PlotPage& page, const ClusterLayout& layout, const Bands& bands,
+                   const std::vector<Point>& leaves) {
+  for (std::size_t k = 0; k < leaves.size(); ++k) {
+    page.SetFontSize(layout.font);
+    page.Label({leaves[k].x + 0.5 * layout.font, leaves[k].y}, 90, Along::kCenter, Across::kTop,
+               std::to_string(k));
+    page.SetFontSize(0.5 * layout.font);
+    page.Label({leaves[k].x + 1.75 * layout.font, leaves[k].y}, 90, Along::kCenter, Across::kTop,
+               SizeLabel(bands.sizes[k]));
+  }
+}
+
+// The cells of all bands: their left edge, and the upper edge of the highest band.
+struct Grid {
+  double left;
+  double top;
+};
+
+// Labels run down and end half a label size above the bands, or above the tree over the columns.
+void LabelColumns(PlotPage& page, const ClusterLayout& layout, const Matrix& mat,
+                  const PlottedMatrix& plotted, const std::vector<int>& order, const Grid& grid,
+                  double bottom) {
+  const double label_end = bottom + 0.5 * layout.label_size;
+  const double room = layout.height - 0.25 * layout.label_size - label_end;
+  page.SetFontSize(0.8 * layout.label_size);
+  for (std::size_t p = 0; p < order.size(); ++p) {
+    std::string text = PrintableLabel(mat.clabels[plotted.cperm[order[p]]]);
+    double length = page.LabelWidth(text);
+    while (length > room && !text.empty()) {
+      text.pop_back();
+      length = page.LabelWidth(text);
+    }
+    const double middle = grid.left + (static_cast<double>(p) + 0.5) * layout.cell_width;
+    page.Label({middle, label_end + length}, -90, Along::kStart, Across::kCenter, text);
+  }
+}
+
+// The average of the rows of each cluster; empty for a cluster without rows.
+std::vector<std::vector<float>> Centroids(const PlottedMatrix& plotted, const Bands& bands) {
+  std::vector<std::vector<float>> centroids(bands.sizes.size());
+  for (std::size_t k = 0; k < centroids.size(); ++k) {
+    if (bands.sizes[k] > 0) centroids[k].resize(static_cast<std::size_t>(plotted.ncols));
+  }
+  for (int i = 0; i < plotted.nrows; ++i) {
+    const int k = plotted.part[i];
+    if (k < 0 || static_cast<std::size_t>(k) >= centroids.size()) continue;
+    const std::span<const int> columns = plotted.RowColumns(i);
+    const std::span<const float> values = plotted.RowValues(i);
+    for (std::size_t e = 0; e < values.size(); ++e) {
+      centroids[static_cast<std::size_t>(k)][static_cast<std::size_t>(columns[e])] += values[e];
+    }
+  }
+  for (std::size_t k = 0; k < centroids.size(); ++k) {
+    for (float& v : centroids[k])
+      v = static_cast<float>(static_cast<molva::Wide>(v) / bands.sizes[k]);
+  }
+  return centroids;
+}
+
+void DrawBands(PlotPage& page, const ClusterLayout& layout, const Bands& bands,
+               const PlottedMatrix& plotted, const std::vector<Point>& leaves,
+               const std::vector<int>& order, const Grid& grid, bool zeroblack) {
+  const std::vector<std::vector<float>> centroids = Centroids(plotted, bands);
+  ValueRange range;
+  for (const std::vector<float>& centroid : centroids) range.Include(centroid);
+  const auto half_height = [&](std::size_t k) {
+    return 0.5 * static_cast<double>(bands.heights[k]) * layout.unit;
+  };
+  page.StartCells();
+  for (std::size_t k = 0; k < leaves.size(); ++k) {
+    if (centroids[k].empty()) continue;
+    for (std::size_t p = 0; p < order.size(); ++p) {
+      const std::optional<Color> color =
+          CellColor(centroids[k][static_cast<std::size_t>(order[p])], range, zeroblack);
+      if (!color) continue;
+      const double left = grid.left + static_cast<double>(p) * layout.cell_width;
+      page.Cell({left, leaves[k].y - half_height(k)},
+                {left + layout.cell_width, leaves[k].y + half_height(k)}, *color);
+    }
+  }
+  page.StartFrames();
+  const double right = grid.left + layout.columns * layout.cell_width;
+  for (std::size_t k = 0; k < leaves.size(); ++k) {
+    page.Frame({grid.left, leaves[k].y - half_height(k)}, {right, leaves[k].y + half_height(k)});
+  }
+}
+
+double TopOf(const ClusterLayout& layout, const Bands& bands, const std::vector<Point>& leaves) {
+  double top = 0;
+  for (std::size_t k = 0; k < leaves.size(); ++k) {
+    top = std::max(top, leaves[k].y + 0.5 * static_cast<double>(bands.heights[k]) * layout.unit);
+  }
+  return top;
+}
+
+std::vector<int> Identity(int n) {
+  std::vector<int> order(static_cast<std::size_t>(n));
+  std::iota(order.begin(), order.end(), 0);
+  return order;
+}
+
+}  // namespace
+
+void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const int* part) {
+  PlottedMatrix plotted = PrepareForPlot(params, mat, part, kRoutine);
+  const Bands bands = MeasureBands(params.nclusters, plotted);
+  SelectColumns(params, plotted, kRoutine);
+  if (plotted.nrows < 1 || plotted.ncols < 1 || params.nclusters < 1) {
+    std::fprintf(stderr, "No rows or no columns to plot: %s is not written\n",
+                 params.plotclustersfile.get());
+    return;
+  }
+  OrderedTree cluster_tree = TreeOverClusters(params, plotted);
+  std::optional<OrderedTree> column_tree;
+  if (params.clustercolumns != 0) column_tree = ClusterColumns(params, plotted, kRoutine);
+
+  const ClusterLayout layout(params.nclusters, plotted.ncols, bands);
+  PlotPage page(params.plotclustersfile.get(), "PlotTreeClusterMatrix: fpout",
+                params.plotformat.data(), layout.width, layout.height);
+  const std::vector<Point> leaves = DrawClusterTree(page, layout, bands, cluster_tree);
+  page.SetFontSize(layout.font);
+  const double number_width = page.LabelWidth("XXXX");
+  LabelClusters(page, layout, bands, leaves);
+
+  const Grid grid{number_width + leaves[0].x + 0.5 * layout.cell_width,
+                  TopOf(layout, bands, leaves)};
+  const std::vector<int> order = column_tree ? column_tree->order : Identity(plotted.ncols);
+  double labels_from = grid.top;
+  if (column_tree && column_tree->tree.n > 1) {
+    // The tree takes a quarter of the room above the bands.
+    const double room = 0.25 * (layout.height - grid.top);
+    DrawTreeVertically(page, column_tree->tree,
+                       {grid.left + 0.5 * layout.cell_width, grid.top + room}, layout.cell_width,
+                       room / (column_tree->tree.n - 1), kNoLabels);
+    labels_from += room + 0.5 * room / (column_tree->tree.n - 1);
+  }
+  LabelColumns(page, layout, mat, plotted, order, grid, labels_from);
+  DrawBands(page, layout, bands, plotted, leaves, order, grid, params.zeroblack != 0);
+  page.Close();
+}
+
+}  // namespace mardle
