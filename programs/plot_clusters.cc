@@ -147,7 +147,7 @@ struct Grid {
   double top;
 };
 
-// Labels run down and end half a label size above the bands, or above the tree over the columns.
+// Labels end half a label size above the bands, or above the tree over the columns.
 void LabelColumns(PlotPage& page, const ClusterLayout& layout, const Matrix& mat,
                   const PlottedMatrix& plotted, const std::vector<int>& order, const Grid& grid,
                   double bottom) {
@@ -155,14 +155,8 @@ void LabelColumns(PlotPage& page, const ClusterLayout& layout, const Matrix& mat
   const double room = layout.height - 0.25 * layout.label_size - label_end;
   page.SetFontSize(0.8 * layout.label_size);
   for (std::size_t p = 0; p < order.size(); ++p) {
-    std::string text = PrintableLabel(mat.clabels[plotted.cperm[order[p]]]);
-    double length = page.LabelWidth(text);
-    while (length > room && !text.empty()) {
-      text.pop_back();
-      length = page.LabelWidth(text);
-    }
     const double middle = grid.left + (static_cast<double>(p) + 0.5) * layout.cell_width;
-    page.Label({middle, label_end + length}, -90, Along::kStart, Across::kCenter, text);
+    DrawColumnLabel(page, {middle, label_end}, room, mat.clabels[plotted.cperm[order[p]]]);
   }
 }
 
@@ -224,12 +218,6 @@ double TopOf(const ClusterLayout& layout, const Bands& bands, const std::vector<
   return top;
 }
 
-std::vector<int> Identity(int n) {
-  std::vector<int> order(static_cast<std::size_t>(n));
-  std::iota(order.begin(), order.end(), 0);
-  return order;
-}
-
 }  // namespace
 
 void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const int* part) {
@@ -255,7 +243,7 @@ void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const int
 
   const Grid grid{number_width + leaves[0].x + 0.5 * layout.cell_width,
                   TopOf(layout, bands, leaves)};
-  const std::vector<int> order = column_tree ? column_tree->order : Identity(plotted.ncols);
+  const std::vector<int> order = ColumnOrder(column_tree, plotted.ncols);
   double labels_from = grid.top;
   if (column_tree && column_tree->tree.n > 1) {
     // The tree takes a quarter of the room above the bands.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <numeric>
+#include <string>
 
 namespace mardle {
 namespace {
@@ -191,6 +192,23 @@ OrderedTree ClusterColumns(const RunParams& params, const PlottedMatrix& plotted
                         params.dbglvl, cptree.get(), ftree.get());
   }
   return KeepPresentLeaves({cptree.get(), cptree.size()}, ftree, c, routine);
+}
+
+std::vector<int> ColumnOrder(const std::optional<OrderedTree>& column_tree, int ncols) {
+  if (column_tree) return column_tree->order;
+  std::vector<int> order(static_cast<std::size_t>(ncols));
+  std::iota(order.begin(), order.end(), 0);
+  return order;
+}
+
+void DrawColumnLabel(PlotPage& page, Point end, double room, const char* label) {
+  std::string text = PrintableLabel(label);
+  double length = page.LabelWidth(text);
+  while (length > room && !text.empty()) {
+    text.pop_back();
+    length = page.LabelWidth(text);
+  }
+  page.Label({end.x, end.y + length}, -90, Along::kStart, Across::kCenter, text);
 }
 
 }  // namespace mardle

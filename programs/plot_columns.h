@@ -5,12 +5,14 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "programs/io/matrix.h"
+#include "programs/plot_page.h"
 #include "programs/plot_tree.h"
 #include "programs/run_params.h"
 
@@ -66,6 +68,13 @@ OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> f
 // reordering unless params.noreorder is set or there are more than 4999 columns.
 OrderedTree ClusterColumns(const RunParams& params, const PlottedMatrix& plotted,
                            const char* routine);
+
+// The order in which the columns stand: that of their tree, or else as they are.
+std::vector<int> ColumnOrder(const std::optional<OrderedTree>& column_tree, int ncols);
+
+// Draws a column's label running down, so that it ends at `end`. One that is longer than the room
+// loses its last characters.
+void DrawColumnLabel(PlotPage& page, Point end, double room, const char* label);
 
 // More rows or columns than this keep the order of their tree.
 constexpr int kMostReordered = 4999;

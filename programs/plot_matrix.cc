@@ -82,12 +82,6 @@ std::vector<int> RowsByCluster(const PlottedMatrix& plotted) {
   return order;
 }
 
-std::vector<int> Identity(int n) {
-  std::vector<int> order(static_cast<std::size_t>(n));
-  std::iota(order.begin(), order.end(), 0);
-  return order;
-}
-
 std::vector<double> PositionsOf(const std::vector<int>& order) {
   std::vector<double> positions(order.size());
   for (std::size_t p = 0; p < order.size(); ++p) {
@@ -96,19 +90,13 @@ std::vector<double> PositionsOf(const std::vector<int>& order) {
   return positions;
 }
 
-// Labels run down and end just above the cells or the tree over the columns; one that is too long
-// for the page loses its end.
+// Labels end just above the cells or the tree over the columns.
 void DrawColumnLabels(PlotPage& page, const MatrixLayout& layout, const Matrix& mat,
                       const PlottedMatrix& plotted, const std::vector<int>& order) {
   for (std::size_t p = 0; p < order.size(); ++p) {
-    std::string text = PrintableLabel(mat.clabels[plotted.cperm[order[p]]]);
-    double width = page.LabelWidth(text);
-    while (width > layout.label_room && !text.empty()) {
-      text.pop_back();
-      width = page.LabelWidth(text);
-    }
-    page.Label({layout.ColumnLeft(static_cast<double>(p) + 0.5), layout.label_bottom + width}, -90,
-               Along::kStart, Across::kCenter, text);
+    const double middle = layout.ColumnLeft(static_cast<double>(p) + 0.5);
+    DrawColumnLabel(page, {middle, layout.label_bottom}, layout.label_room,
+                    mat.clabels[plotted.cperm[order[p]]]);
   }
 }
 
@@ -202,7 +190,7 @@ void PlotTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const 
                        kNoLabels);
   }
   GridOrder grid{row_tree ? row_tree->order : RowsByCluster(plotted),
-                 column_tree ? column_tree->order : Identity(plotted.ncols),
+                 ColumnOrder(column_tree, plotted.ncols),
                  {}};
   grid.column_position = PositionsOf(grid.columns);
   DrawColumnLabels(page, layout, mat, plotted, grid.columns);
