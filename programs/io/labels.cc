@@ -2,7 +2,6 @@
 #include "programs/io/labels.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -51,21 +50,10 @@ molva::Strings ReadEntries(const Companion& companion, const std::string& name, 
   return entries;
 }
 
-// PREFIX00001, PREFIX00002, ...
-molva::Strings GenerateLabels(const Companion& companion, const char* prefix, int n) {
-  molva::Strings labels(n, companion.block);
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    std::array<char, 32> label;
-    std::snprintf(label.data(), label.size(), "%s%05zu", prefix, i + 1);
-    labels.Set(i, label.data());
-  }
-  return labels;
-}
-
-molva::Strings ReadLabels(const Companion& companion, const molva::String& given,
-                          const char* matrix_name, const char* prefix, int n) {
+Labels ReadLabels(const Companion& companion, const molva::String& given, const char* matrix_name,
+                  const char* prefix, int n) {
   const std::string name = NameOf(companion, given, matrix_name);
-  if (molva::FileExists(name.c_str()) == 0) return GenerateLabels(companion, prefix, n);
+  if (molva::FileExists(name.c_str()) == 0) return Labels(n, companion.block, prefix);
   return ReadEntries(companion, name, n);
 }
 

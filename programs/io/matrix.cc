@@ -1,7 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "programs/io/matrix.h"
 
+#include <array>
+#include <cstdio>
+
 namespace mardle {
+
+const char* Labels::operator[](std::int64_t i) const {
+  const auto slot = static_cast<std::size_t>(i);
+  if (texts_[slot] == nullptr) {
+    std::array<char, 64> label;
+    std::snprintf(label.data(), label.size(), "%s%05zu", prefix_, slot + 1);
+    texts_.Set(slot, label.data());
+  }
+  return texts_[slot];
+}
 
 void InitMatrix(Matrix& mat) { mat = Matrix(); }
 

@@ -19,11 +19,17 @@ using testing_support::OutputOf;
 using Texts = std::vector<std::string>;
 using Ints = std::vector<int>;
 
-Texts Of(const molva::Strings& strings) {
+template <typename Table>
+Texts TextsOf(const Table& table) {
   Texts texts;
-  for (std::size_t i = 0; i < strings.size(); ++i) texts.emplace_back(strings[i]);
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    texts.emplace_back(table[static_cast<std::int64_t>(i)]);
+  }
   return texts;
 }
+
+Texts Of(const molva::Strings& strings) { return TextsOf(strings); }
+Texts Of(const mardle::Labels& labels) { return TextsOf(labels); }
 
 Ints Of(const molva::Array<int>& array) { return {array.begin(), array.end()}; }
 
@@ -203,7 +209,7 @@ TEST_F(CompanionFiles, OfAMatrixWithoutRowsAndColumnsAreNotRead) {
   }
 }
 
-// Without columns the row labels are the first table, with its one text behind it.
+// Without columns the row labels are the first table; generated texts ask for nothing yet.
 TEST_F(CompanionFiles, NameTheTableThatCannotBeHad) {
   folder_.Write("docs.mat.rclass", "a\n");
   const auto read_with = [this](int successes, int nrows, int ncols) {
@@ -212,7 +218,7 @@ TEST_F(CompanionFiles, NameTheTableThatCannotBeHad) {
   };
   EXPECT_FATAL(read_with(0, 1, 3), AllocationFailed("ReadMat: clabel", 3 * sizeof(char*)));
   EXPECT_FATAL(read_with(0, 1, 0), AllocationFailed("ReadMat: rlabels", sizeof(char*)));
-  EXPECT_FATAL(read_with(2, 1, 0), AllocationFailed("ReadMat: rclasses", sizeof(char*)));
+  EXPECT_FATAL(read_with(1, 1, 0), AllocationFailed("ReadMat: rclasses", sizeof(char*)));
 }
 
 TEST(SetUpClasses, NumbersLabelsInTheOrderOfTheirFirstAppearance) {
