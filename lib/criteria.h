@@ -6,22 +6,41 @@
 #pragma once
 
 #include <cmath>
+#include <limits>
 
 #include "lib/criterion_terms.h"
 #include "lib/support/wide.h"
+#include "lib/value_bound.h"
 
 namespace molva {
 
 struct Larger {
   static bool Better(Wide after, Wide before) { return after > before; }
+  // Whether `after`, the best that it can be, is worse than `before` all the same.
+  static bool Worse(double after, double before, double slack) { return after + slack < before; }
   static Wide Quality(Wide total, Wide nrows) { return total / nrows; }
 };
 
 // Smaller totals are better; their quality is inverted, so that the best trial has the largest.
 struct Smaller {
   static bool Better(Wide after, Wide before) { return after < before; }
+  static bool Worse(double after, double before, double slack) { return after - slack > before; }
   static Wide Quality(Wide total, Wide nrows) { return nrows / total; }
 };
+
+// The best value that a term can have when squared length and similarity are known up to an error:
+// the terms without similarity grow with the squared length and are wanted large, the others fall
+// with it, grow with the similarity and are wanted small. Not-a-number where that does not hold.
+template <typename Term>
+double BestValue(const BasicMeasure<double>& c, double length_error, double similarity_error) {
+  const BasicMeasure<double> best{c.size, c.squared_length + length_error,
+                                  c.similarity - similarity_error};
+  if constexpr (Term::kUsesSimilarity) {
+    const bool monotone = best.similarity >= 0 && c.squared_length > length_error;
+    if (!monotone) return std::numeric_limits<double>::quiet_NaN();
+  }
+  return Term::Of(best);
+}
 
 // One sum of terms over the clusters.
 template <typename Term, typename Direction>
@@ -29,8 +48,14 @@ class SingleSum {
  public:
   static constexpr bool kUsesSimilarity = Term::kUsesSimilarity;
   using Terms = Wide;
+  using RoughTerms = double;
 
   static Terms TermsOf(const ClusterMeasure& cluster) { return Term::Of(cluster); }
+  static RoughTerms RoughTermsOf(const BasicMeasure<double>& cluster) { return Term::Of(cluster); }
+  static RoughTerms BestTerms(const BasicMeasure<double>& cluster, double length_error,
+                              double similarity_error) {
+    return BestValue<Term>(cluster, length_error, similarity_error);
+  }
 
   void AddCluster(Terms terms) { total_ += terms; }
   void Start() {}
@@ -43,6 +68,15 @@ class SingleSum {
     if (!Direction::Better(after, before)) return false;
     total_ += static_cast<Wide>(after) - before;
     return true;
+  }
+
+  // Whether Improve would refuse the move for certain, from the terms before and the best that they
+  // can be after. Rounding keeps order: a wide sum that is worse never rounds to a better one.
+  static bool IsHopeless(RoughTerms from_before, RoughTerms to_before, RoughTerms from_after,
+                         RoughTerms to_after) {
+    const double before = from_before + to_before;
+    const double after = from_after + to_after;
+    return Direction::Worse(after, before, kSlack * (std::fabs(before) + std::fabs(after)));
   }
 
   Wide Progress(Wide nrows) const { return total_ / nrows; }
@@ -61,9 +95,20 @@ class TwoSums {
   struct Terms {
     Wide a, b;
   };
+  struct RoughTerms {
+    double a, b;
+  };
 
   static Terms TermsOf(const ClusterMeasure& cluster) {
     return {TermA::Of(cluster), TermB::Of(cluster)};
+  }
+  static RoughTerms RoughTermsOf(const BasicMeasure<double>& cluster) {
+    return {TermA::Of(cluster), TermB::Of(cluster)};
+  }
+  static RoughTerms BestTerms(const BasicMeasure<double>& cluster, double length_error,
+                              double similarity_error) {
+    return {BestValue<TermA>(cluster, length_error, similarity_error),
+            BestValue<TermB>(cluster, length_error, similarity_error)};
   }
 
   void AddCluster(Terms terms) {
@@ -83,6 +128,21 @@ class TwoSums {
     return true;
   }
 
+  // Whether Improve would refuse the move for certain.
+  bool IsHopeless(const RoughTerms& from_before, const RoughTerms& to_before,
+                  const RoughTerms& from_after, const RoughTerms& to_after) const {
+    const double a_before = from_before.a + to_before.a;
+    const double b_before = from_before.b + to_before.b;
+    const double a_after = from_after.a + to_after.a;
+    const double b_after = from_after.b + to_after.b;
+    const auto a = static_cast<double>(a_);
+    const auto b = static_cast<double>(b_);
+    const double a_slack = kSlack * (std::fabs(a) + std::fabs(a_before) + std::fabs(a_after));
+    const double b_slack = kSlack * (std::fabs(b) + std::fabs(b_before) + std::fabs(b_after));
+    return Combination::IsBelow(a - a_before + a_after + a_slack, b - b_before + b_after, b_slack,
+                                static_cast<double>(value_));
+  }
+
   Wide Progress(Wide nrows) const { return value_ / Combination::Divisor(nrows); }
   float Quality(Wide nrows) const { return static_cast<float>(Progress(nrows)); }
 
@@ -96,12 +156,26 @@ class TwoSums {
 struct Ratio {
   static Wide Of(Wide a, Wide b) { return a / b; }
   static Wide Divisor(Wide) { return 1; }
+  // Whether the ratio is certainly below the value, for the largest a that can be and b up to an
+  // error.
+  static bool IsBelow(double a, double b, double b_error, double value) {
+    const double least = b - b_error;
+    return least > 0 && value > 0 && a * (1 + kSlack) < value * least;
+  }
 };
 
 // The fourth root of A times B, told per row.
 struct FourthRootProduct {
   static Wide Of(Wide a, Wide b) { return std::pow(a, 0.25L) * b; }
   static Wide Divisor(Wide nrows) { return nrows; }
+  // The fourth powers are compared, which takes no root.
+  static bool IsBelow(double a, double b, double b_error, double value) {
+    const double most = b + b_error;
+    const double squared = most * most;
+    const double target = value * value;
+    return a >= 0 && most >= 0 && value > 0 &&
+           a * squared * squared * (1 + kSlack) < target * target;
+  }
 };
 
 // The routine that moves rows under an objective names its blocks: per cluster after itself, per

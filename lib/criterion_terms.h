@@ -13,51 +13,65 @@
 namespace molva {
 
 // A cluster of n rows with composite D, as a term sees it. G is the composite of all rows.
-struct ClusterMeasure {
-  std::int64_t size;    // n
-  Wide squared_length;  // D.D
-  Wide similarity;      // D.G, the cluster against the whole; not read by I1Term and I2Term
+template <typename Number>
+struct BasicMeasure {
+  std::int64_t size;      // n
+  Number squared_length;  // D.D
+  Number similarity;      // D.G, the cluster against the whole; not read by I1Term and I2Term
 };
+using ClusterMeasure = BasicMeasure<Wide>;
 
 // D.D / n
 struct I1Term {
   static constexpr bool kUsesSimilarity = false;
-  static Wide Of(const ClusterMeasure& c) { return c.squared_length / static_cast<Wide>(c.size); }
+  template <typename Number>
+  static Number Of(const BasicMeasure<Number>& c) {
+    return c.squared_length / static_cast<Number>(c.size);
+  }
 };
 
 // |D|
 struct I2Term {
   static constexpr bool kUsesSimilarity = false;
-  static Wide Of(const ClusterMeasure& c) { return std::sqrt(c.squared_length); }
+  template <typename Number>
+  static Number Of(const BasicMeasure<Number>& c) {
+    return std::sqrt(c.squared_length);
+  }
 };
 
 // n D.G / |D|
 struct E1Term {
   static constexpr bool kUsesSimilarity = true;
-  static Wide Of(const ClusterMeasure& c) {
-    return static_cast<Wide>(c.size) * c.similarity / std::sqrt(c.squared_length);
+  template <typename Number>
+  static Number Of(const BasicMeasure<Number>& c) {
+    return static_cast<Number>(c.size) * c.similarity / std::sqrt(c.squared_length);
   }
 };
 
 // D.G / D.D
 struct G1Term {
   static constexpr bool kUsesSimilarity = true;
-  static Wide Of(const ClusterMeasure& c) { return c.similarity / c.squared_length; }
+  template <typename Number>
+  static Number Of(const BasicMeasure<Number>& c) {
+    return c.similarity / c.squared_length;
+  }
 };
 
 // n^2 D.G / D.D
 struct G1PrimeTerm {
   static constexpr bool kUsesSimilarity = true;
-  static Wide Of(const ClusterMeasure& c) {
-    return static_cast<Wide>(c.size * c.size) * c.similarity / c.squared_length;
+  template <typename Number>
+  static Number Of(const BasicMeasure<Number>& c) {
+    return static_cast<Number>(c.size * c.size) * c.similarity / c.squared_length;
   }
 };
 
 // n D.G / D.D
 struct SizedG1Term {
   static constexpr bool kUsesSimilarity = true;
-  static Wide Of(const ClusterMeasure& c) {
-    return static_cast<Wide>(c.size) * c.similarity / c.squared_length;
+  template <typename Number>
+  static Number Of(const BasicMeasure<Number>& c) {
+    return static_cast<Number>(c.size) * c.similarity / c.squared_length;
   }
 };
 

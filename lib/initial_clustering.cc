@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "lib/initial_clustering.h"
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
-#include "lib/composites.h"
+#include "lib/lanes.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
+#include "lib/value_bound.h"
 
 namespace molva {
 namespace {
@@ -13,26 +16,24 @@ namespace {
 constexpr int kShufflingPasses = 5;
 
 struct GrowingClusters {
-  Array<float> dnorms;  // the squared length of each composite
-  Rows<float> centers;  // the composites
+  Array<float> dnorms;             // the squared length of each composite
+  Lanes centers;                   // the composites
+  std::vector<ValueBound> bounds;  // of the values of each composite
 };
 
 // The entries are written, not added: a column stored twice in a seed keeps its last value here,
 // while the squared length counts both.
 void Seed(const RowView& row, int k, GrowingClusters& clusters) {
+  clusters.centers.Set(row, k);
   Wide squares = 0;
-  for (std::size_t p = 0; p < row.size(); ++p) {
-    const Wide v = row.values[p];
-    clusters.centers[k][static_cast<std::size_t>(row.columns[p])] = row.values[p];
-    squares += v * v;
-  }
+  for (const Wide v : row.values) squares += v * v;
   clusters.dnorms[k] = static_cast<float>(squares);
+  clusters.bounds[static_cast<std::size_t>(k)].Add(SizeOf(row).largest);
 }
 
 // The squared length of the composite if the row joined, from all entries against the composite as
 // it stands, added to the old squared length one by one.
-Wide SquaredLengthJoined(const RowView& row, std::span<const float> composite,
-                         Wide squared_length) {
+Wide SquaredLengthJoined(const RowView& row, const LaneView& composite, Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
     const Wide c = composite[static_cast<std::size_t>(row.columns[p])];
     const Wide grown = c + row.values[p];
@@ -41,12 +42,11 @@ Wide SquaredLengthJoined(const RowView& row, std::span<const float> composite,
   return squared_length;
 }
 
-// Puts the row into the cluster that grows most and returns it. A gain that is not a number never
-// replaces the choice.
-int Join(const RowView& row, int nparts, GrowingClusters& clusters) {
+// The cluster that grows most, by the full arithmetic. A gain that is not a number never replaces
+// the choice.
+int FullChoice(const RowView& row, int nparts, const GrowingClusters& clusters) {
   int best = 0;
   Wide best_gain = 0;
-  Wide best_squared_length = 0;
   for (int k = 0; k < nparts; ++k) {
     const Wide squared_length = clusters.dnorms[k];
     const Wide joined = SquaredLengthJoined(row, clusters.centers[k], squared_length);
@@ -54,11 +54,67 @@ int Join(const RowView& row, int nparts, GrowingClusters& clusters) {
     if (k == 0 || gain > best_gain) {
       best = k;
       best_gain = gain;
-      best_squared_length = joined;
     }
   }
-  clusters.dnorms[best] = static_cast<float>(best_squared_length);
-  AddRow(row, clusters.centers[best]);
+  return best;
+}
+
+// The least and the most that a cluster can grow, from rough dot products. The bound of a squared
+// length is that of refinement; the full arithmetic rounds squares of c + v here, n of them by
+// 2^-64 of at most (max|c| + max|v|)^2, twice.
+struct Growth {
+  double least, most;
+};
+
+Growth RoughGrowth(const RowSize& row, std::size_t entries, double product, double squared_length,
+                   const ValueBound& bound) {
+  const double n = static_cast<double>(entries + 8);
+  const double largest = bound.Value() + row.largest;
+  const double error =
+      n * 0x1p-52 * (std::fabs(squared_length) + row.square + 2 * row.absolute * bound.Value()) +
+      n * 0x1p-62 * largest * largest;
+  const double joined = squared_length + 2 * product + row.square;
+  const double length = std::sqrt(squared_length);
+  const double slack = kSlack * (length + std::sqrt(joined + error));
+  return {std::sqrt(joined - error) - length - slack, std::sqrt(joined + error) - length + slack};
+}
+
+// The cluster that grows most, if rough arithmetic can tell; -1 if it cannot.
+int RoughChoice(const RowView& row, int nparts, const GrowingClusters& clusters,
+                std::vector<double>& products) {
+  const RowSize size = SizeOf(row);
+  clusters.centers.DotRow(row, products.data());
+  const auto growth = [&](int k) {
+    const auto lane = static_cast<std::size_t>(k);
+    return RoughGrowth(size, row.size(), products[lane], static_cast<double>(clusters.dnorms[k]),
+                       clusters.bounds[lane]);
+  };
+  int best = 0;
+  Growth most = growth(0);
+  double rival = -1;  // the most that any other cluster can grow; none shrinks by more than 1
+  bool comparable = most.least >= -1 && most.most < 0x1p500;
+  for (int k = 1; k < nparts; ++k) {
+    const Growth g = growth(k);
+    comparable = comparable && g.least >= -1 && g.most < 0x1p500;
+    if (g.least > most.least) {
+      rival = std::max(rival, most.most);
+      most = g;
+      best = k;
+    } else {
+      rival = std::max(rival, g.most);
+    }
+  }
+  return comparable && (nparts == 1 || most.least > rival) ? best : -1;
+}
+
+// Puts the row into the cluster that grows most and returns it.
+int Join(const RowView& row, int nparts, GrowingClusters& clusters, std::vector<double>& products) {
+  int best = RoughChoice(row, nparts, clusters, products);
+  if (best < 0) best = FullChoice(row, nparts, clusters);
+  clusters.dnorms[best] =
+      static_cast<float>(SquaredLengthJoined(row, clusters.centers[best], clusters.dnorms[best]));
+  clusters.centers.Add(row, best);
+  clusters.bounds[static_cast<std::size_t>(best)].Add(SizeOf(row).largest);
   return best;
 }
 
@@ -67,7 +123,9 @@ int Join(const RowView& row, int nparts, GrowingClusters& clusters) {
 void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> part) {
   Array<int> perm = AllocInts(mat.nrows, "InitialClustering: perm");
   GrowingClusters clusters{AllocFloats(nparts, "InitialClustering: dnorms"),
-                           AllocFloatMatrix(nparts, mat.ncols, 0, "InitialClustering: centers[i]")};
+                           Lanes(nparts, mat.ncols, "InitialClustering: centers[i]"),
+                           std::vector<ValueBound>(static_cast<std::size_t>(nparts))};
+  std::vector<double> products(clusters.centers.stride());
 
   RandomPermute(perm, Start::kIdentity);
   for (int pass = 1; pass < kShufflingPasses; ++pass) RandomPermute(perm, Start::kAsGiven);
@@ -75,7 +133,8 @@ void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> par
   for (int j = 0; j < mat.nrows; ++j) {
     const RowView row = Row(mat, perm[j]);
     if (j < nparts) Seed(row, j, clusters);
-    part[static_cast<std::size_t>(perm[j])] = j < nparts ? j : Join(row, nparts, clusters);
+    part[static_cast<std::size_t>(perm[j])] =
+        j < nparts ? j : Join(row, nparts, clusters, products);
   }
 }
 

@@ -5,24 +5,27 @@
 // Rows are visited in random order. A visited row tries the clusters in increasing order and moves
 // to each one that improves the objective at once, so it may move more than once in a visit. A
 // candidate is judged from the row's entries alone: squared lengths of composites are carried
-// along, and the composites change only with a move.
+// along, and the composites change only with a move. Candidates that a rough look shows to be
+// hopeless are passed over; what is decided and stored comes from the arithmetic below alone.
 #pragma once
 
 #include <cstdio>
+#include <vector>
 
 #include "lib/composites.h"
 #include "lib/control.h"
 #include "lib/criteria.h"
+#include "lib/lanes.h"
+#include "lib/move_screen.h"
 #include "lib/prepared_matrix.h"
 #include "lib/support/random.h"
-#include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 
 namespace molva {
 
 // |D - d|^2 from |D|^2, for a row d of the cluster with composite D: the terms are added to |D|^2
 // one by one, in entry order.
-inline Wide SquaredLengthWithout(const RowView& row, std::span<const float> composite,
+inline Wide SquaredLengthWithout(const RowView& row, const LaneView& composite,
                                  Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
     const Wide v = row.values[p];
@@ -33,8 +36,7 @@ inline Wide SquaredLengthWithout(const RowView& row, std::span<const float> comp
 }
 
 // |D + d|^2 from |D|^2, for a row d outside the cluster.
-inline Wide SquaredLengthWith(const RowView& row, std::span<const float> composite,
-                              Wide squared_length) {
+inline Wide SquaredLengthWith(const RowView& row, const LaneView& composite, Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
     const Wide v = row.values[p];
     const Wide c = composite[static_cast<std::size_t>(row.columns[p])];
@@ -63,16 +65,20 @@ class KWayRefinement {
         perm_(AllocInts(mat.nrows, {names.per_row, ": perm"})),
         pwgts_(AllocIntsSet(nparts, 0, {names.per_cluster, ": pwgts"})),
         dnorms_(AllocFloats(nparts, {names.per_cluster, ": dnorms"})),
-        centers_(AllocFloatMatrix(nparts, mat.ncols, 0, {names.per_cluster, ": centers"})) {
+        centers_(nparts + (Objective::kUsesSimilarity ? 1 : 0), mat.ncols,
+                 {names.per_cluster, ": centers"}),
+        row_sizes_(static_cast<std::size_t>(mat.nrows)),
+        screen_(centers_, nparts) {
     if constexpr (Objective::kUsesSimilarity) {
       csim_ = AllocFloats(nparts, {names.per_cluster, ": csim"});
       gcenter_ = AllocFloatsSet(mat.ncols, 0, {names.per_row, ": gcenter"});
     }
-    AccumulateComposites(mat_, part_, pwgts_, centers_, gcenter_);
+    for (int i = 0; i < mat_.nrows; ++i) CountRow(i);
+    centers_.SquaredLengths(dnorms_);
+    if constexpr (Objective::kUsesSimilarity) centers_.DotsWith(gcenter_, csim_);
     for (int k = 0; k < nparts_; ++k) {
-      dnorms_[k] = DotFloats(centers_[k], centers_[k]);
-      if constexpr (Objective::kUsesSimilarity) csim_[k] = DotFloats(centers_[k], gcenter_);
       objective_.AddCluster(Objective::TermsOf(Measure(k)));
+      ShowToScreen(k);
     }
     objective_.Start();
   }
@@ -96,13 +102,32 @@ class KWayRefinement {
 
   // The cluster that a visited row stands in, with the row and without it.
   struct Home {
-    int cluster;
     ClusterMeasure without;
     Terms terms, terms_without;
   };
 
+  void CountRow(int i) {
+    const RowView row = Row(mat_, i);
+    const int k = part_[static_cast<std::size_t>(i)];
+    RowSize& size = row_sizes_[static_cast<std::size_t>(i)];
+    size = SizeOf(row);
+    ++pwgts_[k];
+    centers_.Add(row, k);
+    screen_.RowJoined(k, size);
+    if constexpr (Objective::kUsesSimilarity) {
+      AddRow(row, gcenter_);
+      // The lane behind the clusters repeats the composite of all rows for the screen.
+      centers_.Add(row, nparts_);
+      screen_.RowCounted(size);
+    }
+  }
+
   ClusterMeasure Measure(int k) const {
     return {pwgts_[k], dnorms_[k], Objective::kUsesSimilarity ? csim_[k] : 0.0F};
+  }
+
+  void ShowToScreen(int k) {
+    screen_.SetCluster(k, pwgts_[k], dnorms_[k], Objective::kUsesSimilarity ? csim_[k] : 0.0F);
   }
 
   Home HomeOf(const RowView& row, Wide row_similarity, int k) const {
@@ -110,19 +135,27 @@ class KWayRefinement {
     const ClusterMeasure without{with.size - 1,
                                  SquaredLengthWithout(row, centers_[k], with.squared_length),
                                  with.similarity - row_similarity};
-    return {k, without, Objective::TermsOf(with), Objective::TermsOf(without)};
+    return {without, Objective::TermsOf(with), Objective::TermsOf(without)};
   }
 
   // Tries every cluster for row i; returns the number of moves. After a move the scan goes on with
   // the next cluster against the new home, and the size of the new home is not tested again.
   int Visit(int i) {
     const RowView row = Row(mat_, i);
+    const RowSize& size = row_sizes_[static_cast<std::size_t>(i)];
+    int& place = part_[static_cast<std::size_t>(i)];
     Wide row_similarity = 0;
-    if constexpr (Objective::kUsesSimilarity) row_similarity = DotRow(row, gcenter_);
-    Home home = HomeOf(row, row_similarity, part_[static_cast<std::size_t>(i)]);
+    Home home;
+    bool home_is_known = false;
     int moves = 0;
+    screen_.Weigh(objective_, row, size, place);
     for (int k = 0; k < nparts_; ++k) {
-      if (k == home.cluster) continue;
+      if (k == place || !screen_.IsHopeful(k)) continue;
+      if (!home_is_known) {
+        if constexpr (Objective::kUsesSimilarity) row_similarity = DotRow(row, gcenter_);
+        home = HomeOf(row, row_similarity, place);
+        home_is_known = true;
+      }
       const ClusterMeasure target = Measure(k);
       const ClusterMeasure joined{target.size + 1,
                                   SquaredLengthWith(row, centers_[k], target.squared_length),
@@ -131,20 +164,18 @@ class KWayRefinement {
                               Objective::TermsOf(joined))) {
         continue;
       }
-      Move(row, home.cluster, home.without, k, joined);
-      part_[static_cast<std::size_t>(i)] = k;
-      home = HomeOf(row, row_similarity, k);
+      Store(place, home.without);
+      Store(k, joined);
+      centers_.Add(row, k);
+      centers_.Subtract(row, place);
+      screen_.RowJoined(k, size);
+      screen_.RowLeft(place);
+      place = k;
+      home_is_known = false;
       ++moves;
+      if (k + 1 < nparts_) screen_.Weigh(objective_, row, size, place);
     }
     return moves;
-  }
-
-  void Move(const RowView& row, int from, const ClusterMeasure& left, int to,
-            const ClusterMeasure& joined) {
-    Store(from, left);
-    Store(to, joined);
-    AddRow(row, centers_[to]);
-    SubtractRow(row, centers_[from]);
   }
 
   // Here the wide values become single precision.
@@ -152,6 +183,7 @@ class KWayRefinement {
     pwgts_[k] = static_cast<int>(measure.size);
     dnorms_[k] = static_cast<float>(measure.squared_length);
     if constexpr (Objective::kUsesSimilarity) csim_[k] = static_cast<float>(measure.similarity);
+    ShowToScreen(k);
   }
 
   const PreparedMatrix& mat_;
@@ -161,9 +193,11 @@ class KWayRefinement {
   Array<int> perm_;
   Array<int> pwgts_;
   Array<float> dnorms_;
-  Rows<float> centers_;
+  Lanes centers_;
   Array<float> csim_;
   Array<float> gcenter_;
+  std::vector<RowSize> row_sizes_;
+  MoveScreen<Objective> screen_;
 };
 
 inline void ReportStart(const Control& control, bool extra_line, Wide progress) {

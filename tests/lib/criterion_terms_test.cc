@@ -20,7 +20,9 @@ TEST(CriterionTerms, FollowTheirFormulas) {
   EXPECT_EQ(SizedG1Term::Of(kCluster), 4.5L);
 }
 
-TEST(CriterionTerms, SquareTheSizeIn64Bits) { EXPECT_EQ(G1PrimeTerm::Of({50000, 1, 1}), 2.5e9L); }
+TEST(CriterionTerms, SquareTheSizeIn64Bits) {
+  EXPECT_EQ(G1PrimeTerm::Of(ClusterMeasure{50000, 1, 1}), 2.5e9L);
+}
 
 TEST(Objectives, AMaximisedSumRefusesATie) {
   SingleSum<I2Term, Larger> objective;

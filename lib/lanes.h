@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+//
+// The composites of all clusters side by side: the values of one column stand together, one lane
+// per cluster, so that a single walk over a row gives its dot products with every cluster.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "lib/prepared_matrix.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+
+// One composite in its lane, indexed by column.
+struct LaneView {
+  const float* first;
+  std::size_t stride;
+  float operator[](std::size_t column) const { return first[column * stride]; }
+};
+
+class Lanes {
+ public:
+  // `count` zero vectors of ncols elements, in one block of the given name.
+  Lanes(int count, int ncols, BlockName name);
+
+  LaneView operator[](int lane) const { return {values_.data() + lane, stride_}; }
+  // Writes the row's entries; a column stored twice keeps its last value.
+  void Set(const RowView& row, int lane);
+  void Add(const RowView& row, int lane);
+  void Subtract(const RowView& row, int lane);
+
+  // The dot products of lanes 0 to n-1 with themselves and with another vector, as DotFloats gives
+  // them: wide, in column order, rounded once. One walk over the block serves all lanes.
+  void SquaredLengths(std::span<float> squares) const;
+  void DotsWith(std::span<const float> vector, std::span<float> dots) const;
+
+  // Lanes are padded to whole vectors; DotRow fills this many numbers.
+  std::size_t stride() const { return stride_; }
+
+  // products[lane] = row . lane, in double arithmetic, for every lane. The sums may be formed in
+  // any order: they are rough values whose error is bounded by the number of entries.
+  void DotRow(const RowView& row, double* products) const;
+
+ private:
+  template <typename Product>
+  void SumOverColumns(std::span<float> results, Product product) const;
+
+  int ncols_;
+  std::size_t stride_;
+  Array<float> values_;
+};
+
+}  // namespace molva
