@@ -97,5 +97,49 @@ TEST(InitialClustering, LetsEveryRowJoinTheClusterThatGrowsMost) {
   }
 }
 
+std::vector<int> PlainlySeeded(const PreparedMatrix& mat, int nparts, int seed) {
+  std::vector<int> part(static_cast<std::size_t>(mat.nrows), -1);
+  SeedGenerators(seed);
+  testing_support::PlainSeeding(mat, nparts, part);
+  return part;
+}
+
+TEST(InitialClustering, EqualsThePlainOne) {
+  for (const int seed : {1, 2, 3, 4, 5}) {
+    const auto mat = Prepared(RandomDocuments(static_cast<std::uint32_t>(seed), 150, 90, 6, 8));
+    for (const int nparts : {1, 2, 3, 5, 9, 20, 40}) {
+      EXPECT_EQ(Seeded(*mat, nparts, seed), PlainlySeeded(*mat, nparts, seed)) << nparts;
+    }
+  }
+}
+
+TEST(InitialClustering, EqualsThePlainOneWithManyTiesAndZeroRows) {
+  std::vector<std::vector<float>> rows;
+  for (int i = 0; i < 60; ++i) {
+    std::vector<float> row(6);
+    if (i % 10 != 9) row[static_cast<std::size_t>(i % 6)] = 1;
+    rows.push_back(row);
+  }
+  const auto mat = PreparedOf(rows);
+  for (const int nparts : {2, 3, 4, 8, 12}) {
+    for (const int seed : {1, 2, 3}) {
+      EXPECT_EQ(Seeded(*mat, nparts, seed), PlainlySeeded(*mat, nparts, seed)) << nparts;
+    }
+  }
+}
+
+TEST(InitialClustering, EqualsThePlainOneAmongWildValues) {
+  for (const int seed : {1, 2, 3, 4, 5, 6}) {
+    auto mat = Prepared(RandomDocuments(static_cast<std::uint32_t>(seed), 40, 30, 3, 6));
+    const float wild[] = {0, -1, 1e-30F, 1e18F, -1e18F, 3e-45F, INFINITY, NAN};
+    for (std::size_t p = 0; p < mat->rowval.size(); p += 3) {
+      mat->rowval[p] = wild[(p / 3) % static_cast<std::size_t>(2 + seed)];
+    }
+    for (const int nparts : {2, 5}) {
+      EXPECT_EQ(Seeded(*mat, nparts, seed), PlainlySeeded(*mat, nparts, seed)) << nparts;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace molva

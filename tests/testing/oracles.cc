@@ -191,6 +191,49 @@ std::vector<std::size_t> DrawnOrder(int nrows) {
 
 }  // namespace
 
+void PlainSeeding(const PreparedMatrix& mat, int nparts, std::span<int> part) {
+  std::vector<std::size_t> order(static_cast<std::size_t>(mat.nrows));
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  for (int swap = 0; swap < 5 * mat.nrows; ++swap) {
+    const auto u = static_cast<std::size_t>(drand48() * mat.nrows);
+    const auto v = static_cast<std::size_t>(drand48() * mat.nrows);
+    std::swap(order[u], order[v]);
+  }
+  const auto clusters = static_cast<std::size_t>(nparts);
+  std::vector<float> dnorms(clusters);
+  std::vector<std::vector<float>> centers(clusters,
+                                          std::vector<float>(static_cast<std::size_t>(mat.ncols)));
+  for (std::size_t taken = 0; taken < order.size(); ++taken) {
+    const RowView row = Row(mat, static_cast<int>(order[taken]));
+    std::size_t chosen = taken;
+    Wide best_gain = 0;
+    Wide best_length = 0;
+    if (taken < clusters) {
+      for (const Wide v : row.values) best_length += v * v;
+    } else {
+      for (std::size_t k = 0; k < clusters; ++k) {
+        Wide length = dnorms[k];
+        for (std::size_t p = 0; p < row.size(); ++p) {
+          const Wide c = centers[k][static_cast<std::size_t>(row.columns[p])];
+          const Wide v = row.values[p];
+          length += (c + v) * (c + v) - c * c;
+        }
+        const Wide gain = std::sqrt(length) - std::sqrt(Wide{dnorms[k]});
+        if (k > 0 && !(gain > best_gain)) continue;
+        chosen = k;
+        best_gain = gain;
+        best_length = length;
+      }
+    }
+    part[order[taken]] = static_cast<int>(chosen);
+    dnorms[chosen] = static_cast<float>(best_length);
+    for (std::size_t p = 0; p < row.size(); ++p) {
+      float& c = centers[chosen][static_cast<std::size_t>(row.columns[p])];
+      c = taken < clusters ? row.values[p] : c + row.values[p];
+    }
+  }
+}
+
 float PlainRefinement(int code, const PreparedMatrix& mat, int nparts, int niter,
                       std::span<int> part) {
   PlainState state = StateOf(code, mat, nparts, part);

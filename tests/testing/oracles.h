@@ -29,6 +29,10 @@ Wide CriterionValue(int code, const molva::PreparedMatrix& mat, std::span<const 
 // per row.
 Wide QualityOf(int code, Wide value, int nrows);
 
+// Seeding written out literally: every gain in wide arithmetic, single precision where it is
+// stored. Uses the same random draws as the library.
+void PlainSeeding(const molva::PreparedMatrix& mat, int nparts, std::span<int> part);
+
 // Refinement written out literally, one candidate at a time, every value recomputed for it. Uses
 // the same random draws as the library; returns the quality and rewrites `part`.
 float PlainRefinement(int code, const molva::PreparedMatrix& mat, int nparts, int niter,
