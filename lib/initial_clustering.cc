@@ -59,10 +59,11 @@ int FullChoice(const RowView& row, int nparts, const GrowingClusters& clusters) 
   return best;
 }
 
-// The least and the most that a cluster can grow, from rough dot products. The bound of a squared
-// length is that of refinement; the full arithmetic rounds squares of c + v here, n of them by
-// 2^-64 of at most (max|c| + max|v|)^2, twice.
+// Between which numbers the squared length of a composite lies if the row joined, and its growth in
+// length, from rough dot products. The bound is that of refinement; the full arithmetic rounds
+// squares of c + v here, n of them by 2^-64 of at most (max|c| + max|v|)^2, twice.
 struct Growth {
+  double least_square, most_square;
   double least, most;
 };
 
@@ -76,46 +77,60 @@ Growth RoughGrowth(const RowSize& row, std::size_t entries, double product, doub
   const double joined = squared_length + 2 * product + row.square;
   const double length = std::sqrt(squared_length);
   const double slack = kSlack * (length + std::sqrt(joined + error));
-  return {std::sqrt(joined - error) - length - slack, std::sqrt(joined + error) - length + slack};
+  return {joined - error, joined + error, std::sqrt(joined - error) - length - slack,
+          std::sqrt(joined + error) - length + slack};
 }
 
-// The cluster that grows most, if rough arithmetic can tell; -1 if it cannot.
-int RoughChoice(const RowView& row, int nparts, const GrowingClusters& clusters,
-                std::vector<double>& products) {
-  const RowSize size = SizeOf(row);
+// The cluster that grows most and how much, if rough arithmetic can tell; otherwise cluster -1.
+struct Choice {
+  int cluster;
+  Growth growth;
+};
+
+Choice RoughChoice(const RowView& row, const RowSize& size, int nparts,
+                   const GrowingClusters& clusters, std::vector<double>& products) {
   clusters.centers.DotRow(row, products.data());
   const auto growth = [&](int k) {
     const auto lane = static_cast<std::size_t>(k);
     return RoughGrowth(size, row.size(), products[lane], static_cast<double>(clusters.dnorms[k]),
                        clusters.bounds[lane]);
   };
-  int best = 0;
-  Growth most = growth(0);
-  double rival = -1;  // the most that any other cluster can grow; none shrinks by more than 1
-  bool comparable = most.least >= -1 && most.most < 0x1p500;
+  // Wild numbers, not-a-number among them, are left to the full arithmetic.
+  const auto comparable = [](const Growth& g) { return g.least > -0x1p500 && g.most < 0x1p500; };
+  Choice best{0, growth(0)};
+  double rival = -0x1p500;  // the most that any other cluster can grow
+  bool all_comparable = comparable(best.growth);
   for (int k = 1; k < nparts; ++k) {
     const Growth g = growth(k);
-    comparable = comparable && g.least >= -1 && g.most < 0x1p500;
-    if (g.least > most.least) {
-      rival = std::max(rival, most.most);
-      most = g;
-      best = k;
-    } else {
-      rival = std::max(rival, g.most);
-    }
+    all_comparable = all_comparable && comparable(g);
+    const bool better = g.least > best.growth.least;
+    rival = std::max(rival, better ? best.growth.most : g.most);
+    if (better) best = {k, g};
   }
-  return comparable && (nparts == 1 || most.least > rival) ? best : -1;
+  if (!all_comparable || best.growth.least <= rival) best.cluster = -1;
+  return best;
+}
+
+// The squared length of the composite with the row, single precision: the rough one where all that
+// it can be rounds to one number.
+float StoredSquaredLength(const RowView& row, const GrowingClusters& clusters, int cluster,
+                          const Choice& rough) {
+  const auto least = static_cast<float>(rough.growth.least_square);
+  const auto most = static_cast<float>(rough.growth.most_square);
+  if (rough.cluster == cluster && least == most) return least;
+  return static_cast<float>(
+      SquaredLengthJoined(row, clusters.centers[cluster], clusters.dnorms[cluster]));
 }
 
 // Puts the row into the cluster that grows most and returns it.
 int Join(const RowView& row, int nparts, GrowingClusters& clusters, std::vector<double>& products) {
-  int best = RoughChoice(row, nparts, clusters, products);
-  if (best < 0) best = FullChoice(row, nparts, clusters);
-  clusters.dnorms[best] =
-      static_cast<float>(SquaredLengthJoined(row, clusters.centers[best], clusters.dnorms[best]));
-  clusters.centers.Add(row, best);
-  clusters.bounds[static_cast<std::size_t>(best)].Add(SizeOf(row).largest);
-  return best;
+  const RowSize size = SizeOf(row);
+  const Choice rough = RoughChoice(row, size, nparts, clusters, products);
+  const int cluster = rough.cluster >= 0 ? rough.cluster : FullChoice(row, nparts, clusters);
+  clusters.dnorms[cluster] = StoredSquaredLength(row, clusters, cluster, rough);
+  clusters.centers.Add(row, cluster);
+  clusters.bounds[static_cast<std::size_t>(cluster)].Add(size.largest);
+  return cluster;
 }
 
 }  // namespace
