@@ -81,7 +81,7 @@ OrderedTree TreeOverClusters(const RunParams& params, const PlottedMatrix& plott
                                plotted.rowind.get(), plotted.rowval.get(), 1, 1, 1, 1.0F,
                                params.dbglvl, k, plotted.part.get(), ptree.get(), ftree.get());
   }
-  return KeepPresentLeaves({ptree.get(), ptree.size()}, ftree, k, kRoutine);
+  return KeepPresentLeaves({ptree.get(), ptree.size()}, ftree, k, {kRoutine, ": xnode", ": ynode"});
 }
 
 // Gives the leaves the heights of their bands instead of one each.
@@ -160,49 +160,46 @@ void LabelColumns(PlotPage& page, const ClusterLayout& layout, const Matrix& mat
   }
 }
 
-// The average of the rows of each cluster; empty for a cluster without rows.
-std::vector<std::vector<float>> Centroids(const PlottedMatrix& plotted, const Bands& bands) {
-  std::vector<std::vector<float>> centroids(bands.sizes.size());
-  for (std::size_t k = 0; k < centroids.size(); ++k) {
-    if (bands.sizes[k] > 0) centroids[k].resize(static_cast<std::size_t>(plotted.ncols));
-  }
+// The average of the rows of a cluster that has rows.
+void ComputeCentroid(const PlottedMatrix& plotted, int cluster, int size,
+                     molva::Array<float>& center) {
+  center.Fill(0);
   for (int i = 0; i < plotted.nrows; ++i) {
-    const int k = plotted.part[i];
-    if (k < 0 || static_cast<std::size_t>(k) >= centroids.size()) continue;
+    if (plotted.part[i] != cluster) continue;
     const std::span<const int> columns = plotted.RowColumns(i);
     const std::span<const float> values = plotted.RowValues(i);
-    for (std::size_t e = 0; e < values.size(); ++e) {
-      centroids[static_cast<std::size_t>(k)][static_cast<std::size_t>(columns[e])] += values[e];
-    }
+    for (std::size_t e = 0; e < values.size(); ++e) center[columns[e]] += values[e];
   }
-  for (std::size_t k = 0; k < centroids.size(); ++k) {
-    for (float& v : centroids[k])
-      v = static_cast<float>(static_cast<molva::Wide>(v) / bands.sizes[k]);
-  }
-  return centroids;
+  for (float& v : center) v = static_cast<float>(static_cast<molva::Wide>(v) / size);
 }
 
 void DrawBands(PlotPage& page, const ClusterLayout& layout, const Bands& bands,
                const PlottedMatrix& plotted, const std::vector<Point>& leaves,
                const std::vector<int>& order, const Grid& grid, bool zeroblack) {
-  const std::vector<std::vector<float>> centroids = Centroids(plotted, bands);
+  molva::Array<float> center = molva::AllocFloats(plotted.ncols, "PlotTreeClusterMatrix: center");
+  // A cluster without rows has no centroid and draws no cells.
+  const auto for_each_centroid = [&](auto&& visit) {
+    for (std::size_t k = 0; k < leaves.size(); ++k) {
+      if (bands.sizes[k] == 0) continue;
+      ComputeCentroid(plotted, static_cast<int>(k), bands.sizes[k], center);
+      visit(k);
+    }
+  };
   ValueRange range;
-  for (const std::vector<float>& centroid : centroids) range.Include(centroid);
+  for_each_centroid([&](std::size_t) { range.Include({center.get(), center.size()}); });
   const auto half_height = [&](std::size_t k) {
     return 0.5 * static_cast<double>(bands.heights[k]) * layout.unit;
   };
   page.StartCells();
-  for (std::size_t k = 0; k < leaves.size(); ++k) {
-    if (centroids[k].empty()) continue;
+  for_each_centroid([&](std::size_t k) {
     for (std::size_t p = 0; p < order.size(); ++p) {
-      const std::optional<Color> color =
-          CellColor(centroids[k][static_cast<std::size_t>(order[p])], range, zeroblack);
+      const std::optional<Color> color = CellColor(center[order[p]], range, zeroblack);
       if (!color) continue;
       const double left = grid.left + static_cast<double>(p) * layout.cell_width;
       page.Cell({left, leaves[k].y - half_height(k)},
                 {left + layout.cell_width, leaves[k].y + half_height(k)}, *color);
     }
-  }
+  });
   page.StartFrames();
   const double right = grid.left + layout.columns * layout.cell_width;
   for (std::size_t k = 0; k < leaves.size(); ++k) {

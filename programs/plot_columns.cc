@@ -131,7 +131,7 @@ int CompactMatrix(int nrows, int ncols, int* rowptr, int* rowind, float* rowval,
 }
 
 OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> ftree, int items,
-                              const char* routine) {
+                              const NodeBlocks& blocks) {
   OrderedTree ordered;
   std::vector<int> absent;
   for (int item = 0; item < items; ++item) {
@@ -142,10 +142,10 @@ OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> f
   const int shift = items - n;
   PlotTree& tree = ordered.tree;
   tree.n = n;
-  tree.ftree = AllocIntsSet(4 * std::int64_t{n}, -1, {routine, ": ftree"});
-  tree.tsize = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {routine, ": tsize"});
-  tree.xnode = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {routine, ": xnode"});
-  tree.ynode = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {routine, ": ynode"});
+  tree.ftree = AllocIntsSet(4 * std::int64_t{n}, -1, {blocks.routine, ": ftree"});
+  tree.tsize = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {blocks.routine, ": tsize"});
+  tree.xnode = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {blocks.routine, blocks.x});
+  tree.ynode = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {blocks.routine, blocks.y});
 
   // Internal nodes stand `shift` lower, leaves where they are in the list of those present.
   const auto renumbered = [&](int node) {
@@ -191,7 +191,8 @@ OrderedTree ClusterColumns(const RunParams& params, const PlottedMatrix& plotted
                         columns.colval.get(), kCosine, kNoModel, kNoModel, kNoPruning,
                         params.dbglvl, cptree.get(), ftree.get());
   }
-  return KeepPresentLeaves({cptree.get(), cptree.size()}, ftree, c, routine);
+  return KeepPresentLeaves({cptree.get(), cptree.size()}, ftree, c,
+                           {routine, ": cxnode", ": cynode"});
 }
 
 std::vector<int> ColumnOrder(const std::optional<OrderedTree>& column_tree, int ncols) {

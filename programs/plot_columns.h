@@ -60,9 +60,16 @@ struct OrderedTree {
   std::vector<int> order;    // the item at each position
 };
 
+// The names of the blocks that hold where nodes are drawn.
+struct NodeBlocks {
+  const char* routine;
+  const char* x;
+  const char* y;
+};
+
 // Cuts a tree over `items` leaves down to those that have a parent, or are alone.
 OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> ftree, int items,
-                              const char* routine);
+                              const NodeBlocks& blocks);
 
 // The tree over the plotted columns, by agglomeration under I2, its leaves in the order of the
 // reordering unless params.noreorder is set or there are more than 4999 columns.

@@ -69,7 +69,8 @@ OrderedTree TreeOverRows(const RunParams& params, const PlottedMatrix& plotted,
                         plotted.rowval.get(), 1, 1, 1, 1.0F, params.dbglvl, parents.get(),
                         ftree.get());
   }
-  return KeepPresentLeaves({parents.get(), parents.size()}, ftree, n, routine);
+  return KeepPresentLeaves({parents.get(), parents.size()}, ftree, n,
+                           {routine, ": rxnode", ": rynode"});
 }
 
 // Cluster by cluster, rows without a cluster last.

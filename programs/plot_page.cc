@@ -5,6 +5,7 @@
 #include "programs/plot_page.h"
 
 #include <plot.h>
+#include <strings.h>
 
 #include <algorithm>
 #include <array>
@@ -26,7 +27,7 @@ struct Parameter {
   const char* name;
   const char* value;
 };
-constexpr std::array<Parameter, 26> kParameters = {{{"BG_COLOR", "white"},
+constexpr std::array<Parameter, 24> kParameters = {{{"BG_COLOR", "white"},
                                                     {"BITMAPSIZE", "570x570"},
                                                     {"CGM_ENCODING", "binary"},
                                                     {"CGM_MAX_VERSION", "4"},
@@ -49,9 +50,7 @@ constexpr std::array<Parameter, 26> kParameters = {{{"BG_COLOR", "white"},
                                                     {"TRANSPARENT_COLOR", "none"},
                                                     {"USE_DOUBLE_BUFFERING", "no"},
                                                     {"VANISH_ON_DELETE", "no"},
-                                                    {"X_AUTO_FLUSH", "yes"},
-                                                    {"DISPLAY", ""},
-                                                    {"XDRAWABLE_DISPLAY", ""}}};
+                                                    {"X_AUTO_FLUSH", "yes"}}};
 
 // libplot takes its texts as void*, and copies them.
 void SetParameter(plPlotterParams* parameters, const char* name, const char* value) {
@@ -78,17 +77,25 @@ struct CodePoint {
   int length;
 };
 
+// Forms that are longer than needed, surrogates and what lies beyond the last code point are not
+// UTF-8.
+bool IsProper(unsigned value, int length) {
+  const unsigned least = length == 4 ? 0x10000 : length == 3 ? 0x800 : 0x80;
+  const bool surrogate = value >= 0xd800 && value < 0xe000;
+  return value >= least && value <= 0x10ffff && !surrogate;
+}
+
 CodePoint Decode(const unsigned char* text) {
   const unsigned lead = text[0];
   if (lead < 0x80) return {lead, 1};
+  if (lead < 0xc0 || lead > 0xf7) return {0, 0};
   const int length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : 2;
-  if (lead < 0xc2 || lead > 0xf4) return {0, 0};
   unsigned value = lead & (0x7fU >> length);
   for (int i = 1; i < length; ++i) {
     if ((text[i] & 0xc0) != 0x80) return {0, 0};
     value = value << 6 | (text[i] & 0x3fU);
   }
-  return {value, length};
+  return IsProper(value, length) ? CodePoint{value, length} : CodePoint{0, 0};
 }
 
 bool IsUtf8(const unsigned char* text) {
@@ -104,7 +111,16 @@ bool IsControl(unsigned character) {
   return character < 0x20 || (character >= 0x7f && character < 0xa0);
 }
 
+// Formats that draw on a screen, for which libplot would open windows and processes.
+bool DrawsOnScreen(const char* format) {
+  return strcasecmp(format, "X") == 0 || strcasecmp(format, "Xdrawable") == 0;
+}
+
 bool IsFinite(Point p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+[[noreturn]] void RefuseFormat(const char* format) {
+  molva::FatalError("Unknown plot format: %s\n", format);
+}
 
 }  // namespace
 
@@ -118,6 +134,7 @@ struct PlotPage::Plotter {
 PlotPage::PlotPage(const char* filename, const char* name, const char* format, double width,
                    double height)
     : file_(molva::RVfopen(filename, "w", name)), plotter_(std::make_unique<Plotter>()) {
+  if (DrawsOnScreen(format)) RefuseFormat(format);
   plPlotterParams* parameters = pl_newplparams();
   for (const Parameter& parameter : kParameters) {
     SetParameter(parameters, parameter.name, parameter.value);
@@ -126,7 +143,7 @@ PlotPage::PlotPage(const char* filename, const char* name, const char* format, d
   plotter_->handle = pl_newpl_r(format, stdin, file_.get(), stderr, parameters);
   pl_deleteplparams(parameters);
   if (plotter_->handle == nullptr || pl_openpl_r(plotter_->handle) < 0) {
-    molva::FatalError("Unknown plot format: %s\n", format);
+    RefuseFormat(format);
   }
   plPlotter* page = plotter_->handle;
   pl_fspace_r(page, 0, 0, width, height);
