@@ -143,6 +143,8 @@ PlotPage::PlotPage(const char* filename, const char* name, const char* format, d
   plotter_->handle = pl_newpl_r(format, stdin, file_.get(), stderr, parameters);
   pl_deleteplparams(parameters);
   if (plotter_->handle == nullptr || pl_openpl_r(plotter_->handle) < 0) {
+    // libplot breaks when it deletes a plotter that it could not open.
+    plotter_->handle = nullptr;
     RefuseFormat(format);
   }
   plPlotter* page = plotter_->handle;
