@@ -3,17 +3,50 @@
 // The only place that calls malloc and free.
 #include "lib/support/alloc.h"
 
+#include <malloc.h>
+#include <sys/sysinfo.h>
+
+#include <atomic>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 #include "lib/support/fatal.h"
 
 namespace molva {
 namespace {
 
-AllocateFunction current_allocate = std::malloc;
+AllocateFunction current_allocate = nullptr;  // null for malloc and calloc
+
+std::atomic<std::size_t> bytes_in_use{0};
+
+std::size_t MachineMemory() {
+  struct sysinfo info {};
+  if (sysinfo(&info) != 0) return SIZE_MAX;
+  return (info.totalram + info.totalswap) * info.mem_unit;
+}
+
+// Whether the machine could hold the block beside all others.
+bool FitsTheMachine(std::size_t nbytes) {
+  static const std::size_t machine_memory = MachineMemory();
+  const std::size_t used = bytes_in_use.load(std::memory_order_relaxed);
+  return used <= machine_memory && nbytes <= machine_memory - used;
+}
+
+// Counts a block, or ends the run when there is none.
+void* Obtained(void* block, std::size_t nbytes, BlockName name) {
+  if (block == nullptr) {
+    FatalError("***Memory allocation failed for %s%s. Requested size: %zu bytes", name.routine,
+               name.array, nbytes);
+  }
+  bytes_in_use.fetch_add(malloc_usable_size(block), std::memory_order_relaxed);
+  return block;
+}
 
 template <typename T>
 Array<T> FilledArray(std::int64_t n, T value, BlockName name) {
+  const T zero{};
+  if (std::memcmp(&value, &zero, sizeof(T)) == 0) return Array<T>::Zeroed(n, name);
   Array<T> array(n, name);
   array.Fill(value);
   return array;
@@ -30,18 +63,26 @@ Rows<T> FilledRows(std::int64_t nrows, std::int64_t ncols, T value, BlockName na
 
 void* RVmalloc(std::size_t nbytes, BlockName name) {
   if (nbytes == 0) return nullptr;
-  void* block = current_allocate(nbytes);
-  if (block == nullptr) {
-    FatalError("***Memory allocation failed for %s%s. Requested size: %zu bytes", name.routine,
-               name.array, nbytes);
+  void* block = nullptr;
+  if (FitsTheMachine(nbytes)) {
+    block = current_allocate != nullptr ? current_allocate(nbytes) : std::malloc(nbytes);
   }
-  return block;
+  return Obtained(block, nbytes, name);
 }
 
-void RVfree(void* block) { std::free(block); }
+void* RVcalloc(std::size_t nbytes, BlockName name) {
+  if (nbytes == 0) return nullptr;
+  if (current_allocate != nullptr) return std::memset(RVmalloc(nbytes, name), 0, nbytes);
+  return Obtained(FitsTheMachine(nbytes) ? std::calloc(nbytes, 1) : nullptr, nbytes, name);
+}
+
+void RVfree(void* block) {
+  bytes_in_use.fetch_sub(malloc_usable_size(block), std::memory_order_relaxed);
+  std::free(block);
+}
 
 AllocateFunction SetAllocateFunction(AllocateFunction function) {
-  return std::exchange(current_allocate, function != nullptr ? function : std::malloc);
+  return std::exchange(current_allocate, function);
 }
 
 Array<int> AllocInts(std::int64_t n, BlockName name) { return Array<int>(n, name); }

@@ -28,12 +28,16 @@ struct BlockName {
 };
 
 // Gives nbytes of uninitialised memory, null for 0. Failure is fatal:
-// "***Memory allocation failed for NAME. Requested size: N bytes".
+// "***Memory allocation failed for NAME. Requested size: N bytes". So is a block that would bring
+// all blocks together above the memory and swap space of the machine: the system would hand it out,
+// and end the process when it is used.
 void* RVmalloc(std::size_t nbytes, BlockName name);
+// The same, filled with zeros; large blocks cost nothing until they are used.
+void* RVcalloc(std::size_t nbytes, BlockName name);
 void RVfree(void* block);
 
-// The function under RVmalloc. Tests replace it (null restores malloc) to make allocations fail;
-// the one replaced is returned.
+// The function under both. Tests replace it (null stands for malloc and calloc) to make allocations
+// fail; the one replaced is returned.
 using AllocateFunction = void* (*)(std::size_t);
 AllocateFunction SetAllocateFunction(AllocateFunction function);
 
@@ -46,6 +50,12 @@ class Array {
   Array() = default;
   Array(std::int64_t n, BlockName name) : size_(n > 0 ? static_cast<std::size_t>(n) : 0) {
     data_.reset(static_cast<T*>(RVmalloc(size_ * sizeof(T), name)));
+  }
+  static Array Zeroed(std::int64_t n, BlockName name) {
+    Array array;
+    array.size_ = n > 0 ? static_cast<std::size_t>(n) : 0;
+    array.data_.reset(static_cast<T*>(RVcalloc(array.size_ * sizeof(T), name)));
+    return array;
   }
   Array(Array&& other) noexcept
       : data_(std::move(other.data_)), size_(std::exchange(other.size_, 0)) {}

@@ -20,7 +20,7 @@ char* StripTrailing(char* text, const char* set) {
   return text;
 }
 
-Strings::Strings(std::int64_t n, BlockName name) : table_(n, name) { table_.Fill(nullptr); }
+Strings::Strings(std::int64_t n, BlockName name) : table_(Array<char*>::Zeroed(n, name)) {}
 
 Strings& Strings::operator=(Strings&& other) noexcept {
   std::swap(table_, other.table_);
@@ -28,7 +28,9 @@ Strings& Strings::operator=(Strings&& other) noexcept {
 }
 
 Strings::~Strings() {
-  for (char* text : table_) RVfree(text);
+  for (char* text : table_) {
+    if (text != nullptr) RVfree(text);
+  }
 }
 
 void Strings::Set(std::size_t i, const char* text) { table_[i] = mystrdup(text).Release(); }

@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <sys/sysinfo.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -186,9 +188,30 @@ TEST(FailedAllocation, OfARowReleasesTheRowsBeforeIt) {
 TEST(AllocateFunction, IsReplacedAndRestored) {
   const auto fail = [](std::size_t) -> void* { return nullptr; };
   const molva::AllocateFunction first = SetAllocateFunction(fail);
-  EXPECT_EQ(first, static_cast<molva::AllocateFunction>(std::malloc));
+  EXPECT_EQ(first, nullptr);
   EXPECT_EQ(SetAllocateFunction(nullptr), static_cast<molva::AllocateFunction>(fail));
   EXPECT_TRUE(molva::AllocInts(1, "one"));
+}
+
+#if !defined(__SANITIZE_ADDRESS__)  // Which would fill memory of its own for such a block.
+// Each block alone would fit; the system would hand out both, and end the process in the second.
+TEST(FailedAllocation, OfMoreThanTheMachineHasInAllBlocksEndsTheRun) {
+  struct sysinfo info {};
+  ASSERT_EQ(sysinfo(&info), 0);
+  const auto most =
+      static_cast<std::int64_t>((info.totalram + info.totalswap) * info.mem_unit / 5 * 3);
+  const molva::Array<char> first(most, "first");
+  EXPECT_EQ(FatalMessage([&] { molva::Array<char>(most, "second"); }),
+            Failure("second", std::to_string(most)));
+}
+#endif
+
+TEST(Allocation, OfZerosIsZeroUnderAnyAllocateFunction) {
+  const molva::AllocateFunction replaced = SetAllocateFunction(
+      [](std::size_t nbytes) { return std::memset(std::malloc(nbytes), 7, nbytes); });
+  const auto zeros = molva::Array<int>::Zeroed(3, "zeros");
+  SetAllocateFunction(replaced);
+  for (const int zero : zeros) EXPECT_EQ(zero, 0);
 }
 
 TEST(Array, IsNullAfterItsBlockMovedAway) {
