@@ -12,14 +12,13 @@
 // row, c being the composite at their columns. Both arithmetics start from the same
 // single-precision q, v and c. Rough sums round n + 3 times by 2^-53 at most, of terms that add up
 // to no more than q + |d|^2 + 2 |d|_1 max|c|, with |d|_1 the sum of |v|; full sums round as often
-// by 2^-64. Twice that, (n + 8) 2^-52 in front, covers both. max|c| is bounded by the sum of max|v|
-// over all rows that ever joined the cluster, since a row that leaves cannot raise |c| by more than
-// it did when it came. The similarity d.G is bounded the same way.
+// by 2^-64. Twice that, (n + 8) 2^-52 in front, covers both. max|c| is a ValueBound, which counts
+// what joined the cluster and the rounding of every addition and subtraction. The similarity d.G is
+// bounded the same way. Where a number is infinite or not a number no comparison holds, and the
+// move is weighed in full.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <vector>
 
 #include "lib/criteria.h"

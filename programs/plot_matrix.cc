@@ -5,7 +5,6 @@
 #include "programs/plot_matrix.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <numeric>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "programs/io/labels.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <string_view>
