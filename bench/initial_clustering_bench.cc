@@ -20,7 +20,7 @@ void Seed(benchmark::State& state) {
       molva::MakePreparedCopy({.colmodel = molva::kColumnIdf}, corpus.raw(), "Bench");
   std::vector<int> part(static_cast<std::size_t>(copy.mat->nrows));
   for (auto _ : state) {
-    molva::SeedGenerators(1);
+    molva::SeedGenerator(1);
     molva::InitialClustering(*copy.mat, nparts, part);
   }
   if (*std::max_element(part.begin(), part.end()) != nparts - 1) {

@@ -32,7 +32,7 @@ void RefineOnePass(benchmark::State& state) {
   const bench::Corpus corpus = bench::MakeCorpus({.nrows = 5000});
   const molva::PreparedCopy copy = molva::MakePreparedCopy(control, corpus.raw(), "Bench");
   std::vector<int> start(static_cast<std::size_t>(copy.mat->nrows));
-  molva::SeedGenerators(1);
+  molva::SeedGenerator(1);
   molva::InitialClustering(*copy.mat, nparts, start);
   for (auto _ : state) {
     std::vector<int> part = start;

@@ -4,6 +4,7 @@
 #include "lib/molva.h"
 #include "lib/prepare.h"
 #include "lib/reorder_clusters.h"
+#include "lib/row_sizes.h"
 #include "lib/support/random.h"
 #include "lib/trials.h"
 
@@ -33,7 +34,8 @@ void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* 
                         .seed = seed};
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_VP_ClusterDirect");
-  SeedGenerators(seed);
+  MeasureRows(*copy.mat, "SetUpMatrix: mat->rowptr");
+  SeedGenerator(seed);
   PartitionMatKWay(control, *copy.mat, nparts, copy.part());
   ReorderClusters(*copy.mat, nparts, copy.part());
   MapPartOut(copy, part);

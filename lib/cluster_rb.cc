@@ -7,6 +7,7 @@
 #include "lib/prepare.h"
 #include "lib/refine.h"
 #include "lib/reorder_clusters.h"
+#include "lib/row_sizes.h"
 #include "lib/submatrix.h"
 #include "lib/support/fatal.h"
 #include "lib/support/random.h"
@@ -27,6 +28,8 @@ void ApplyHalves(int c, int new_cluster, std::span<const int> halves, std::span<
 
 void Bisect(const Control& control, const PreparedMatrix& mat, int c, int new_cluster,
             std::span<int> part) {
+  // The first cluster is the whole, which need not be copied to be split.
+  if (new_cluster == 1 && EveryColumnOccurs(mat)) return BisectKMeans(control, mat, part);
   const Owned<PreparedMatrix> cluster = Cluster2Matrix(mat, c, part);
   Array<int> cpart = AllocInts(cluster->nrows, "PartitionMatRecursive: cpart");
   BisectKMeans(control, *cluster, cpart);
@@ -74,7 +77,8 @@ void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowi
                         .seed = seed};
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_VP_ClusterRB");
-  SeedGenerators(seed);
+  MeasureRows(*copy.mat, "SetUpMatrix: mat->rowptr");
+  SeedGenerator(seed);
   PartitionMatRecursive(control, *copy.mat, nparts, copy.part());
   if (refine != 0) RefineClusteringKWay(control, *copy.mat, nparts, copy.part());
   ReorderClusters(*copy.mat, nparts, copy.part());

@@ -115,16 +115,14 @@ class TwoSums {
     a_ += terms.a;
     b_ += terms.b;
   }
-  void Start() { value_ = Combination::Of(a_, b_); }
+  void Start() { Settle(a_, b_, Combination::Of(a_, b_)); }
 
   bool Improve(Terms from_before, Terms to_before, Terms from_after, Terms to_after) {
     const Wide a = (a_ - (from_before.a + to_before.a)) + (from_after.a + to_after.a);
     const Wide b = (b_ - (from_before.b + to_before.b)) + (from_after.b + to_after.b);
     const Wide value = Combination::Of(a, b);
     if (!(value > value_)) return false;
-    a_ = a;
-    b_ = b;
-    value_ = value;
+    Settle(a, b, value);
     return true;
   }
 
@@ -135,21 +133,31 @@ class TwoSums {
     const double b_before = from_before.b + to_before.b;
     const double a_after = from_after.a + to_after.a;
     const double b_after = from_after.b + to_after.b;
-    const auto a = static_cast<double>(a_);
-    const auto b = static_cast<double>(b_);
+    const auto& [a, b, value] = rough_;
     const double a_slack = kSlack * (std::fabs(a) + std::fabs(a_before) + std::fabs(a_after));
     const double b_slack = kSlack * (std::fabs(b) + std::fabs(b_before) + std::fabs(b_after));
     return Combination::IsBelow(a - a_before + a_after + a_slack, b - b_before + b_after, b_slack,
-                                static_cast<double>(value_));
+                                value);
   }
 
   Wide Progress(Wide nrows) const { return value_ / Combination::Divisor(nrows); }
   float Quality(Wide nrows) const { return static_cast<float>(Progress(nrows)); }
 
  private:
+  void Settle(Wide a, Wide b, Wide value) {
+    a_ = a;
+    b_ = b;
+    value_ = value;
+    rough_ = {static_cast<double>(a), static_cast<double>(b), static_cast<double>(value)};
+  }
+
   Wide a_ = 0;
   Wide b_ = 0;
   Wide value_ = 0;
+  // The three in double arithmetic.
+  struct {
+    double a = 0, b = 0, value = 0;
+  } rough_;
 };
 
 // A ratio is told as it is.

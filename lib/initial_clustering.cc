@@ -3,9 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
+#include <utility>
 
 #include "lib/lanes.h"
+#include "lib/row_sizes.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
 #include "lib/value_bound.h"
@@ -15,20 +16,46 @@ namespace {
 
 constexpr int kShufflingPasses = 5;
 
-struct GrowingClusters {
-  Array<float> dnorms;             // the squared length of each composite
-  Lanes centers;                   // the composites
-  std::vector<ValueBound> bounds;  // of the values of each composite
+// What the rough look needs to know of a composite.
+struct Growing {
+  double squared_length = 0;
+  double length = 0;
+  ValueBound bound;
 };
+
+struct GrowingClusters {
+  Array<float> dnorms;  // the squared length of each composite
+  Lanes centers;        // the composites
+  Array<Growing> growing;
+  Array<double> products;  // of the row at hand with every composite
+};
+
+// A row has come into the composite of cluster k.
+void Grow(int k, float squared_length, const RowSize& row, GrowingClusters& clusters) {
+  clusters.dnorms[k] = squared_length;
+  Growing& growing = clusters.growing[k];
+  growing.squared_length = static_cast<double>(squared_length);
+  growing.length = std::sqrt(growing.squared_length);
+  growing.bound.Add(row.largest);
+}
 
 // The entries are written, not added: a column stored twice in a seed keeps its last value here,
 // while the squared length counts both.
-void Seed(const RowView& row, int k, GrowingClusters& clusters) {
+void Seed(const RowView& row, const RowSize& size, int k, GrowingClusters& clusters) {
   clusters.centers.Set(row, k);
   Wide squares = 0;
   for (const Wide v : row.values) squares += v * v;
-  clusters.dnorms[k] = static_cast<float>(squares);
-  clusters.bounds[static_cast<std::size_t>(k)].Add(SizeOf(row).largest);
+  Grow(k, static_cast<float>(squares), size, clusters);
+}
+
+GrowingClusters EmptyClusters(int nparts, int ncols) {
+  Array<float> dnorms = AllocFloats(nparts, "InitialClustering: dnorms");
+  Lanes centers(nparts, ncols, "InitialClustering: centers[i]");
+  Array<Growing> growing(nparts, "InitialClustering: dnorms");
+  growing.Fill({});
+  Array<double> products =
+      AllocDoubles(static_cast<std::int64_t>(centers.stride()), "InitialClustering: dnorms");
+  return {std::move(dnorms), std::move(centers), std::move(growing), std::move(products)};
 }
 
 // The squared length of the composite if the row joined, from all entries against the composite as
@@ -59,26 +86,33 @@ int FullChoice(const RowView& row, int nparts, const GrowingClusters& clusters) 
   return best;
 }
 
-// Between which numbers the squared length of a composite lies if the row joined, and its growth in
-// length, from rough dot products. The bound is that of refinement; the full arithmetic rounds
-// squares of c + v here, n of them by 2^-64 of at most (max|c| + max|v|)^2, twice.
+// The squared length of a composite if the row joined, and its growth in length, from a rough dot
+// product, each with how far it can be from what the full arithmetic finds. The bound is that of
+// refinement; the full arithmetic rounds squares of c + v here, n of them by 2^-64 of at most
+// (max|c| + max|v|)^2, twice. A square j known up to e <= j has a root known up to e / sqrt(j).
 struct Growth {
-  double least_square, most_square;
-  double least, most;
+  RoughValue square;
+  RoughValue length;
+
+  double Least() const { return length.value - length.error; }
+  double Most() const { return length.value + length.error; }
+  // Wild numbers, not-a-number among them, are left to the full arithmetic.
+  bool IsComparable() const {
+    return square.error <= square.value && Least() > -0x1p500 && Most() < 0x1p500;
+  }
 };
 
-Growth RoughGrowth(const RowSize& row, std::size_t entries, double product, double squared_length,
-                   const ValueBound& bound) {
-  const double n = static_cast<double>(entries + 8);
-  const double largest = bound.Value() + row.largest;
+Growth RoughGrowth(const RowSize& row, double entries, double product, const Growing& cluster) {
+  const double bound = cluster.bound.Value();
+  const double largest = bound + row.largest;
   const double error =
-      n * 0x1p-52 * (std::fabs(squared_length) + row.square + 2 * row.absolute * bound.Value()) +
-      n * 0x1p-62 * largest * largest;
-  const double joined = squared_length + 2 * product + row.square;
-  const double length = std::sqrt(squared_length);
-  const double slack = kSlack * (length + std::sqrt(joined + error));
-  return {joined - error, joined + error, std::sqrt(joined - error) - length - slack,
-          std::sqrt(joined + error) - length + slack};
+      entries * 0x1p-52 *
+          (std::fabs(cluster.squared_length) + row.square + 2 * row.absolute * bound) +
+      entries * 0x1p-62 * largest * largest;
+  const double square = cluster.squared_length + 2 * product + row.square;
+  const double root = std::sqrt(square);
+  return {{square, error},
+          {root - cluster.length, error / root + kSlack * (cluster.length + root)}};
 }
 
 // The cluster that grows most and how much, if rough arithmetic can tell; otherwise cluster -1.
@@ -87,27 +121,23 @@ struct Choice {
   Growth growth;
 };
 
-Choice RoughChoice(const RowView& row, const RowSize& size, int nparts,
-                   const GrowingClusters& clusters, std::vector<double>& products) {
-  clusters.centers.DotRow(row, products.data());
+Choice RoughChoice(const RowView& row, const RowSize& size, int nparts, GrowingClusters& clusters) {
+  clusters.centers.DotRow(row, clusters.products.data());
+  const auto entries = static_cast<double>(row.size() + 8);
   const auto growth = [&](int k) {
-    const auto lane = static_cast<std::size_t>(k);
-    return RoughGrowth(size, row.size(), products[lane], static_cast<double>(clusters.dnorms[k]),
-                       clusters.bounds[lane]);
+    return RoughGrowth(size, entries, clusters.products[k], clusters.growing[k]);
   };
-  // Wild numbers, not-a-number among them, are left to the full arithmetic.
-  const auto comparable = [](const Growth& g) { return g.least > -0x1p500 && g.most < 0x1p500; };
   Choice best{0, growth(0)};
   double rival = -0x1p500;  // the most that any other cluster can grow
-  bool all_comparable = comparable(best.growth);
+  bool all_comparable = best.growth.IsComparable();
   for (int k = 1; k < nparts; ++k) {
     const Growth g = growth(k);
-    all_comparable = all_comparable && comparable(g);
-    const bool better = g.least > best.growth.least;
-    rival = std::max(rival, better ? best.growth.most : g.most);
+    all_comparable = all_comparable && g.IsComparable();
+    const bool better = g.Least() > best.growth.Least();
+    rival = std::max(rival, better ? best.growth.Most() : g.Most());
     if (better) best = {k, g};
   }
-  if (!all_comparable || best.growth.least <= rival) best.cluster = -1;
+  if (!all_comparable || best.growth.Least() <= rival) best.cluster = -1;
   return best;
 }
 
@@ -115,21 +145,21 @@ Choice RoughChoice(const RowView& row, const RowSize& size, int nparts,
 // it can be rounds to one number.
 float StoredSquaredLength(const RowView& row, const GrowingClusters& clusters, int cluster,
                           const Choice& rough) {
-  const auto least = static_cast<float>(rough.growth.least_square);
-  const auto most = static_cast<float>(rough.growth.most_square);
+  const RoughValue& square = rough.growth.square;
+  const auto least = static_cast<float>(square.value - square.error);
+  const auto most = static_cast<float>(square.value + square.error);
   if (rough.cluster == cluster && least == most) return least;
   return static_cast<float>(
       SquaredLengthJoined(row, clusters.centers[cluster], clusters.dnorms[cluster]));
 }
 
 // Puts the row into the cluster that grows most and returns it.
-int Join(const RowView& row, int nparts, GrowingClusters& clusters, std::vector<double>& products) {
-  const RowSize size = SizeOf(row);
-  const Choice rough = RoughChoice(row, size, nparts, clusters, products);
+int Join(const RowView& row, const RowSize& size, int nparts, GrowingClusters& clusters) {
+  const Choice rough = RoughChoice(row, size, nparts, clusters);
   const int cluster = rough.cluster >= 0 ? rough.cluster : FullChoice(row, nparts, clusters);
-  clusters.dnorms[cluster] = StoredSquaredLength(row, clusters, cluster, rough);
+  const float squared_length = StoredSquaredLength(row, clusters, cluster, rough);
   clusters.centers.Add(row, cluster);
-  clusters.bounds[static_cast<std::size_t>(cluster)].Add(size.largest);
+  Grow(cluster, squared_length, size, clusters);
   return cluster;
 }
 
@@ -137,19 +167,22 @@ int Join(const RowView& row, int nparts, GrowingClusters& clusters, std::vector<
 
 void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> part) {
   Array<int> perm = AllocInts(mat.nrows, "InitialClustering: perm");
-  GrowingClusters clusters{AllocFloats(nparts, "InitialClustering: dnorms"),
-                           Lanes(nparts, mat.ncols, "InitialClustering: centers[i]"),
-                           std::vector<ValueBound>(static_cast<std::size_t>(nparts))};
-  std::vector<double> products(clusters.centers.stride());
+  GrowingClusters clusters = EmptyClusters(nparts, mat.ncols);
 
   RandomPermute(perm, Start::kIdentity);
   for (int pass = 1; pass < kShufflingPasses; ++pass) RandomPermute(perm, Start::kAsGiven);
 
   for (int j = 0; j < mat.nrows; ++j) {
     const RowView row = Row(mat, perm[j]);
-    if (j < nparts) Seed(row, j, clusters);
-    part[static_cast<std::size_t>(perm[j])] =
-        j < nparts ? j : Join(row, nparts, clusters, products);
+    const RowSize size = SizeOfRow(mat, perm[j]);
+    AskForRows(mat, perm, j);
+    int& place = part[static_cast<std::size_t>(perm[j])];
+    if (j < nparts) {
+      Seed(row, size, j, clusters);
+      place = j;
+    } else {
+      place = Join(row, size, nparts, clusters);
+    }
   }
 }
 

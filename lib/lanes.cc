@@ -15,42 +15,18 @@ std::size_t PaddedCount(int count) {
   return lanes <= 4 ? 4 : (lanes + 7) / 8 * 8;
 }
 
-// The dot products with kLanes neighbouring lanes, kept in registers.
+// Adds the squares of kLanes neighbouring lanes over some columns.
 template <std::size_t kLanes>
-[[gnu::always_inline]] inline void DotSome(const RowView& row, const float* lanes,
-                                           std::size_t stride, double* products) {
-  double sums[kLanes] = {};
-  const std::size_t size = row.size();
-  for (std::size_t p = 0; p < size; ++p) {
-    const float* column = lanes + static_cast<std::size_t>(row.columns[p]) * stride;
-    const double v = static_cast<double>(row.values[p]);
-    for (std::size_t l = 0; l < kLanes; ++l) sums[l] += v * static_cast<double>(column[l]);
+void AddSquares(const float* columns, std::size_t count, std::size_t stride, double* squares) {
+  double sums[kLanes];
+  std::copy_n(squares, kLanes, sums);
+  for (std::size_t j = 0; j < count; ++j) {
+    for (std::size_t l = 0; l < kLanes; ++l) {
+      const auto c = static_cast<double>(columns[j * stride + l]);
+      sums[l] += c * c;
+    }
   }
-  for (std::size_t l = 0; l < kLanes; ++l) products[l] = sums[l];
-}
-
-// Compiled for the vector units of several processors; the one at hand is picked at load time.
-#if defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__)
-#define MOLVA_VECTOR_CLONES [[gnu::target_clones("avx512f", "avx2", "default")]]
-#else
-#define MOLVA_VECTOR_CLONES
-#endif
-
-MOLVA_VECTOR_CLONES
-void DotAll(const RowView& row, const float* lanes, std::size_t stride, double* products) {
-  switch (stride) {
-    case 1:
-      return DotSome<1>(row, lanes, stride, products);
-    case 2:
-      return DotSome<2>(row, lanes, stride, products);
-    case 4:
-      return DotSome<4>(row, lanes, stride, products);
-    default:
-      break;
-  }
-  std::size_t lane = 0;
-  for (; lane + 16 <= stride; lane += 16) DotSome<16>(row, lanes + lane, stride, products + lane);
-  if (lane < stride) DotSome<8>(row, lanes + lane, stride, products + lane);
+  std::copy_n(sums, kLanes, squares);
 }
 
 }  // namespace
@@ -58,7 +34,8 @@ void DotAll(const RowView& row, const float* lanes, std::size_t stride, double* 
 Lanes::Lanes(int count, int ncols, BlockName name)
     : ncols_(ncols),
       stride_(PaddedCount(count)),
-      values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * ncols, 0, name)) {}
+      values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * ncols, 0, name)),
+      dot_(CurrentDotKernel()) {}
 
 void Lanes::Set(const RowView& row, int lane) {
   float* values = values_.data() + lane;
@@ -81,36 +58,73 @@ void Lanes::Subtract(const RowView& row, int lane) {
   }
 }
 
-// Some hundred columns are taken at a time, so that they stay in the cache while each lane is
-// summed over them; within a lane the columns come in their order all the same.
-template <typename Product>
-void Lanes::SumOverColumns(std::span<float> results, Product product) const {
-  constexpr std::size_t kColumns = 256;
-  std::vector<Wide> sums(results.size());
-  const auto ncols = static_cast<std::size_t>(ncols_);
-  for (std::size_t begin = 0; begin < ncols; begin += kColumns) {
-    const std::size_t end = std::min(begin + kColumns, ncols);
-    for (std::size_t lane = 0; lane < sums.size(); ++lane) {
-      const float* values = values_.data() + lane;
-      Wide sum = sums[lane];
-      for (std::size_t j = begin; j < end; ++j) sum += product(values[j * stride_], j);
-      sums[lane] = sum;
+// Most sums of squares are settled by double arithmetic. Each product is exact there, so of m
+// terms, none negative, m roundings of 2^-53 separate it from the true sum, and m of 2^-64 the wide
+// one.
+void Lanes::SquaredLengths(std::span<float> squares) const {
+  const std::vector<double> rough = RoughSquares();
+  const double unit = (static_cast<double>(ncols_) + 8) * 0x1p-52;
+  for (std::size_t lane = 0; lane < squares.size(); ++lane) {
+    const double error = unit * rough[lane];
+    const auto least = static_cast<float>(rough[lane] - error);
+    const auto most = static_cast<float>(rough[lane] + error);
+    squares[lane] = least == most ? least : static_cast<float>(SquaredLength(lane));
+  }
+}
+
+std::vector<double> Lanes::RoughSquares() const {
+  // Few hundred columns stay in the cache while block after block of lanes is summed over them.
+  constexpr int kColumns = 256;
+  std::vector<double> squares(stride_);
+  for (int begin = 0; begin < ncols_; begin += kColumns) {
+    const auto count = static_cast<std::size_t>(std::min(kColumns, ncols_ - begin));
+    const float* columns = values_.data() + static_cast<std::size_t>(begin) * stride_;
+    switch (stride_) {
+      case 1:
+        AddSquares<1>(columns, count, stride_, squares.data());
+        break;
+      case 2:
+        AddSquares<2>(columns, count, stride_, squares.data());
+        break;
+      case 4:
+        AddSquares<4>(columns, count, stride_, squares.data());
+        break;
+      default:
+        for (std::size_t lane = 0; lane < stride_; lane += 8) {
+          AddSquares<8>(columns + lane, count, stride_, squares.data() + lane);
+        }
     }
   }
-  std::transform(sums.begin(), sums.end(), results.begin(),
+  return squares;
+}
+
+Wide Lanes::SquaredLength(std::size_t lane) const {
+  Wide sum = 0;
+  const float* value = values_.data() + lane;
+  for (int j = 0; j < ncols_; ++j, value += stride_) sum += static_cast<Wide>(*value) * *value;
+  return sum;
+}
+
+// Some hundred columns are taken at a time, so that they stay in the cache while each lane is
+// summed over them; within a lane the columns come in their order all the same.
+void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const {
+  constexpr std::size_t kColumns = 256;
+  std::vector<Wide> sums(dots.size());
+  for (std::size_t begin = 0; begin < vector.size(); begin += kColumns) {
+    const std::size_t end = std::min(begin + kColumns, vector.size());
+    for (std::size_t lane = 0; lane < sums.size(); ++lane) {
+      const LaneView composite{values_.data() + lane, stride_};
+      for (std::size_t j = begin; j < end; ++j) {
+        sums[lane] += static_cast<Wide>(composite[j]) * vector[j];
+      }
+    }
+  }
+  std::transform(sums.begin(), sums.end(), dots.begin(),
                  [](Wide sum) { return static_cast<float>(sum); });
 }
 
-void Lanes::SquaredLengths(std::span<float> squares) const {
-  SumOverColumns(squares, [](Wide c, std::size_t) { return c * c; });
-}
-
-void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const {
-  SumOverColumns(dots, [vector](Wide c, std::size_t j) { return c * vector[j]; });
-}
-
 void Lanes::DotRow(const RowView& row, double* products) const {
-  DotAll(row, values_.data(), stride_, products);
+  dot_(row, values_.data(), stride_, products);
 }
 
 }  // namespace molva

@@ -6,7 +6,9 @@
 
 #include <cstddef>
 #include <span>
+#include <vector>
 
+#include "lib/dot_kernels.h"
 #include "lib/prepared_matrix.h"
 #include "lib/support/wide.h"
 
@@ -43,12 +45,13 @@ class Lanes {
   void DotRow(const RowView& row, double* products) const;
 
  private:
-  template <typename Product>
-  void SumOverColumns(std::span<float> results, Product product) const;
+  std::vector<double> RoughSquares() const;
+  Wide SquaredLength(std::size_t lane) const;
 
   int ncols_;
   std::size_t stride_;
   Array<float> values_;
+  DotFunction dot_;
 };
 
 }  // namespace molva

@@ -6,7 +6,9 @@
 // One walk over the row gives its rough dot products with all clusters, in double arithmetic. From
 // these, and a bound on how far they can be from what the full arithmetic would find, follow the
 // best terms that the two clusters could have after the move. When even those are worse than the
-// terms before, the move is hopeless, and the full arithmetic would refuse it too.
+// terms before, the move is hopeless, and the full arithmetic would refuse it too. Products that
+// are remembered from an earlier walk serve as well, with what the moves since then can have
+// changed.
 //
 // The bound. A squared length after a move is q + sum of v (v +- 2c) over the n entries v of the
 // row, c being the composite at their columns. Both arithmetics start from the same
@@ -19,11 +21,11 @@
 #pragma once
 
 #include <cmath>
-#include <vector>
 
 #include "lib/criteria.h"
 #include "lib/lanes.h"
 #include "lib/prepared_matrix.h"
+#include "lib/product_memory.h"
 #include "lib/value_bound.h"
 
 namespace molva {
@@ -31,74 +33,139 @@ namespace molva {
 template <typename Objective>
 class MoveScreen {
  public:
-  // Clusters are lanes 0 to nparts - 1; where similarities matter, lane nparts is the whole.
-  MoveScreen(const Lanes& lanes, int nparts)
-      : lanes_(lanes),
+  // Clusters are lanes 0 to nparts - 1; where similarities matter, lane nparts is the whole. The
+  // blocks carry the given name.
+  MoveScreen(const PreparedMatrix& mat, const Lanes& lanes, int nparts, BlockName name)
+      : mat_(mat),
+        lanes_(lanes),
         nparts_(nparts),
-        products_(lanes.stride()),
-        clusters_(static_cast<std::size_t>(nparts)),
-        hopeful_(static_cast<std::size_t>(nparts)) {}
+        products_(AllocDoubles(static_cast<std::int64_t>(lanes.stride()), name)),
+        clusters_(nparts, name),
+        hopeful_(nparts, name),
+        memory_(mat, nparts + (Objective::kUsesSimilarity ? 1 : 0)) {
+    clusters_.Fill({});
+  }
 
-  // A row was added to a cluster's composite, to the whole, or taken out of a cluster's composite.
-  void RowJoined(int cluster, const RowSize& row) { At(cluster).bound.Add(row.largest); }
-  void RowLeft(int cluster) { At(cluster).bound.Add(0); }
-  void RowCounted(const RowSize& row) { whole_bound_.Add(row.largest); }
+  // A row was added to a cluster's composite and, where similarities matter, to the whole, before
+  // any row was weighed.
+  void RowCounted(int cluster, const RowSize& row) {
+    clusters_[cluster].bound.Add(row.largest);
+    whole_bound_.Add(row.largest);
+  }
+
+  // Row i has moved between two composites.
+  void RowMoved(int i, const RowSize& row, int from, int to) {
+    clusters_[from].bound.Add(0);
+    clusters_[to].bound.Add(row.largest);
+    const auto entries = static_cast<double>(Row(mat_, i).size());
+    for (Cluster* c : {&clusters_[from], &clusters_[to]}) {
+      c->drift += row.length + entries * 0x1p-24 * c->bound.Value();
+    }
+    if (memory_) memory_.Forget(i, to);
+  }
 
   // The cluster's numbers as they are stored.
   void SetCluster(int cluster, int size, float squared_length, float similarity) {
-    Cluster& c = At(cluster);
+    Cluster& c = clusters_[cluster];
     c.measure = {size, static_cast<double>(squared_length), static_cast<double>(similarity)};
     c.terms = Objective::RoughTermsOf(c.measure);
   }
 
-  // Weighs all moves of a row out of its cluster.
-  void Weigh(const Objective& objective, const RowView& row, const RowSize& size, int from) {
-    lanes_.DotRow(row, products_.data());
-    const double unit = static_cast<double>(row.size() + 8) * 0x1p-52;
-    double similarity = 0;
-    double similarity_error = 0;
-    if constexpr (Objective::kUsesSimilarity) {
-      similarity = products_[static_cast<std::size_t>(nparts_)];
-      similarity_error = unit * size.absolute * whole_bound_.Value();
-    }
-    const auto after = [&](int cluster, int sign) {
-      const Cluster& c = At(cluster);
-      const BasicMeasure<double> measure{
-          c.measure.size + sign,
-          c.measure.squared_length + 2 * sign * products_[static_cast<std::size_t>(cluster)] +
-              size.square,
-          c.measure.similarity + sign * similarity};
-      const double length_error = unit * (std::fabs(c.measure.squared_length) + size.square +
-                                          2 * size.absolute * c.bound.Value());
-      return Objective::BestTerms(measure, length_error,
-                                  similarity_error + unit * std::fabs(c.measure.similarity));
-    };
-    const typename Objective::RoughTerms from_after = after(from, -1);
-    const typename Objective::RoughTerms from_before = At(from).terms;
+  // Whether all moves of row i out of its cluster are hopeless by what is remembered of it.
+  bool IsSettled(const Objective& objective, int i, const RowSize& size, int from) const {
+    if (!memory_) return false;
+    const Move move{objective, size, UnitOf(i), from, RememberedSimilarity(i, size)};
+    const RoughTerms after = After(
+        move, from, -1, memory_.Least(i, size, static_cast<std::size_t>(from), DriftOf(from)));
     for (int k = 0; k < nparts_; ++k) {
-      hopeful_[static_cast<std::size_t>(k)] =
-          !objective.IsHopeless(from_before, At(k).terms, from_after, after(k, 1));
+      if (k == from) continue;
+      const auto lane = static_cast<std::size_t>(k);
+      if (!IsHopeless(move, after, k, memory_.Most(i, size, lane, DriftOf(k)))) return false;
+    }
+    return true;
+  }
+
+  // Weighs all moves of row i out of its cluster.
+  void Weigh(const Objective& objective, int i, const RowSize& size, int from) {
+    lanes_.DotRow(Row(mat_, i), products_.data());
+    if (memory_) {
+      memory_.Keep(i, size, from, products_.data(),
+                   [this](std::size_t k) { return DriftOf(static_cast<int>(k)); });
+    }
+    const Move move{objective, size, UnitOf(i), from, WalkedSimilarity(i, size)};
+    const RoughTerms after = After(move, from, -1, {products_[from], 0});
+    for (int k = 0; k < nparts_; ++k) {
+      hopeful_[k] = k != from && !IsHopeless(move, after, k, {products_[k], 0});
     }
   }
 
   // Whether the move to a cluster, as weighed last, is worth weighing in full.
-  bool IsHopeful(int cluster) const { return hopeful_[static_cast<std::size_t>(cluster)] != 0; }
+  bool IsHopeful(int cluster) const { return hopeful_[cluster] != 0; }
 
  private:
+  using RoughTerms = typename Objective::RoughTerms;
+
   struct Cluster {
     BasicMeasure<double> measure{};
-    typename Objective::RoughTerms terms{};
+    RoughTerms terms{};
     ValueBound bound;
+    double drift = 0;  // the length of all moves into and out of it
   };
 
-  Cluster& At(int cluster) { return clusters_[static_cast<std::size_t>(cluster)]; }
+  // What is the same for all moves of one row.
+  struct Move {
+    const Objective& objective;
+    const RowSize& row;
+    double unit;  // (n + 8) 2^-52
+    int from;
+    RoughValue similarity;  // d.G
+  };
 
+  double UnitOf(int i) const { return static_cast<double>(Row(mat_, i).size() + 8) * 0x1p-52; }
+
+  // The composite of all rows does not drift.
+  double DriftOf(int lane) const { return lane < nparts_ ? clusters_[lane].drift : 0; }
+
+  RoughValue WalkedSimilarity(int i, const RowSize& size) const {
+    if constexpr (!Objective::kUsesSimilarity) return {0, 0};
+    return {products_[nparts_], UnitOf(i) * size.absolute * whole_bound_.Value()};
+  }
+
+  RoughValue RememberedSimilarity(int i, const RowSize& size) const {
+    if constexpr (!Objective::kUsesSimilarity) return {0, 0};
+    const RoughValue kept = memory_.Most(i, size, static_cast<std::size_t>(nparts_), 0);
+    return {kept.value, kept.error + UnitOf(i) * size.absolute * whole_bound_.Value()};
+  }
+
+  // The best terms of a cluster that the row joins (sign 1) or leaves (-1).
+  RoughTerms After(const Move& move, int cluster, int sign, const RoughValue& product) const {
+    const Cluster& c = clusters_[cluster];
+    const RowSize& row = move.row;
+    const BasicMeasure<double> measure{
+        c.measure.size + sign, c.measure.squared_length + 2 * sign * product.value + row.square,
+        c.measure.similarity + sign * move.similarity.value};
+    const double length_error = move.unit * (std::fabs(c.measure.squared_length) + row.square +
+                                             2 * row.absolute * c.bound.Value()) +
+                                2 * product.error;
+    const double similarity_error =
+        move.similarity.error + move.unit * std::fabs(c.measure.similarity);
+    return Objective::BestTerms(measure, length_error, similarity_error);
+  }
+
+  bool IsHopeless(const Move& move, const RoughTerms& from_after, int k,
+                  const RoughValue& product) const {
+    return move.objective.IsHopeless(clusters_[move.from].terms, clusters_[k].terms, from_after,
+                                     After(move, k, 1, product));
+  }
+
+  const PreparedMatrix& mat_;
   const Lanes& lanes_;
   int nparts_;
   ValueBound whole_bound_;
-  std::vector<double> products_;
-  std::vector<Cluster> clusters_;
-  std::vector<char> hopeful_;
+  Array<double> products_;
+  Array<Cluster> clusters_;
+  Array<char> hopeful_;
+  ProductMemory memory_;
 };
 
 }  // namespace molva

@@ -11,16 +11,25 @@
 
 namespace molva {
 
+// How large a row d is; each number is rounded up.
+struct RowSize {
+  double square = 0;    // |d|^2
+  double length = 0;    // |d|, entries in one column added up
+  double absolute = 0;  // |d|_1, the sum of |v|
+  double largest = 0;   // max |v|
+};
+
 struct PreparedMatrix {
   int sparse = 0;  // 1 when fewer than nrows * ncols entries are stored; decides IDF and pruning
   int nrows = -1;
   int ncols = -1;
-  Array<int> rowptr;    // nrows + 1 row starts
-  Array<int> rowind;    // the column of each entry
-  Array<float> rowval;  // the value of each entry
-  Array<int> colptr;    // ncols + 1 column starts; empty until a column copy is built
-  Array<int> colind;    // the row of each entry, increasing within a column
-  Array<float> colval;  // the value of each entry
+  Array<int> rowptr;       // nrows + 1 row starts
+  Array<int> rowind;       // the column of each entry
+  Array<float> rowval;     // the value of each entry
+  Array<RowSize> rowsize;  // the size of each row; empty until the rows are measured
+  Array<int> colptr;       // ncols + 1 column starts; empty until a column copy is built
+  Array<int> colind;       // the row of each entry, increasing within a column
+  Array<float> colval;     // the value of each entry
 };
 
 // A record without rows, in a block named "CreateMatrix: mat".
@@ -36,7 +45,16 @@ struct RowView {
   std::size_t size() const { return columns.size(); }
 };
 
-RowView Row(const PreparedMatrix& mat, int i);
+inline RowView Row(const PreparedMatrix& mat, int i) {
+  const int begin = mat.rowptr[i];
+  const auto size = static_cast<std::size_t>(mat.rowptr[i + 1] - begin);
+  return {{mat.rowind.data() + begin, size}, {mat.rowval.data() + begin, size}};
+}
+// Rows that are taken in a random order would be waited for. So what tells of a row is asked for a
+// while before it is needed, and soon after that its entries.
+constexpr int kRowsAhead = 4;
+void AskForRows(const PreparedMatrix& mat, std::span<const int> order, int position);
+
 std::span<float> RowValues(PreparedMatrix& mat, int i);
 
 // Builds the column-compressed copy: colptr, colind, colval.

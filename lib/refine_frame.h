@@ -10,7 +10,6 @@
 #pragma once
 
 #include <cstdio>
-#include <vector>
 
 #include "lib/composites.h"
 #include "lib/control.h"
@@ -18,6 +17,7 @@
 #include "lib/lanes.h"
 #include "lib/move_screen.h"
 #include "lib/prepared_matrix.h"
+#include "lib/row_sizes.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
 
@@ -67,8 +67,7 @@ class KWayRefinement {
         dnorms_(AllocFloats(nparts, {names.per_cluster, ": dnorms"})),
         centers_(nparts + (Objective::kUsesSimilarity ? 1 : 0), mat.ncols,
                  {names.per_cluster, ": centers"}),
-        row_sizes_(static_cast<std::size_t>(mat.nrows)),
-        screen_(centers_, nparts) {
+        screen_(mat, centers_, nparts, {names.per_cluster, ": dnorms"}) {
     if constexpr (Objective::kUsesSimilarity) {
       csim_ = AllocFloats(nparts, {names.per_cluster, ": csim"});
       gcenter_ = AllocFloatsSet(mat.ncols, 0, {names.per_row, ": gcenter"});
@@ -87,7 +86,9 @@ class KWayRefinement {
   int Pass() {
     RandomPermute(perm_, Start::kIdentity);
     int moves = 0;
-    for (const int i : perm_) {
+    for (int j = 0; j < mat_.nrows; ++j) {
+      const int i = perm_[j];
+      AskForRows(mat_, perm_, j);
       // Rows leave only clusters of three or more, so no pair is broken up.
       if (pwgts_[part_[static_cast<std::size_t>(i)]] > 2) moves += Visit(i);
     }
@@ -109,16 +110,13 @@ class KWayRefinement {
   void CountRow(int i) {
     const RowView row = Row(mat_, i);
     const int k = part_[static_cast<std::size_t>(i)];
-    RowSize& size = row_sizes_[static_cast<std::size_t>(i)];
-    size = SizeOf(row);
     ++pwgts_[k];
     centers_.Add(row, k);
-    screen_.RowJoined(k, size);
+    screen_.RowCounted(k, SizeOfRow(mat_, i));
     if constexpr (Objective::kUsesSimilarity) {
       AddRow(row, gcenter_);
       // The lane behind the clusters repeats the composite of all rows for the screen.
       centers_.Add(row, nparts_);
-      screen_.RowCounted(size);
     }
   }
 
@@ -142,15 +140,16 @@ class KWayRefinement {
   // the next cluster against the new home, and the size of the new home is not tested again.
   int Visit(int i) {
     const RowView row = Row(mat_, i);
-    const RowSize& size = row_sizes_[static_cast<std::size_t>(i)];
+    const RowSize size = SizeOfRow(mat_, i);
     int& place = part_[static_cast<std::size_t>(i)];
     Wide row_similarity = 0;
     Home home;
     bool home_is_known = false;
     int moves = 0;
-    screen_.Weigh(objective_, row, size, place);
+    if (screen_.IsSettled(objective_, i, size, place)) return 0;
+    screen_.Weigh(objective_, i, size, place);
     for (int k = 0; k < nparts_; ++k) {
-      if (k == place || !screen_.IsHopeful(k)) continue;
+      if (!screen_.IsHopeful(k)) continue;
       if (!home_is_known) {
         if constexpr (Objective::kUsesSimilarity) row_similarity = DotRow(row, gcenter_);
         home = HomeOf(row, row_similarity, place);
@@ -168,12 +167,11 @@ class KWayRefinement {
       Store(k, joined);
       centers_.Add(row, k);
       centers_.Subtract(row, place);
-      screen_.RowJoined(k, size);
-      screen_.RowLeft(place);
+      screen_.RowMoved(i, size, place, k);
       place = k;
       home_is_known = false;
       ++moves;
-      if (k + 1 < nparts_) screen_.Weigh(objective_, row, size, place);
+      if (k + 1 < nparts_) screen_.Weigh(objective_, i, size, place);
     }
     return moves;
   }
@@ -196,7 +194,6 @@ class KWayRefinement {
   Lanes centers_;
   Array<float> csim_;
   Array<float> gcenter_;
-  std::vector<RowSize> row_sizes_;
   MoveScreen<Objective> screen_;
 };
 

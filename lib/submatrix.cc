@@ -46,6 +46,8 @@ Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span
   cluster->rowind = AllocInts(shape.entries, "Concept2Matrix: crowind");
   cluster->rowval = AllocFloats(shape.entries, "Concept2Matrix: crowval");
 
+  if (mat.rowsize) cluster->rowsize = Array<RowSize>(shape.nrows, "Concept2Matrix: crowptr");
+
   int rows = 0;
   int entries = 0;
   cluster->rowptr[0] = 0;
@@ -56,9 +58,16 @@ Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span
                    [&cmap](int j) { return cmap[j]; });
     std::copy(row.values.begin(), row.values.end(), cluster->rowval.data() + entries);
     entries += static_cast<int>(row.size());
+    if (mat.rowsize) cluster->rowsize[rows] = mat.rowsize[i];
     cluster->rowptr[++rows] = entries;
   }
   return cluster;
+}
+
+bool EveryColumnOccurs(const PreparedMatrix& mat) {
+  Array<char> occurs = Array<char>::Zeroed(mat.ncols, "Cluster2Matrix: cmap");
+  std::for_each_n(mat.rowind.data(), EntryCount(mat), [&occurs](int j) { occurs[j] = 1; });
+  return std::all_of(occurs.begin(), occurs.end(), [](char occurred) { return occurred != 0; });
 }
 
 }  // namespace molva

@@ -11,4 +11,7 @@ namespace molva {
 // them are kept, renumbered in increasing order; entries keep their order and their values.
 Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span<const int> part);
 
+// Whether all rows as a matrix of their own would keep every column, and so be the matrix itself.
+bool EveryColumnOccurs(const PreparedMatrix& mat);
+
 }  // namespace molva

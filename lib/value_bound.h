@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// What the error bounds of rough arithmetic need to know of rows and composites.
+// What the error bounds of rough arithmetic need to know of composites.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
-
-#include "lib/prepared_matrix.h"
 
 namespace molva {
 
@@ -14,26 +11,11 @@ namespace molva {
 // roundings of 2^-53 each, taken a few times over.
 constexpr double kSlack = 0x1p-46;
 
-// What the bound needs to know of a row.
-struct RowSize {
-  double square = 0;    // |d|^2
-  double absolute = 0;  // |d|_1
-  double largest = 0;   // max |v|
+// A value and how far it can be from the true one.
+struct RoughValue {
+  double value;
+  double error;
 };
-
-inline RowSize SizeOf(const RowView& row) {
-  RowSize size;
-  for (const float value : row.values) {
-    const double v = std::fabs(static_cast<double>(value));
-    size.square += v * v;
-    size.absolute += v;
-    size.largest = std::max(size.largest, v);
-  }
-  // Rounded up, and left as it is when a value is not a number: comparisons then fail.
-  size.absolute *= 1 + kSlack;
-  if (std::isnan(size.square)) size.largest = size.square;
-  return size;
-}
 
 // A bound for the values of a composite: the sum of max|v| over all rows that ever joined it, times
 // exp(m 2^-23) for the rounding of m additions and subtractions in single precision.

@@ -33,12 +33,12 @@ bool FitsTheMachine(std::size_t nbytes) {
   return used <= machine_memory && nbytes <= machine_memory - used;
 }
 
-// Counts a block, or ends the run when there is none.
-void* Obtained(void* block, std::size_t nbytes, BlockName name) {
-  if (block == nullptr) {
-    FatalError("***Memory allocation failed for %s%s. Requested size: %zu bytes", name.routine,
-               name.array, nbytes);
-  }
+[[noreturn]] void Refuse(std::size_t nbytes, BlockName name) {
+  FatalError("***Memory allocation failed for %s%s. Requested size: %zu bytes", name.routine,
+             name.array, nbytes);
+}
+
+void* Counted(void* block) {
   bytes_in_use.fetch_add(malloc_usable_size(block), std::memory_order_relaxed);
   return block;
 }
@@ -63,17 +63,22 @@ Rows<T> FilledRows(std::int64_t nrows, std::int64_t ncols, T value, BlockName na
 
 void* RVmalloc(std::size_t nbytes, BlockName name) {
   if (nbytes == 0) return nullptr;
-  void* block = nullptr;
-  if (FitsTheMachine(nbytes)) {
-    block = current_allocate != nullptr ? current_allocate(nbytes) : std::malloc(nbytes);
-  }
-  return Obtained(block, nbytes, name);
+  void* block = RVmallocOrNull(nbytes);
+  if (block == nullptr) Refuse(nbytes, name);
+  return block;
+}
+
+void* RVmallocOrNull(std::size_t nbytes) {
+  if (nbytes == 0 || !FitsTheMachine(nbytes)) return nullptr;
+  return Counted(current_allocate != nullptr ? current_allocate(nbytes) : std::malloc(nbytes));
 }
 
 void* RVcalloc(std::size_t nbytes, BlockName name) {
   if (nbytes == 0) return nullptr;
   if (current_allocate != nullptr) return std::memset(RVmalloc(nbytes, name), 0, nbytes);
-  return Obtained(FitsTheMachine(nbytes) ? std::calloc(nbytes, 1) : nullptr, nbytes, name);
+  void* block = FitsTheMachine(nbytes) ? Counted(std::calloc(nbytes, 1)) : nullptr;
+  if (block == nullptr) Refuse(nbytes, name);
+  return block;
 }
 
 void RVfree(void* block) {

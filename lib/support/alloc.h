@@ -34,6 +34,8 @@ struct BlockName {
 void* RVmalloc(std::size_t nbytes, BlockName name);
 // The same, filled with zeros; large blocks cost nothing until they are used.
 void* RVcalloc(std::size_t nbytes, BlockName name);
+// The same as RVmalloc for what a run can do without: null when it cannot be had.
+void* RVmallocOrNull(std::size_t nbytes);
 void RVfree(void* block);
 
 // The function under both. Tests replace it (null stands for malloc and calloc) to make allocations
@@ -55,6 +57,14 @@ class Array {
     Array array;
     array.size_ = n > 0 ? static_cast<std::size_t>(n) : 0;
     array.data_.reset(static_cast<T*>(RVcalloc(array.size_ * sizeof(T), name)));
+    return array;
+  }
+  // An aid that a run can do without: empty when the block cannot be had.
+  static Array OrNone(std::int64_t n) {
+    Array array;
+    array.size_ = n > 0 ? static_cast<std::size_t>(n) : 0;
+    array.data_.reset(static_cast<T*>(RVmallocOrNull(array.size_ * sizeof(T))));
+    if (!array.data_) array.size_ = 0;
     return array;
   }
   Array(Array&& other) noexcept

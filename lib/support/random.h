@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 //
-// Random permutations from the platform's 48-bit generator. The sequence of draws is fixed: the
-// same seed gives the same permutations and hence the same clustering.
+// Random permutations from the numbers of the platform's 48-bit generator, drand48. The sequence of
+// draws is fixed: the same seed gives the same permutations and hence the same clustering. The
+// state is the library's own, one for each thread, so a host program's sequence of drand48 or rand
+// goes on as if nothing had been drawn.
 #pragma once
 
 #include <span>
 
 namespace molva {
 
-// Seeds the classic generator and the 48-bit one.
-void SeedGenerators(int seed);
+// Starts the sequence that srand48(seed) starts.
+void SeedGenerator(int seed);
+
+// The next number of the sequence, in [0, 1).
+double DrawUnit();
 
 enum class Start { kAsGiven, kIdentity };
 

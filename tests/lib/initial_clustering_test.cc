@@ -9,7 +9,6 @@
 #include <numeric>
 #include <vector>
 
-#include "lib/support/random.h"
 #include "tests/testing/matrices.h"
 #include "tests/testing/oracles.h"
 
@@ -21,11 +20,12 @@ using testing_support::Dot;
 using testing_support::Prepared;
 using testing_support::PreparedOf;
 using testing_support::RandomDocuments;
+using testing_support::SeedBoth;
 using testing_support::WideVector;
 
 std::vector<int> Seeded(const PreparedMatrix& mat, int nparts, int seed) {
   std::vector<int> part(static_cast<std::size_t>(mat.nrows), -1);
-  SeedGenerators(seed);
+  SeedBoth(seed);
   InitialClustering(mat, nparts, part);
   return part;
 }
@@ -99,7 +99,7 @@ TEST(InitialClustering, LetsEveryRowJoinTheClusterThatGrowsMost) {
 
 std::vector<int> PlainlySeeded(const PreparedMatrix& mat, int nparts, int seed) {
   std::vector<int> part(static_cast<std::size_t>(mat.nrows), -1);
-  SeedGenerators(seed);
+  SeedBoth(seed);
   testing_support::PlainSeeding(mat, nparts, part);
   return part;
 }

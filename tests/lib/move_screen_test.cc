@@ -11,6 +11,7 @@
 
 #include "lib/composites.h"
 #include "lib/refine_frame.h"
+#include "lib/row_sizes.h"
 #include "tests/testing/matrices.h"
 
 namespace molva {
@@ -33,7 +34,7 @@ void CompareWithFullArithmetic(const PreparedMatrix& mat, int nparts, std::uint3
                                Counts& counts) {
   const std::vector<int> part = RandomPart(seed, mat.nrows, nparts);
   Lanes lanes(nparts + 1, mat.ncols, "Test: lanes");
-  MoveScreen<Objective> screen(lanes, nparts);
+  MoveScreen<Objective> screen(mat, lanes, nparts, "Test: screen");
   std::vector<int> sizes(static_cast<std::size_t>(nparts));
   std::vector<float> whole(static_cast<std::size_t>(mat.ncols));
   for (int i = 0; i < mat.nrows; ++i) {
@@ -43,8 +44,7 @@ void CompareWithFullArithmetic(const PreparedMatrix& mat, int nparts, std::uint3
     lanes.Add(Row(mat, i), k);
     lanes.Add(Row(mat, i), nparts);
     AddRow(Row(mat, i), whole);
-    screen.RowJoined(k, size);
-    screen.RowCounted(size);
+    screen.RowCounted(k, size);
   }
   std::vector<float> dnorms(sizes.size());
   std::vector<float> csim(sizes.size());
@@ -68,7 +68,7 @@ void CompareWithFullArithmetic(const PreparedMatrix& mat, int nparts, std::uint3
     const ClusterMeasure left{home.size - 1,
                               SquaredLengthWithout(row, lanes[from], home.squared_length),
                               home.similarity - similarity};
-    screen.Weigh(objective, row, SizeOf(row), from);
+    screen.Weigh(objective, i, SizeOf(row), from);
     for (int k = 0; k < nparts; ++k) {
       if (k == from) continue;
       const ClusterMeasure& target = measures[static_cast<std::size_t>(k)];

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "lib/support/random.h"
 #include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
@@ -26,6 +25,7 @@ using testing_support::PreparedOf;
 using testing_support::QualityOf;
 using testing_support::RandomDocuments;
 using testing_support::RandomPart;
+using testing_support::SeedBoth;
 using testing_support::SparseMatrix;
 
 struct Shape {
@@ -45,7 +45,7 @@ void ForEachRefinement(Check check) {
             Prepared(RandomDocuments(seed, shape.nrows, shape.ncols, shape.topics, shape.entries));
         const std::vector<int> start = RandomPart(seed, mat->nrows, shape.nparts);
         std::vector<int> part = start;
-        SeedGenerators(static_cast<int>(seed));
+        SeedBoth(static_cast<int>(seed));
         const float quality =
             RefineClusteringKWay({.crfun = code, .niter = 10}, *mat, shape.nparts, part);
         check(code, *mat, shape.nparts, start, part, quality);
@@ -88,10 +88,10 @@ TEST(Refinement, EqualsThePlainOneBitForBit) {
                        const std::vector<int>& start, const std::vector<int>& part, float quality) {
     // The draws of the run before are not repeatable from here, so both run again.
     std::vector<int> plain = start;
-    SeedGenerators(17);
+    SeedBoth(17);
     const float plain_quality = PlainRefinement(code, mat, nparts, 10, plain);
     std::vector<int> refined = start;
-    SeedGenerators(17);
+    SeedBoth(17);
     const float refined_quality =
         RefineClusteringKWay({.crfun = code, .niter = 10}, mat, nparts, refined);
     EXPECT_EQ(refined, plain);
@@ -106,7 +106,7 @@ TEST(Refinement, ImprovesABadStart) {
   const auto mat = PreparedOf({{1, 0}, {1, 0}, {1, 0}, {0, 1}, {0, 1}, {0, 1}});
   for (int code = 1; code <= 9; ++code) {
     std::vector<int> part = {0, 0, 1, 1, 1, 0};
-    SeedGenerators(1);
+    SeedBoth(1);
     RefineClusteringKWay({.crfun = code, .niter = 10}, *mat, 2, part);
     EXPECT_EQ(part[0], part[1]) << "criterion " << code;
     EXPECT_EQ(part[0], part[2]) << "criterion " << code;
@@ -163,7 +163,7 @@ TEST(Refinement, GoesOnFromTheNewClusterAfterAMove) {
                                {0, 0, 1},
                                {0, 0, 1}});
   std::vector<int> part = {0, 0, 0, 1, 1, 2, 2, 0};
-  SeedGenerators(1);
+  SeedBoth(1);
   const std::string progress = OutputOf([&] {
     RefineClusteringKWay({.crfun = 2, .niter = 1, .dbglvl = kDebugRefinement}, *mat, 3, part);
   });
@@ -232,12 +232,25 @@ std::vector<std::string> BlocksOf(int code) {
   });
 }
 
+// Each name once, in the order of its first block.
+std::vector<std::string> Distinct(const std::vector<std::string>& names) {
+  std::vector<std::string> distinct;
+  for (const std::string& name : names) {
+    if (std::find(distinct.begin(), distinct.end(), name) == distinct.end()) {
+      distinct.push_back(name);
+    }
+  }
+  return distinct;
+}
+
+// Aids of the screen carry the name of the numbers that they stand for.
 TEST(Refinement, NamesItsBlocksAfterItself) {
-  EXPECT_EQ(BlocksOf(2), (std::vector<std::string>{
-                             "PartitionRefineKWayI2: perm", "RefineClusteringKWayI2: pwgts",
-                             "RefineClusteringKWayI2: dnorms", "RefineClusteringKWayI2: centers"}));
+  EXPECT_EQ(Distinct(BlocksOf(2)),
+            (std::vector<std::string>{
+                "PartitionRefineKWayI2: perm", "RefineClusteringKWayI2: pwgts",
+                "RefineClusteringKWayI2: dnorms", "RefineClusteringKWayI2: centers"}));
   EXPECT_EQ(BlocksOf(5).back(), "PartitionRefineKWayG1Prime: gcenter");
-  EXPECT_EQ(BlocksOf(5)[4], "RefineClusteringKWayG1Prime: csim");
+  EXPECT_EQ(Distinct(BlocksOf(5))[4], "RefineClusteringKWayG1Prime: csim");
 }
 
 TEST(Refinement, CrossesTheNamesOfCodes8And9) {

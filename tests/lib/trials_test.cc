@@ -7,10 +7,10 @@
 
 #include "lib/initial_clustering.h"
 #include "lib/refine.h"
-#include "lib/support/random.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 #include "tests/testing/matrices.h"
+#include "tests/testing/oracles.h"
 
 namespace molva {
 namespace {
@@ -19,12 +19,13 @@ using testing_support::OutputOf;
 using testing_support::Prepared;
 using testing_support::PreparedOf;
 using testing_support::RandomDocuments;
+using testing_support::SeedBoth;
 
 constexpr TrialTexts kTexts{"Test: bpart", "Testing", ">"};
 
 std::vector<int> Best(const Control& control, const PreparedMatrix& mat, int nparts) {
   std::vector<int> part(static_cast<std::size_t>(mat.nrows));
-  SeedGenerators(control.seed);
+  SeedBoth(control.seed);
   BestOfTrials(control, mat, nparts, part, kTexts);
   return part;
 }
@@ -33,7 +34,7 @@ TEST(Trials, KeepTheFirstOfTheBest) {
   const auto mat = Prepared(RandomDocuments(4, 70, 60, 5, 6));
   // All trials again, one by one from the same seed.
   const Control control{.crfun = 2, .ntrials = 6, .niter = 1, .seed = 3};
-  SeedGenerators(control.seed);
+  SeedBoth(control.seed);
   std::vector<int> part(static_cast<std::size_t>(mat->nrows));
   std::vector<int> best;
   float best_quality = -1;

@@ -7,6 +7,8 @@
 #include <numeric>
 #include <utility>
 
+#include "lib/support/random.h"
+
 namespace testing_support {
 
 using molva::PreparedMatrix;
@@ -190,6 +192,11 @@ std::vector<std::size_t> DrawnOrder(int nrows) {
 }
 
 }  // namespace
+
+void SeedBoth(int seed) {
+  molva::SeedGenerator(seed);
+  srand48(seed);
+}
 
 void PlainSeeding(const PreparedMatrix& mat, int nparts, std::span<int> part) {
   std::vector<std::size_t> order(static_cast<std::size_t>(mat.nrows));

@@ -29,6 +29,9 @@ Wide CriterionValue(int code, const molva::PreparedMatrix& mat, std::span<const 
 // per row.
 Wide QualityOf(int code, Wide value, int nrows);
 
+// Starts the library's random sequence and the platform's, from which the oracles draw.
+void SeedBoth(int seed);
+
 // Seeding written out literally: every gain in wide arithmetic, single precision where it is
 // stored. Uses the same random draws as the library.
 void PlainSeeding(const molva::PreparedMatrix& mat, int nparts, std::span<int> part);

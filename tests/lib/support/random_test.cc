@@ -6,14 +6,16 @@
 #include <algorithm>
 #include <cstdlib>
 #include <numeric>
+#include <thread>
 #include <utility>
 #include <vector>
 
 namespace {
 
+using molva::DrawUnit;
 using molva::FastRandomPermute;
 using molva::RandomPermute;
-using molva::SeedGenerators;
+using molva::SeedGenerator;
 using molva::Start;
 
 std::vector<int> Identity(int n) {
@@ -47,25 +49,38 @@ void SlowFastPermute(std::vector<int>& p) {
   }
 }
 
-TEST(SeedGenerators, SeedsTheFortyEightBitGenerator) {
-  srand48(42);
-  const double expected = drand48();
-  SeedGenerators(42);
-  EXPECT_EQ(drand48(), expected);
+TEST(SeedGenerator, StartsThePlatformsSequence) {
+  for (const int seed : {0, 1, 42, 4321, 2147483647, -1, -3, -2147483647 - 1}) {
+    srand48(seed);
+    SeedGenerator(seed);
+    for (int draw = 0; draw < 1000; ++draw) ASSERT_EQ(DrawUnit(), drand48()) << seed;
+  }
 }
 
-TEST(SeedGenerators, SeedsTheClassicGenerator) {
-  std::srand(42);
-  const int expected = std::rand();
-  SeedGenerators(42);
-  EXPECT_EQ(std::rand(), expected);
+TEST(SeedGenerator, LeavesTheHostsSequencesAlone) {
+  srand48(7);
+  std::srand(7);
+  const double first = drand48();
+  const int classic = std::rand();
+  srand48(7);
+  std::srand(7);
+  SeedGenerator(42);
+  std::vector<int> p(100);
+  RandomPermute(p, Start::kIdentity);
+  EXPECT_EQ(drand48(), first);
+  EXPECT_EQ(std::rand(), classic);
 }
 
-TEST(SeedGenerators, TakesNegativeSeeds) {
-  srand48(-3);
-  const double expected = drand48();
-  SeedGenerators(-3);
-  EXPECT_EQ(drand48(), expected);
+TEST(SeedGenerator, GivesEveryThreadASequenceOfItsOwn) {
+  SeedGenerator(5);
+  const double first = DrawUnit();
+  SeedGenerator(5);
+  std::thread other([] {
+    SeedGenerator(6);
+    DrawUnit();
+  });
+  other.join();
+  EXPECT_EQ(DrawUnit(), first);
 }
 
 TEST(RandomPermute, DrawsBothEndsOfEverySwapInOrder) {
@@ -73,7 +88,7 @@ TEST(RandomPermute, DrawsBothEndsOfEverySwapInOrder) {
     srand48(n);
     std::vector<int> expected = Identity(n);
     SlowPermute(expected);
-    SeedGenerators(n);
+    SeedGenerator(n);
     std::vector<int> p(static_cast<std::size_t>(n), -1);
     RandomPermute(p, Start::kIdentity);
     EXPECT_EQ(p, expected) << n;
@@ -85,14 +100,14 @@ TEST(RandomPermute, PermutesWhatIsThereWhenAskedTo) {
   srand48(9);
   std::vector<int> expected = start;
   SlowPermute(expected);
-  SeedGenerators(9);
+  SeedGenerator(9);
   std::vector<int> p = start;
   RandomPermute(p, Start::kAsGiven);
   EXPECT_EQ(p, expected);
 }
 
 TEST(RandomPermute, KeepsEveryElement) {
-  SeedGenerators(5);
+  SeedGenerator(5);
   std::vector<int> p(1000);
   RandomPermute(p, Start::kIdentity);
   EXPECT_NE(p, Identity(1000));
@@ -104,11 +119,11 @@ TEST(RandomPermute, IsTheSameForTheSameSeed) {
   std::vector<int> first(100);
   std::vector<int> second(100);
   std::vector<int> other(100);
-  SeedGenerators(7);
+  SeedGenerator(7);
   RandomPermute(first, Start::kIdentity);
-  SeedGenerators(7);
+  SeedGenerator(7);
   RandomPermute(second, Start::kIdentity);
-  SeedGenerators(8);
+  SeedGenerator(8);
   RandomPermute(other, Start::kIdentity);
   EXPECT_EQ(first, second);
   EXPECT_NE(first, other);
@@ -119,19 +134,19 @@ TEST(RandomPermute, DrawsTwiceForOneElement) {
   drand48();
   drand48();
   const double third = drand48();
-  SeedGenerators(1);
+  SeedGenerator(1);
   std::vector<int> p = {17};
   RandomPermute(p, Start::kAsGiven);
   EXPECT_EQ(p[0], 17);
-  EXPECT_EQ(drand48(), third);
+  EXPECT_EQ(DrawUnit(), third);
 }
 
 TEST(RandomPermute, DrawsNothingForNoElement) {
   srand48(1);
   const double first = drand48();
-  SeedGenerators(1);
+  SeedGenerator(1);
   RandomPermute({}, Start::kIdentity);
-  EXPECT_EQ(drand48(), first);
+  EXPECT_EQ(DrawUnit(), first);
 }
 
 TEST(FastRandomPermute, SwapsFourElementsARound) {
@@ -139,7 +154,7 @@ TEST(FastRandomPermute, SwapsFourElementsARound) {
     srand48(n);
     std::vector<int> expected = Identity(n);
     SlowFastPermute(expected);
-    SeedGenerators(n);
+    SeedGenerator(n);
     std::vector<int> p(static_cast<std::size_t>(n), -1);
     FastRandomPermute(p, Start::kIdentity);
     EXPECT_EQ(p, expected) << n;
@@ -150,7 +165,7 @@ TEST(FastRandomPermute, DrawsNothingBelowSixteenElements) {
   for (const int n : {0, 1, 7, 8, 15}) {
     srand48(3);
     const double first = drand48();
-    SeedGenerators(3);
+    SeedGenerator(3);
     std::vector<int> p = Identity(n);
     std::reverse(p.begin(), p.end());
     const std::vector<int> start = p;
@@ -158,7 +173,7 @@ TEST(FastRandomPermute, DrawsNothingBelowSixteenElements) {
     EXPECT_EQ(p, start) << n;
     FastRandomPermute(p, Start::kIdentity);
     EXPECT_EQ(p, Identity(n)) << n;
-    EXPECT_EQ(drand48(), first) << n;
+    EXPECT_EQ(DrawUnit(), first) << n;
   }
 }
 

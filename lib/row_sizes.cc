@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "lib/row_sizes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <span>
+#include <utility>
+
+#include "lib/value_bound.h"
+
+namespace molva {
+
+namespace {
+
+// The length when all columns differ; otherwise |d|_1, which no vector of these entries exceeds.
+double BoundOfLength(const RowSize& size, bool columns_differ) {
+  return columns_differ ? std::sqrt(size.square) * (1 + kSlack) : size.absolute;
+}
+
+bool Increases(std::span<const int> columns) {
+  return std::adjacent_find(columns.begin(), columns.end(), std::greater_equal<int>()) ==
+         columns.end();
+}
+
+// Whether no column occurs twice in row i; `last_row` tells in which row each column was last seen.
+bool ColumnsDiffer(std::span<const int> columns, int i, Array<int>& last_row) {
+  bool differ = true;
+  for (const int j : columns) differ = std::exchange(last_row[j], i) != i && differ;
+  return differ;
+}
+
+}  // namespace
+
+RowSize SizeOf(const RowView& row) {
+  RowSize size;
+  for (const float value : row.values) {
+    const double v = std::fabs(static_cast<double>(value));
+    size.square += v * v;
+    size.absolute += v;
+    size.largest = std::max(size.largest, v);
+  }
+  // Rounded up, and left as it is when a value is not a number: comparisons then fail.
+  size.absolute *= 1 + kSlack;
+  if (std::isnan(size.square)) size.largest = size.square;
+  size.length = BoundOfLength(size, Increases(row.columns));
+  return size;
+}
+
+void MeasureRows(PreparedMatrix& mat, BlockName name) {
+  mat.rowsize = Array<RowSize>(mat.nrows, name);
+  Array<int> last_row = AllocIntsSet(mat.ncols, -1, name);
+  for (int i = 0; i < mat.nrows; ++i) {
+    const RowView row = Row(mat, i);
+    mat.rowsize[i] = SizeOf(row);
+    mat.rowsize[i].length = BoundOfLength(mat.rowsize[i], ColumnsDiffer(row.columns, i, last_row));
+  }
+}
+
+}  // namespace molva
