@@ -10,6 +10,7 @@
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
 #include "programs/io/labels.h"
+#include "programs/io/number_text.h"
 
 namespace mardle {
 namespace {
@@ -32,13 +33,26 @@ bool ScanHeaderNumber(const char*& text, int& number) {
   return true;
 }
 
-// The 0-based column. A column number below the range of an int stays a negative column.
-long ColumnOf(const char* token) {
-  const long number = std::strtol(token, nullptr, 10);
-  return std::max<long>(number, INT_MIN + 1L) - 1;
+// Moves the text to its next field. Returns false when none is left.
+bool FindField(const char*& text) {
+  while (*text == ' ' || *text == '\t') ++text;
+  return *text != '\0';
 }
 
-float ValueOf(const char* token) { return static_cast<float>(std::strtod(token, nullptr)); }
+// Takes a field for a 0-based column and moves the text behind it. A column number below the range
+// of an int stays a negative column.
+long TakeColumn(const char*& text) {
+  const Parsed<long> number = ParseLong(text);
+  text = number.end;
+  return std::max<long>(number.value, INT_MIN + 1L) - 1;
+}
+
+// The same for a value.
+float TakeValue(const char*& text) {
+  const Parsed<double> number = ParseDouble(text);
+  text = number.end;
+  return static_cast<float>(number.value);
+}
 
 [[noreturn]] void RefuseRowCount(int wanted, int found) {
   FatalError(
@@ -48,22 +62,22 @@ float ValueOf(const char* token) { return static_cast<float>(std::strtod(token, 
 
 // Stores the entries of one line from position `count` on and returns the count after them.
 // Entries beyond the header's number are counted but not stored.
-std::int64_t ReadSparseRow(char* line, int i, std::int64_t count, const MatrixHeader& header,
+std::int64_t ReadSparseRow(const char* line, int i, std::int64_t count, const MatrixHeader& header,
                            Matrix& mat) {
-  for (char* token = NextToken(line); token != nullptr; token = NextToken(line)) {
-    const long column = ColumnOf(token);
+  while (FindField(line)) {
+    const long column = TakeColumn(line);
     if (column >= header.ncols) {
       FatalError("Column number is greater than ncols. Ncols=%d, ColNum=%ld, Row=%d\n",
                  header.ncols, column, i);
     }
-    const char* value = NextToken(line);
-    if (value == nullptr) {
+    if (!FindField(line)) {
       FatalError("Value could not be found for column! Row:%d, NNZ:%lld\n", i,
                  static_cast<long long>(count));
     }
+    const float value = TakeValue(line);
     if (count < header.nnz) {
       mat.rowind[count] = static_cast<int>(column);
-      mat.rowval[count] = ValueOf(value);
+      mat.rowval[count] = value;
     }
     ++count;
   }
@@ -72,10 +86,11 @@ std::int64_t ReadSparseRow(char* line, int i, std::int64_t count, const MatrixHe
 
 // Stores the values of one line and returns how many there are; those beyond ncols are counted but
 // not stored.
-std::int64_t ReadDenseRow(char* line, int ncols, float* row) {
+std::int64_t ReadDenseRow(const char* line, int ncols, float* row) {
   std::int64_t count = 0;
-  for (char* token = NextToken(line); token != nullptr; token = NextToken(line)) {
-    if (count < ncols) row[count] = ValueOf(token);
+  while (FindField(line)) {
+    const float value = TakeValue(line);
+    if (count < ncols) row[count] = value;
     ++count;
   }
   return count;
@@ -121,7 +136,7 @@ void ReadSparseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat)
   std::int64_t count = 0;
   if (mat.rowptr) mat.rowptr[0] = 0;
   for (int i = 0; i < header.nrows; ++i) {
-    char* line = reader.NextStripped();
+    const char* line = reader.Next();
     if (line == nullptr) RefuseRowCount(header.nrows, i);
     count = ReadSparseRow(line, i, count, header, mat);
     mat.rowptr[i + 1] = static_cast<int>(std::min<std::int64_t>(count, header.nnz));
@@ -138,7 +153,7 @@ void ReadDenseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat) 
   const std::int64_t cells = static_cast<std::int64_t>(header.nrows) * header.ncols;
   mat.rowval = molva::AllocFloats(cells, "ReadMat: rowval");
   for (int i = 0; i < header.nrows; ++i) {
-    char* line = reader.NextStripped();
+    const char* line = reader.Next();
     if (line == nullptr) RefuseRowCount(header.nrows, i);
     const std::int64_t count =
         ReadDenseRow(line, header.ncols, mat.rowval.data() + std::int64_t{i} * header.ncols);

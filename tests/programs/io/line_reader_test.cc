@@ -2,8 +2,14 @@
 #include "programs/io/line_reader.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
-#include <cstdlib>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -15,7 +21,6 @@
 namespace {
 
 using mardle::LineReader;
-using mardle::NextToken;
 
 constexpr std::size_t kLongest = 131071;
 
@@ -34,20 +39,25 @@ std::vector<std::string> StrippedLines(const std::string& text) {
   return LinesOf(text, &LineReader::NextStripped);
 }
 
-std::vector<std::string> Tokens(std::string text) {
-  std::vector<std::string> tokens;
-  char* rest = text.data();
-  while (const char* token = NextToken(rest)) tokens.emplace_back(token);
-  return tokens;
+std::vector<std::string> LinesOfFgets(const std::string& text) {
+  const testing_support::TempFolder folder;
+  const molva::File file = molva::OpenFile(folder.Write("text", text).c_str(), "r");
+  std::vector<char> buffer(kLongest + 1);
+  std::vector<std::string> lines;
+  while (std::fgets(buffer.data(), static_cast<int>(buffer.size()), file.get()) != nullptr) {
+    std::string& line = lines.emplace_back(buffer.data());
+    if (line.ends_with('\n')) line.pop_back();
+  }
+  return lines;
 }
 
 using Texts = std::vector<std::string>;
 
-TEST(LineReader, GivesEachLineWithItsNewline) {
-  EXPECT_EQ(Lines("a b\n\nc\n"), (Texts{"a b\n", "\n", "c\n"}));
+TEST(LineReader, GivesEachLineWithoutItsNewline) {
+  EXPECT_EQ(Lines("a b\n\nc \n"), (Texts{"a b", "", "c "}));
 }
 
-TEST(LineReader, GivesALastLineThatHasNoNewline) { EXPECT_EQ(Lines("a\nb"), (Texts{"a\n", "b"})); }
+TEST(LineReader, GivesALastLineThatHasNoNewline) { EXPECT_EQ(Lines("a\nb"), (Texts{"a", "b"})); }
 
 TEST(LineReader, GivesNullForAnEmptyFile) { EXPECT_EQ(Lines(""), Texts{}); }
 
@@ -57,6 +67,16 @@ TEST(LineReader, GivesNullAgainAfterTheEnd) {
   LineReader reader(file.get());
   EXPECT_STREQ(reader.NextStripped(), "a");
   EXPECT_EQ(reader.NextStripped(), nullptr);
+  EXPECT_EQ(reader.Next(), nullptr);
+}
+
+TEST(LineReader, StaysAtTheEndOfAFileThatGrows) {
+  const testing_support::TempFolder folder;
+  const std::string path = folder.Write("text", "a");
+  const molva::File file = molva::OpenFile(path.c_str(), "r");
+  LineReader reader(file.get());
+  EXPECT_STREQ(reader.Next(), "a");
+  folder.Write("text", "a\nb\n");
   EXPECT_EQ(reader.Next(), nullptr);
 }
 
@@ -70,26 +90,83 @@ TEST(LineReader, GivesNullForAFolder) {
 
 TEST(LineReader, KeepsALineThatFitsWithItsNewlineWhole) {
   const std::string line(kLongest - 1, 'x');
-  EXPECT_EQ(Lines(line + "\ny\n"), (Texts{line + "\n", "y\n"}));
+  EXPECT_EQ(Lines(line + "\ny\n"), (Texts{line, "y"}));
 }
 
-// The newline no longer fits and comes as a line of its own.
+// The newline no longer fits and ends an empty line of its own.
 TEST(LineReader, SplitsTheNewlineOffALineThatFillsTheBuffer) {
   const std::string line(kLongest, 'x');
-  EXPECT_EQ(Lines(line + "\ny\n"), (Texts{line, "\n", "y\n"}));
+  EXPECT_EQ(Lines(line + "\ny\n"), (Texts{line, "", "y"}));
 }
 
 TEST(LineReader, SplitsALongLineAfterItsFirst131071Characters) {
   const std::string line(kLongest, 'x');
-  EXPECT_EQ(Lines(line + "z\n"), (Texts{line, "z\n"}));
-  EXPECT_EQ(Lines(line + "zz\ny"), (Texts{line, "zz\n", "y"}));
-  EXPECT_EQ(Lines(line + line + "z\n"), (Texts{line, line, "z\n"}));
+  EXPECT_EQ(Lines(line + "z\n"), (Texts{line, "z"}));
+  EXPECT_EQ(Lines(line + "zz\ny"), (Texts{line, "zz", "y"}));
+  EXPECT_EQ(Lines(line + line + "z\n"), (Texts{line, line, "z"}));
 }
 
 TEST(LineReader, EndsTheTextOfALineAtANulByte) {
   const std::string nul(1, '\0');
-  EXPECT_EQ(Lines("a" + nul + "b\nc\n"), (Texts{"a", "c\n"}));
+  EXPECT_EQ(Lines("a" + nul + "b\nc\n"), (Texts{"a", "c"}));
   EXPECT_EQ(StrippedLines(nul + "b\nc \n"), (Texts{"", "c"}));
+}
+
+// Texts longer than the buffer, so that lines of all lengths lie across its end.
+TEST(LineReader, CutsLinesWhereFgetsCutsThem) {
+  std::mt19937 random(1);
+  for (const std::size_t longest : {3U, 100U, 5000U, 100000U, 300000U}) {
+    for (int round = 0; round < 10; ++round) {
+      std::string text;
+      while (text.size() < 3 * kLongest) {
+        text += std::string(random() % longest, 'x') + "\n";
+        text[random() % text.size()] = random() % 2 == 0 ? '\0' : ' ';
+      }
+      if (round % 2 == 0) text.pop_back();
+      ASSERT_EQ(Lines(text), LinesOfFgets(text)) << longest << ", round " << round;
+    }
+  }
+}
+
+// Whoever writes to a pipe may wait for what its first lines bring about.
+TEST(LineReader, GivesALineBeforeThePipeHasMore) {
+  std::array<int, 2> ends;
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const auto write_text = [&ends](const std::string& text) {
+    ASSERT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  };
+  const molva::File file{std::unique_ptr<std::FILE, molva::CloseStream>(fdopen(ends[0], "r")), ""};
+  LineReader reader(file.get());
+  write_text("a\nb\nc");
+  EXPECT_STREQ(reader.Next(), "a");
+  EXPECT_STREQ(reader.Next(), "b");
+  write_text("d");
+  write_text("\n");
+  EXPECT_STREQ(reader.Next(), "cd");
+  write_text("e");
+  close(ends[1]);
+  EXPECT_STREQ(reader.Next(), "e");
+  EXPECT_EQ(reader.Next(), nullptr);
+}
+
+// The memory of this process as a file, read up to a page that is not there.
+TEST(LineReader, GivesNoLineThatAFailedReadCutsShort) {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  void* const block =
+      mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(block, MAP_FAILED);
+  char* const gap = static_cast<char*>(block) + page;
+  const std::string text = "1 5\n2 7";
+  text.copy(gap - text.size(), text.size());
+  ASSERT_EQ(munmap(gap, page), 0);
+  const molva::File file = molva::OpenFile("/proc/self/mem", "r");
+  ASSERT_TRUE(file);
+  const auto offset = static_cast<off_t>(reinterpret_cast<std::uintptr_t>(gap) - text.size());
+  ASSERT_EQ(lseek(fileno(file.get()), offset, SEEK_SET), offset);
+  LineReader reader(file.get());
+  EXPECT_STREQ(reader.Next(), "1 5");
+  EXPECT_EQ(reader.Next(), nullptr);
+  EXPECT_EQ(munmap(block, page), 0);
 }
 
 TEST(LineReader, NamesItsBufferWhenItCannotBeHad) {
@@ -108,21 +185,6 @@ TEST(StrippedLines, LoseTrailingBlanksTabsAndNewlines) {
 // Files with carriage returns keep them, so labels read from such files end with one.
 TEST(StrippedLines, KeepACarriageReturn) {
   EXPECT_EQ(StrippedLines("a\r\n\r\n"), (Texts{"a\r", "\r"}));
-}
-
-TEST(NextToken, SplitsAtBlanksAndTabs) {
-  EXPECT_EQ(Tokens("1 2\t3 \t 4"), (Texts{"1", "2", "3", "4"}));
-}
-
-TEST(NextToken, SkipsLeadingAndTrailingBlanks) { EXPECT_EQ(Tokens(" \t1  "), Texts{"1"}); }
-
-TEST(NextToken, FindsNoneInATextOfBlanks) {
-  EXPECT_EQ(Tokens(""), Texts{});
-  EXPECT_EQ(Tokens(" \t "), Texts{});
-}
-
-TEST(NextToken, TakesEveryOtherCharacterIntoTheToken) {
-  EXPECT_EQ(Tokens("1,5 a\rb\n"), (Texts{"1,5", "a\rb\n"}));
 }
 
 }  // namespace
