@@ -2,10 +2,11 @@
 #include "bench/corpus.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <map>
 #include <numeric>
 #include <random>
+#include <span>
 
 namespace bench {
 namespace {
@@ -28,6 +29,35 @@ std::vector<int> ShuffledColumns(Random& random, int ncols) {
   return order;
 }
 
+// The columns of a row, as drawn; some of them repeatedly.
+void DrawColumns(Random& random, const std::vector<int>& topic, std::span<int> columns) {
+  const auto ncols = static_cast<int>(topic.size());
+  bool on_topic = true;
+  for (int& column : columns) {
+    const std::size_t rank = ZipfRank(random, ncols);
+    column = on_topic ? topic[rank] : static_cast<int>(rank);
+    on_topic = !on_topic;
+  }
+}
+
+// Each column is stored once, with the number of its draws.
+void AppendRow(std::span<int> columns, Corpus& corpus) {
+  std::sort(columns.begin(), columns.end());
+  for (auto first = columns.begin(); first != columns.end();) {
+    const auto next = std::upper_bound(first, columns.end(), *first);
+    corpus.rowind.push_back(*first);
+    corpus.rowval.push_back(static_cast<float>(next - first));
+    first = next;
+  }
+  corpus.rowptr.push_back(static_cast<int>(corpus.rowind.size()));
+}
+
+void AppendNumber(std::int64_t number, char after, std::string& text) {
+  char digits[24];
+  text.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+  text += after;
+}
+
 }  // namespace
 
 Corpus MakeCorpus(const CorpusShape& shape) {
@@ -39,35 +69,37 @@ Corpus MakeCorpus(const CorpusShape& shape) {
   corpus.nrows = shape.nrows;
   corpus.ncols = shape.ncols;
   corpus.rowptr = {0};
+  std::vector<int> columns(static_cast<std::size_t>(shape.entries_per_row));
   for (int i = 0; i < shape.nrows; ++i) {
-    const std::vector<int>& topic = topics[random() % topics.size()];
-    std::map<int, int> counts;
-    for (int draw = 0; draw < shape.entries_per_row; ++draw) {
-      const bool on_topic = draw % 2 == 0;
-      const std::size_t rank = ZipfRank(random, shape.ncols);
-      ++counts[on_topic ? topic[rank] : static_cast<int>(rank)];
-    }
-    for (const auto& [column, count] : counts) {
-      corpus.rowind.push_back(column);
-      corpus.rowval.push_back(static_cast<float>(count));
-    }
-    corpus.rowptr.push_back(static_cast<int>(corpus.rowind.size()));
+    DrawColumns(random, topics[random() % topics.size()], columns);
+    AppendRow(columns, corpus);
   }
   return corpus;
 }
 
-std::string MatrixText(const Corpus& corpus) {
-  std::string text = std::to_string(corpus.nrows) + " " + std::to_string(corpus.ncols) + " " +
-                     std::to_string(corpus.entries()) + "\n";
-  for (int i = 0; i < corpus.nrows; ++i) {
-    const auto row = static_cast<std::size_t>(i);
-    for (int p = corpus.rowptr[row]; p < corpus.rowptr[row + 1]; ++p) {
-      const auto entry = static_cast<std::size_t>(p);
-      text += std::to_string(corpus.rowind[entry] + 1) + " " +
-              std::to_string(static_cast<int>(corpus.rowval[entry])) + " ";
-    }
-    text.back() = '\n';
+std::string HeaderLine(const Corpus& corpus) {
+  std::string line;
+  AppendNumber(corpus.nrows, ' ', line);
+  AppendNumber(corpus.ncols, ' ', line);
+  AppendNumber(corpus.entries(), '\n', line);
+  return line;
+}
+
+std::string RowLine(const Corpus& corpus, int i) {
+  std::string line;
+  const auto row = static_cast<std::size_t>(i);
+  for (int p = corpus.rowptr[row]; p < corpus.rowptr[row + 1]; ++p) {
+    const auto entry = static_cast<std::size_t>(p);
+    AppendNumber(corpus.rowind[entry] + 1, ' ', line);
+    AppendNumber(static_cast<int>(corpus.rowval[entry]), ' ', line);
   }
+  line.back() = '\n';
+  return line;
+}
+
+std::string MatrixText(const Corpus& corpus) {
+  std::string text = HeaderLine(corpus);
+  for (int i = 0; i < corpus.nrows; ++i) text += RowLine(corpus, i);
   return text;
 }
 

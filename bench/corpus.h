@@ -36,7 +36,9 @@ struct CorpusShape {
 // Zipf law over the topic's own shuffled order of them. Values are counts; columns increase.
 Corpus MakeCorpus(const CorpusShape& shape);
 
-// The corpus in the sparse matrix format.
+// The corpus in the sparse matrix format: its first line, the line of row i, and all of it.
+std::string HeaderLine(const Corpus& corpus);
+std::string RowLine(const Corpus& corpus, int i);
 std::string MatrixText(const Corpus& corpus);
 
 }  // namespace bench

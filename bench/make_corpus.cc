@@ -17,6 +17,9 @@ int main(int argc, char** argv) {
   if (argc > 2) shape.ncols = std::atoi(argv[2]);
   if (argc > 3) shape.entries_per_row = std::atoi(argv[3]);
   if (argc > 4) shape.seed = static_cast<std::uint32_t>(std::atoi(argv[4]));
-  std::fputs(bench::MatrixText(bench::MakeCorpus(shape)).c_str(), stdout);
-  return 0;
+  const bench::Corpus corpus = bench::MakeCorpus(shape);
+  // Line by line, as the text is larger than the matrix.
+  std::fputs(bench::HeaderLine(corpus).c_str(), stdout);
+  for (int i = 0; i < corpus.nrows; ++i) std::fputs(bench::RowLine(corpus, i).c_str(), stdout);
+  return std::fflush(stdout) == 0 ? 0 : 1;
 }
