@@ -3,13 +3,15 @@
 // Seeding, in entries per second, for two and more clusters.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
+#include <functional>
 #include <vector>
 
 #include "bench/corpus.h"
+#include "bench/paired.h"
 #include "lib/initial_clustering.h"
 #include "lib/prepare.h"
 #include "lib/support/random.h"
+#include "tests/testing/oracles.h"
 
 namespace {
 
@@ -18,16 +20,23 @@ void Seed(benchmark::State& state) {
   const bench::Corpus corpus = bench::MakeCorpus({.nrows = 5000});
   const molva::PreparedCopy copy =
       molva::MakePreparedCopy({.colmodel = molva::kColumnIdf}, corpus.raw(), "Bench");
-  std::vector<int> part(static_cast<std::size_t>(copy.mat->nrows));
-  for (auto _ : state) {
-    molva::SeedGenerator(1);
-    molva::InitialClustering(*copy.mat, nparts, part);
-  }
-  if (*std::max_element(part.begin(), part.end()) != nparts - 1) {
-    state.SkipWithError("a cluster is missing");
-  }
-  state.SetItemsProcessed(state.iterations() * molva::EntryCount(*copy.mat));
+  const auto seeded_by = [&](auto seeding) {
+    return [&, seeding] {
+      std::vector<int> part(static_cast<std::size_t>(copy.mat->nrows));
+      molva::SeedGenerators(1);
+      seeding(*copy.mat, nparts, part);
+      return part;
+    };
+  };
+  bench::RunPaired(state, molva::EntryCount(*copy.mat), seeded_by(molva::InitialClustering),
+                   seeded_by(testing_support::PlainSeeding), std::equal_to<>());
 }
-BENCHMARK(Seed)->Arg(2)->Arg(20)->Arg(100)->Unit(benchmark::kMillisecond);
+BENCHMARK(Seed)
+    ->Arg(2)
+    ->Arg(20)
+    ->Arg(100)
+    ->ArgName("clusters")
+    ->Unit(benchmark::kMillisecond)
+    ->UseManualTime();
 
 }  // namespace
