@@ -5,9 +5,10 @@
 #include <cstdio>
 #include <ranges>
 
+#include "lib/clear_merges.h"
 #include "lib/composites.h"
-#include "lib/criterion_terms.h"
 #include "lib/hac_pqueue.h"
+#include "lib/merge_gains.h"
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
@@ -58,23 +59,9 @@ void FillItems(const Merging& merging, Items& items) {
   }
 }
 
-// What an item adds to the criterion, and what merging two adds. A criterion that is minimised
-// enters negated, so that a larger gain is always a better merge and the criterion only grows by
-// the gains. The difference is negated as a whole: a gain of nothing then is -0.
-template <typename Term>
-struct Maximised {
-  static Wide Of(const ClusterMeasure& item) { return Term::Of(item); }
-  static Wide Gain(const ClusterMeasure& merged, const ClusterMeasure& i, const ClusterMeasure& j) {
-    return Term::Of(merged) - (Term::Of(i) + Term::Of(j));
-  }
-};
-template <typename Term>
-struct Minimised {
-  static Wide Of(const ClusterMeasure& item) { return -Term::Of(item); }
-  static Wide Gain(const ClusterMeasure& merged, const ClusterMeasure& i, const ClusterMeasure& j) {
-    return -Maximised<Term>::Gain(merged, i, j);
-  }
-};
+// Single precision tells about 10^8 gains of one magnitude apart. The best merges of some thousand
+// items lie so close that two of them are equal somewhere in most runs, and trying is time lost.
+constexpr int kMostClearItems = 4096;
 
 // A merge as the queue engine carries it out.
 struct Merge {
@@ -110,6 +97,8 @@ struct ActiveList {
 // The queue engine for one term.
 template <typename Value>
 class LocalGains {
+  using Term = typename Value::Term;
+
  public:
   LocalGains(const Control& control, const Merging& merging)
       : control_(control), merging_(merging) {
@@ -120,21 +109,24 @@ class LocalGains {
     items_.tsim = AllocFloats(n, "BuildSimHAC_LocalGains: tsim");
     active_.rowids = AllocInts(n, "BuildSimHAC_LocalGains: rowids");
     items_.smat = Array<float*>(n, "BuildSimHAC_LocalGains: smat");
+    terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: terms");
     FillItems(merging, items_);
-    for (int i = 0; i < n; ++i) imap_[i] = active_.rmap[i] = active_.rowids[i] = i;
+    for (int i = 0; i < n; ++i) {
+      terms_[i] = Term::Of(items_.Measure(i));
+      imap_[i] = active_.rmap[i] = active_.rowids[i] = i;
+    }
     active_.count = n;
   }
 
   void Run() {
     FillQueue();
-    for (int i = 0; i < merging_.n; ++i) crvalue_ += Value::Of(items_.Measure(i));
+    for (int i = 0; i < merging_.n; ++i) crvalue_ += Value::Signed(terms_[i]);
     for (int node = merging_.n; active_.count >= 2; ++node) MergeBest(node);
   }
 
  private:
   float Gain(int i, int j) const {
-    return static_cast<float>(
-        Value::Gain(items_.Merged(i, j), items_.Measure(i), items_.Measure(j)));
+    return static_cast<float>(Value::Gain(Term::Of(items_.Merged(i, j)), terms_[i], terms_[j]));
   }
 
   void FillQueue() {
@@ -163,6 +155,7 @@ class LocalGains {
     ReportMerge(control_, items_, imap_, merge, node, crvalue_);
     Record(merge, node);
     items_.Fold(merge.i, merge.j, active_.items());
+    terms_[merge.i] = Term::Of(items_.Measure(merge.i));
     imap_[merge.i] = node;
     active_.Remove(merge.j);
     Requeue(merge);
@@ -192,6 +185,7 @@ class LocalGains {
   const Control& control_;
   const Merging& merging_;
   Items items_;
+  Array<Wide> terms_;
   Array<int> imap_;  // the node that each item stands for
   ActiveList active_;
   HACPQueue queue_;
@@ -215,10 +209,12 @@ class RatioGains {
     rowids_ = AllocInts(n, "BuildSimHAC_I1I2E1G1G1P: rowids");
     items_.smat = Array<float*>(n, "BuildSimHAC_I1I2E1G1G1P: smat");
     FillItems(merging, items_);
-    for (int i = 0; i < n; ++i) rowids_[i] = i;
+    terms_ = Array<Sums>(n, "BuildSimHAC_I1I2E1G1G1P: terms");
     for (int i = 0; i < n; ++i) {
-      sums_.numerator += Numerator::Of(items_.Measure(i));
-      sums_.denominator += E1Term::Of(items_.Measure(i));
+      rowids_[i] = i;
+      terms_[i] = TermsOf(items_.Measure(i));
+      sums_.numerator += terms_[i].numerator;
+      sums_.denominator += terms_[i].denominator;
     }
   }
 
@@ -228,35 +224,39 @@ class RatioGains {
 
  private:
   struct Sums {
-    Wide numerator = 0;
-    Wide denominator = 0;
+    Wide numerator;
+    Wide denominator;
     Wide Ratio() const { return numerator / denominator; }
   };
 
-  template <typename Term>
-  Wide Change(int i, int j) const {
-    return Term::Of(items_.Merged(i, j)) - Term::Of(items_.Measure(i)) -
-           Term::Of(items_.Measure(j));
+  static Sums TermsOf(const ClusterMeasure& item) {
+    return {Numerator::Of(item), E1Term::Of(item)};
   }
 
   Sums After(int i, int j) const {
-    return {sums_.numerator + Change<Numerator>(i, j), sums_.denominator + Change<E1Term>(i, j)};
+    const Sums merged = TermsOf(items_.Merged(i, j));
+    return {
+        sums_.numerator + (merged.numerator - terms_[i].numerator - terms_[j].numerator),
+        sums_.denominator + (merged.denominator - terms_[i].denominator - terms_[j].denominator)};
   }
 
   // The first pair of the largest ratio.
   void MergeBest(int node) {
     int best_i = 0, best_j = 1;
     Sums best = After(best_i, best_j);
+    Wide best_ratio = best.Ratio();
     for (int i = 0; i < active_; ++i) {
       for (int j = i + 1; j < active_; ++j) {
         const Sums after = After(i, j);
-        if (!(after.Ratio() > best.Ratio())) continue;
+        const Wide ratio = after.Ratio();
+        if (!(ratio > best_ratio)) continue;
         best_i = i;
         best_j = j;
         best = after;
+        best_ratio = ratio;
       }
     }
-    Record(best_i, best_j, node, best.Ratio(), best.Ratio() - sums_.Ratio());
+    Record(best_i, best_j, node, best_ratio, best_ratio - sums_.Ratio());
     sums_ = best;
     Join(best_i, best_j, node);
   }
@@ -277,6 +277,7 @@ class RatioGains {
   // Slot j is folded into slot i and the last slot moves into its place: row, column, the rest.
   void Join(int i, int j, int node) {
     items_.Fold(i, j, std::views::iota(0, active_));
+    terms_[i] = TermsOf(items_.Measure(i));
     rowids_[i] = node;
 
     const int last = --active_;
@@ -284,6 +285,7 @@ class RatioGains {
     for (int k = 0; k <= last; ++k) items_.smat[k][j] = items_.smat[k][last];
     items_.tsim[j] = items_.tsim[last];
     items_.pwgts[j] = items_.pwgts[last];
+    terms_[j] = terms_[last];
     rowids_[j] = rowids_[last];
   }
 
@@ -292,7 +294,8 @@ class RatioGains {
   int active_;
   Items items_;
   Array<int> rowids_;  // the node that each active slot stands for
-  Sums sums_;
+  Array<Sums> terms_;
+  Sums sums_{0, 0};
 };
 
 [[noreturn]] void RefuseCode(int crfun) {
@@ -314,6 +317,10 @@ void BuildSimHAC(const Control& control, const Merging& merging) {
 }
 
 void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
+  // A run that reports on its queue has one.
+  const bool reports =
+      HasDebugBit(control, kDebugClustering) || HasDebugBit(control, kDebugMerging);
+  if (!reports && merging.n <= kMostClearItems && MergeWhileClear(control.crfun, merging)) return;
   switch (control.crfun) {
     case 1:
       return RunLocalGains<Maximised<I1Term>>(control, merging);
