@@ -2,6 +2,7 @@
 #include "lib/clear_merges.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -97,10 +98,18 @@ constexpr int kRetired = -1;
 // Slots are closed up when more than these and an eighth of all are empty.
 constexpr std::size_t kFewRetired = 8;
 
+// Several maxima side by side, since one alone would wait for each comparison.
 float LargestOf(std::span<const float> x) {
-  float largest = -kInfinity;
-  for (const float element : x) largest = std::max(largest, element);
-  return largest;
+  std::array<float, 8> largest;
+  largest.fill(-kInfinity);
+  std::size_t first = 0;
+  for (; first + largest.size() <= x.size(); first += largest.size()) {
+    for (std::size_t lane = 0; lane < largest.size(); ++lane) {
+      largest[lane] = std::max(largest[lane], x[first + lane]);
+    }
+  }
+  for (; first < x.size(); ++first) largest[0] = std::max(largest[0], x[first]);
+  return *std::max_element(largest.begin(), largest.end());
 }
 
 template <typename Value>
