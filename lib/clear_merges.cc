@@ -20,6 +20,7 @@ namespace molva {
 namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr double kLargest = std::numeric_limits<float>::max();
 constexpr double kUnit = 0x1p-53;  // half the distance from 1 to the next double
 
 // The matrix is visited in square tiles, so that the transposed half comes from the cache as well.
@@ -93,7 +94,7 @@ struct Slots {
 constexpr int kUnknown = -1;
 constexpr int kTied = -2;
 
-constexpr int kRetired = -1;
+constexpr int kRetired = -1;  // in place of a slot's new number
 
 // Slots are closed up when more than these and an eighth of all are empty.
 constexpr std::size_t kFewRetired = 8;
@@ -164,7 +165,8 @@ class ClearMerges {
   }
 
   // most_[j] = what the gain of items i and j can be at most, for the first n items, whose products
-  // with i are given. Infinite where the bound does not hold.
+  // with i are given. Infinite where the bound does not hold or is no float; minus infinity for
+  // retired items alone.
   //
   // The bound, with u = kUnit. Rough squared lengths round twice, by u times the sum of the
   // magnitudes each, which is at most 16 times the result: 32 u. The terms round at most five times
@@ -185,7 +187,7 @@ class ClearMerges {
       const double magnitudes = std::abs(merged) + std::abs(term) + std::abs(other_term);
       const double most = Value::Gain(merged, term, other_term) + 64 * kUnit * magnitudes;
       const double summands = std::abs(square) + std::abs(other) + std::abs(product);
-      const bool holds = summands <= 16 * squared_length && most < kInfinity;
+      const bool holds = summands <= 16 * squared_length && std::abs(most) < kLargest;
       most_[j] = holds ? static_cast<float>(most) : kInfinity;
     }
     for (const int slot : retired_) most_[slot] = -kInfinity;

@@ -223,6 +223,18 @@ TEST(ClearMerging, GivesUpWhenAGainIsNotANumber) {
   for (int crfun = 1; crfun <= 5; ++crfun) EXPECT_FALSE(WentThrough(crfun, products)) << crfun;
 }
 
+// G1' of items of next to no length is beyond single precision: their gains are infinite.
+TEST(ClearMerging, GivesUpWhenAGainIsBeyondSinglePrecision) {
+  Products products = RandomProducts(4, 6, 1U << 16);
+  products.pwgts.assign(6, 30000);
+  for (const std::size_t i : {1U, 2U}) {
+    products.SetBoth(i, i, 1e-42F);
+    products.SetBoth(i, 5, 1e3F);
+  }
+  products.SetBoth(1, 2, 0);
+  EXPECT_FALSE(WentThrough(5, products));
+}
+
 TEST(ClearMerging, GivesUpWhenTheMatrixIsNotSymmetricToTheLastBit) {
   Products products = RandomProducts(4, 20, 1U << 16);
   products.At(11, 3) = std::nextafter(products.At(11, 3), 0.0F);
