@@ -23,7 +23,7 @@ void Seed(benchmark::State& state) {
   const auto seeded_by = [&](auto seeding) {
     return [&, seeding] {
       std::vector<int> part(static_cast<std::size_t>(copy.mat->nrows));
-      molva::SeedGenerators(1);
+      testing_support::SeedBoth(1);
       seeding(*copy.mat, nparts, part);
       return part;
     };

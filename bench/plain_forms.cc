@@ -154,7 +154,7 @@ template <typename Method>
 std::vector<int> Clustering(const Corpus& corpus, const Trials& trials, int nparts, Method method) {
   const molva::PreparedCopy copy =
       molva::MakePreparedCopy(ControlOf(trials), corpus.raw(), "PlainClustering");
-  molva::SeedGenerators(trials.seed);
+  testing_support::SeedBoth(trials.seed);
   std::vector<int> prepared_part = method(trials, *copy.mat, nparts);
   molva::ReorderClusters(*copy.mat, nparts, prepared_part);
   std::vector<int> part(static_cast<std::size_t>(corpus.nrows), -1);

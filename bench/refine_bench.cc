@@ -31,7 +31,7 @@ void RefineOnePass(benchmark::State& state) {
   const auto refined_by = [&](auto refinement) {
     return [&, refinement] {
       std::vector<int> part = start;
-      molva::SeedGenerators(2);
+      testing_support::SeedBoth(2);
       const float quality = refinement(part);
       return std::pair(std::move(part), quality);
     };
