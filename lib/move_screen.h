@@ -71,6 +71,11 @@ class MoveScreen {
     c.terms = Objective::RoughTermsOf(c.measure);
   }
 
+  // Row i will be visited soon.
+  void AskFor(int i) const {
+    if (memory_) memory_.AskFor(i);
+  }
+
   // Whether all moves of row i out of its cluster are hopeless by what is remembered of it.
   bool IsSettled(const Objective& objective, int i, const RowSize& size, int from) const {
     if (!memory_) return false;

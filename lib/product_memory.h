@@ -34,6 +34,12 @@ class ProductMemory {
   }
   explicit operator bool() const { return static_cast<bool>(kept_); }
 
+  // Row i will be looked up soon.
+  void AskFor(int i) const {
+    constexpr std::size_t kCacheLine = 64 / sizeof(float);
+    for (std::size_t k = 0; k < width_; k += kCacheLine) __builtin_prefetch(Of(i) + k);
+  }
+
   // Keeps the products of row i, which stands in cluster `from`, under drifts indexed like them.
   template <typename Drift>
   void Keep(int i, const RowSize& row, int from, const double* products, Drift drift) {

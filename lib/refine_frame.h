@@ -89,6 +89,7 @@ class KWayRefinement {
     for (int j = 0; j < mat_.nrows; ++j) {
       const int i = perm_[j];
       AskForRows(mat_, perm_, j);
+      if (j + kRowsAhead < mat_.nrows) screen_.AskFor(perm_[j + kRowsAhead]);
       // Rows leave only clusters of three or more, so no pair is broken up.
       if (pwgts_[part_[static_cast<std::size_t>(i)]] > 2) moves += Visit(i);
     }
