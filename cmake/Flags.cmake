@@ -22,4 +22,6 @@ function(mardle_target target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PRIVATE mardle_warnings mardle_sanitizers)
+  set_target_properties(${target} PROPERTIES
+    C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()

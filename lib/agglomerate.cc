@@ -10,6 +10,7 @@
 #include "lib/hac_pqueue.h"
 #include "lib/merge_gains.h"
 #include "lib/molva.h"
+#include "lib/progress.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
 #include "lib/support/tree_arrays.h"
@@ -121,7 +122,10 @@ class LocalGains {
   void Run() {
     FillQueue();
     for (int i = 0; i < merging_.n; ++i) crvalue_ += Value::Signed(terms_[i]);
-    for (int node = merging_.n; active_.count >= 2; ++node) MergeBest(node);
+    for (int node = merging_.n; active_.count >= 2; ++node) {
+      Poll();
+      MergeBest(node);
+    }
   }
 
  private:
@@ -219,7 +223,10 @@ class RatioGains {
   }
 
   void Run() {
-    for (int node = merging_.n; active_ > 1; ++node) MergeBest(node);
+    for (int node = merging_.n; active_ > 1; ++node) {
+      Poll();
+      MergeBest(node);
+    }
   }
 
  private:

@@ -13,6 +13,7 @@
 
 #include "lib/composites.h"
 #include "lib/merge_gains.h"
+#include "lib/progress.h"
 #include "lib/support/alloc.h"
 #include "lib/support/vectors.h"
 
@@ -139,10 +140,12 @@ class ClearMerges {
 
   bool Run() {
     for (int i = 1; i < items_.count; ++i) {
+      Poll();
       FindMost(i, items_.Row(i), i);
       bounds_[i] = LargestOf({most_.data(), static_cast<std::size_t>(i)});
     }
     for (int node = merging_.n; node <= 2 * merging_.n - 2; ++node) {
+      Poll();
       if (retired_.size() > kFewRetired + static_cast<std::size_t>(items_.count) / 8) Compact();
       const int j = FindBest();
       if (j < 0) {

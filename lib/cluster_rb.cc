@@ -5,6 +5,7 @@
 
 #include "lib/molva.h"
 #include "lib/prepare.h"
+#include "lib/progress.h"
 #include "lib/refine.h"
 #include "lib/reorder_clusters.h"
 #include "lib/row_sizes.h"
@@ -45,6 +46,7 @@ void PartitionMatRecursive(const Control& control, const PreparedMatrix& mat, in
   std::fill(part.begin(), part.end(), 0);
   for (int ncl = 1; ncl < nparts; ++ncl) {
     Bisect(control, mat, SelectACluster(ncl, part), ncl, part);
+    ReportBisection(ncl, nparts - 1);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "lib/lanes.h"
+#include "lib/progress.h"
 #include "lib/row_sizes.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
@@ -176,6 +177,7 @@ void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> par
     const RowView row = Row(mat, perm[j]);
     const RowSize size = SizeOfRow(mat, perm[j]);
     AskForRows(mat, perm, j);
+    if (j % kPollInterval == 0) Poll();
     int& place = part[static_cast<std::size_t>(perm[j])];
     if (j < nparts) {
       Seed(row, size, j, clusters);

@@ -35,9 +35,10 @@
  *   (left) and ftree[2x+1] (right), -1 where absent. nfeatures-long lists of columns hold the
  *   caller's column numbers, best first, -1 in slots without a column.
  *
- *   Errors. Every error prints a message to standard error and ends the process with status 0: an
- *   unknown code, a block that cannot be had (the message names it), a column outside 0 to
- *   ncols-1, a rowptr that decreases, fewer rows than clusters, no trial to keep.
+ *   Errors. Unless a handler says otherwise, every error prints a message to standard error and
+ *   ends the process with status 0: an unknown code, a block that cannot be had (the message names
+ * it), a column outside 0 to ncols-1, a rowptr that decreases, fewer rows than clusters, no trial
+ * to keep.
  *
  *   Numbers. Stored results are single precision, sums behind them are wider. The same arguments
  *   give the same bits on every build.
@@ -45,15 +46,87 @@
 #ifndef MOLVA_H_
 #define MOLVA_H_
 
+#include <stddef.h>
+
+#if defined(__GNUC__)
+#define MOLVA_API __attribute__((visibility("default")))
+#else
+#define MOLVA_API
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* The version of this header, and of the library at hand, as "1.5.0". */
+#define MOLVA_VERSION "1.5.0"
+MOLVA_API const char* MOLVA_Version(void);
+
+/* The codes that the entry points take. */
+enum MOLVA_Similarity { MOLVA_SIM_COSINE = 1, MOLVA_SIM_CORRELATION = 2 };
+enum MOLVA_Criterion {
+  MOLVA_CRFUN_I1 = 1,
+  MOLVA_CRFUN_I2 = 2,
+  MOLVA_CRFUN_E1 = 3,
+  MOLVA_CRFUN_G1 = 4,
+  MOLVA_CRFUN_G1P = 5, /* G1' */
+  MOLVA_CRFUN_H1 = 6,
+  MOLVA_CRFUN_H2 = 7,
+  MOLVA_CRFUN_G3 = 8,
+  MOLVA_CRFUN_H3 = 9
+};
+enum MOLVA_RowModel {
+  MOLVA_ROW_NONE = 1,
+  MOLVA_ROW_MAXTF = 2,
+  MOLVA_ROW_SQRT = 3,
+  MOLVA_ROW_LOG = 4
+};
+enum MOLVA_ColumnModel { MOLVA_COL_NONE = 1, MOLVA_COL_IDF = 2 };
+enum MOLVA_TreeType { MOLVA_TREE_CLUSTERS = 1, MOLVA_TREE_ROWS = 2 };
+/* Bits of dbglvl: what is told on standard output while it happens. */
+enum MOLVA_Debug { MOLVA_DBG_CLUSTERING = 1, MOLVA_DBG_REFINEMENT = 2, MOLVA_DBG_MERGING = 4 };
+
+/* Errors that do not end the process.
+ *
+ * A handler receives the message of an error and must not return: it may throw a C++ exception,
+ * which passes through the library and releases all that the call had allocated; results written
+ * before the error are not to be used. Returns the handler that was in place; null stands for the
+ * default, which prints the message to standard error and ends the process with status 0. There is
+ * one handler for the whole process. */
+typedef void (*MOLVA_ErrorHandler)(const char* message);
+MOLVA_API MOLVA_ErrorHandler MOLVA_SetErrorHandler(MOLVA_ErrorHandler handler);
+
+/* The same for callers in C: calls function(argument) and returns 0, or, when an entry point called
+ * in it meets an error, non-zero at once. The handler is not called then, and the part of the
+ * function that follows the error is not run.
+ *
+ *   message  size bytes or null, written: the message, cut to fit and ended by a NUL; "" on success
+ *
+ * Errors of other threads are not caught. Calls may be nested. */
+MOLVA_API int MOLVA_Try(void (*function)(void* argument), void* argument, char* message,
+                        size_t size);
+
+/* Progress, and a way to stop. The hook is called by MOLVA_VP_ClusterRB, MOLVA_VP_ClusterDirect and
+ * the entry points that merge, in the thread that set it and for calls of that thread only. When it
+ * returns non-zero the run ends as on an error, "The run was interrupted.". A null hook removes it.
+ *
+ *   event        what happened
+ *   done, total  how many of them are done, of how many; 0 for polls
+ *   data         as given */
+typedef enum MOLVA_Event {
+  MOLVA_EVENT_BISECTION = 1, /* a cluster was split in two */
+  MOLVA_EVENT_TRIAL = 2,     /* one start of a clustering, or of the splitting of one cluster */
+  MOLVA_EVENT_POLL = 3       /* a fraction of a second has passed, more or less */
+} MOLVA_Event;
+typedef int (*MOLVA_ProgressHook)(MOLVA_Event event, int done, int total, void* data);
+MOLVA_API void MOLVA_SetProgressHook(MOLVA_ProgressHook hook, void* data);
 
 /* Clusters the rows into nparts clusters by nparts-1 bisections: each splits the cluster with the
  * most rows, taking the best of ntrials two-way clusterings, each improved by at most niter
  * refinement passes under the criterion crfun.
  *
- *   seed    seeds srand and srand48; the same seed gives the same clustering
+ *   seed    starts the sequence of srand48 and drand48, in a state of the library's own; the same
+ *           seed gives the same clustering
  *   refine  non-zero: the finished clustering is refined once more as a whole
  *   dbglvl  1: clustering progress, 2: refinement progress, on standard output; values add
  *   part    nrows ints, written: clusters numbered by falling internal minus external similarity,
@@ -61,18 +134,18 @@ extern "C" {
  *
  * With nparts 1 no trial is made. Ends the run when nparts is below 1 or, from 2 on, above the
  * number of prepared rows, and when ntrials is below 1 and a trial is needed. */
-void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowind,
-                        const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
-                        float prune, int ntrials, int niter, int seed, int refine, int dbglvl,
-                        int nparts, int* part);
+MOLVA_API void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                  const float* rowval, int simfun, int crfun, int rowmodel,
+                                  int colmodel, float prune, int ntrials, int niter, int seed,
+                                  int refine, int dbglvl, int nparts, int* part);
 
 /* Clusters the rows into nparts clusters at once: the best of ntrials k-way clusterings, each
  * improved by at most niter refinement passes. Arguments, results and limits as for
  * MOLVA_VP_ClusterRB, without the final refinement; a trial is always needed. */
-void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* rowind,
-                            const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
-                            float prune, int ntrials, int niter, int seed, int dbglvl, int nparts,
-                            int* part);
+MOLVA_API void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                      const float* rowval, int simfun, int crfun, int rowmodel,
+                                      int colmodel, float prune, int ntrials, int niter, int seed,
+                                      int dbglvl, int nparts, int* part);
 
 /* Measures every cluster and every row of a clustering.
  *
@@ -89,11 +162,11 @@ void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* 
  *
  * Clusters of one row, empty clusters and a cluster of all rows divide by zero; the results are
  * then infinite or not-a-number. */
-void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int* rowind,
-                             const float* rowval, int simfun, int rowmodel, int colmodel,
-                             float colprune, int nparts, const int* part, int* pwgts,
-                             float* cintsim, float* cintsdev, float* izscores, float* cextsim,
-                             float* cextsdev, float* ezscores);
+MOLVA_API void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                       const float* rowval, int simfun, int rowmodel, int colmodel,
+                                       float colprune, int nparts, const int* part, int* pwgts,
+                                       float* cintsim, float* cintsdev, float* izscores,
+                                       float* cextsim, float* cextsdev, float* ezscores);
 
 /* Returns the value of criterion crfun for a clustering, sums over the clusters:
  *
@@ -103,9 +176,10 @@ void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int*
  *   H1   I1 / E1        H2   I2 / E1   G3   I2 * I1^(1/4)
  *
  * I1, I2, H1, H2 and G3 are better when larger, the others when smaller. */
-float MOLVA_V_GetSolutionQuality(int nrows, int ncols, const int* rowptr, const int* rowind,
-                                 const float* rowval, int simfun, int crfun, int rowmodel,
-                                 int colmodel, float colprune, int nparts, const int* part);
+MOLVA_API float MOLVA_V_GetSolutionQuality(int nrows, int ncols, const int* rowptr,
+                                           const int* rowind, const float* rowval, int simfun,
+                                           int crfun, int rowmodel, int colmodel, float colprune,
+                                           int nparts, const int* part);
 
 /* Names the columns of every cluster: those that describe it and those that tell it from the rest.
  * Every output has nparts lists of nfeatures slots, cluster k's from k*nfeatures on.
@@ -116,11 +190,12 @@ float MOLVA_V_GetSolutionQuality(int nrows, int ncols, const int* rowptr, const 
  *
  * With more slots than prepared columns the surplus ids are -1 and their weights are not written.
  * A zero composite, or a cluster of all rows, gives weights that are not numbers. */
-void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
-                                const float* rowval, int simfun, int rowmodel, int colmodel,
-                                float colprune, int nparts, const int* part, int nfeatures,
-                                int* internalids, float* internalwgts, int* externalids,
-                                float* externalwgts);
+MOLVA_API void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr,
+                                          const int* rowind, const float* rowval, int simfun,
+                                          int rowmodel, int colmodel, float colprune, int nparts,
+                                          const int* part, int nfeatures, int* internalids,
+                                          float* internalwgts, int* externalids,
+                                          float* externalwgts);
 
 /* Builds a tree by merging, always the merge that is best for criterion crfun (1 to 7; codes 8 and
  * 9 end the run).
@@ -136,17 +211,18 @@ void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr, const i
  *
  * A complete tree needs a cluster for every prepared row, a cluster of at most 65,536 rows, and
  * memory for the square of the largest cluster; a tree over clusters at most 65,536 clusters. */
-void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowind,
-                       const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
-                       float colprune, int treetype, int dbglvl, int nparts, const int* part,
-                       int* ptree, float* tsims);
+MOLVA_API void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                 const float* rowval, int simfun, int crfun, int rowmodel,
+                                 int colmodel, float colprune, int treetype, int dbglvl, int nparts,
+                                 const int* part, int* ptree, float* tsims);
 
 /* Clusters the rows by merging alone: a tree over all rows under criterion crfun (1 to 7), cut into
  * nparts clusters. part has nrows elements, ptree and tsims 2*nrows, tsims 0 at leaves. Needs
  * memory for the square of the number of rows, of which there may be 65,536. */
-void MOLVA_VA_Cluster(int nrows, int ncols, const int* rowptr, const int* rowind,
-                      const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
-                      float colprune, int dbglvl, int nparts, int* part, int* ptree, float* tsims);
+MOLVA_API void MOLVA_VA_Cluster(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                const float* rowval, int simfun, int crfun, int rowmodel,
+                                int colmodel, float colprune, int dbglvl, int nparts, int* part,
+                                int* ptree, float* tsims);
 
 /* The same over n items with a ready matrix.
  *
@@ -156,8 +232,9 @@ void MOLVA_VA_Cluster(int nrows, int ncols, const int* rowptr, const int* rowind
  *   part      n ints, written: clusters 0 to nparts-1
  *   ptree, tsims, gains  2n elements, written; gains[x] is what merge x added to the criterion
  *             (negated for the minimised ones), at internal nodes only */
-void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handling, int dbglvl,
-                      int nparts, int* part, int* ptree, float* tsims, float* gains);
+MOLVA_API void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handling,
+                                int dbglvl, int nparts, int* part, int* ptree, float* tsims,
+                                float* gains);
 
 /* Measures the nodes of a tree over the clusters (MOLVA_V_BuildTree, treetype 1). Outputs have
  * 2*nparts elements.
@@ -165,19 +242,19 @@ void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handl
  *   pwgts  rows below each node
  *   isims  D_x.D_x / n_x^2, the average similarity of two rows below the node
  *   xsims  D_a.D_b / (n_a n_b) for siblings a and b; 0 at the root */
-void MOLVA_V_GetTreeStats(int nrows, int ncols, const int* rowptr, const int* rowind,
-                          const float* rowval, int simfun, int rowmodel, int colmodel,
-                          float colprune, int nparts, const int* part, const int* ptree, int* pwgts,
-                          float* isims, float* xsims);
+MOLVA_API void MOLVA_V_GetTreeStats(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                    const float* rowval, int simfun, int rowmodel, int colmodel,
+                                    float colprune, int nparts, const int* part, const int* ptree,
+                                    int* pwgts, float* isims, float* xsims);
 
 /* Names the columns of the nodes of a tree over the clusters. Outputs have 2*nparts lists of
  * nfeatures slots. Descriptive lists are as for clusters; what tells two siblings apart is written
  * for the second one (the higher-numbered) only, other discriminating lists are not written. */
-void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
-                             const float* rowval, int simfun, int rowmodel, int colmodel,
-                             float colprune, int nparts, const int* part, const int* ptree,
-                             int nfeatures, int* internalids, float* internalwgts, int* externalids,
-                             float* externalwgts);
+MOLVA_API void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                       const float* rowval, int simfun, int rowmodel, int colmodel,
+                                       float colprune, int nparts, const int* part,
+                                       const int* ptree, int nfeatures, int* internalids,
+                                       float* internalwgts, int* externalids, float* externalwgts);
 
 /* Choose the left and the right child of every node of a tree of n leaves (rows, clusters) so that
  * neighbouring subtrees are as similar as possible, the heaviest placed first. ptree is read, ftree
@@ -188,28 +265,29 @@ void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int*
  *             floats whose leaf block is filled, overwritten
  *
  * MOLVA_V_TreeReorder takes a tree over the rows and does nothing when preparation drops a row. */
-void MOLVA_S_TreeReorder(int n, const int* wgts, float* smat, int handling, int dbglvl,
-                         const int* ptree, int* ftree);
-void MOLVA_V_TreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
-                         const float* rowval, int simfun, int rowmodel, int colmodel,
-                         float colprune, int dbglvl, const int* ptree, int* ftree);
-void MOLVA_V_ClusterTreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
-                                const float* rowval, int simfun, int rowmodel, int colmodel,
-                                float colprune, int dbglvl, int nparts, const int* part,
-                                const int* ptree, int* ftree);
+MOLVA_API void MOLVA_S_TreeReorder(int n, const int* wgts, float* smat, int handling, int dbglvl,
+                                   const int* ptree, int* ftree);
+MOLVA_API void MOLVA_V_TreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                   const float* rowval, int simfun, int rowmodel, int colmodel,
+                                   float colprune, int dbglvl, const int* ptree, int* ftree);
+MOLVA_API void MOLVA_V_ClusterTreeReorder(int nrows, int ncols, const int* rowptr,
+                                          const int* rowind, const float* rowval, int simfun,
+                                          int rowmodel, int colmodel, float colprune, int dbglvl,
+                                          int nparts, const int* part, const int* ptree,
+                                          int* ftree);
 
 /* Hands out the prepared matrix: its counts, its arrays in row-compressed form, and the maps back.
  * rperm (nrows ints) receives the caller's row of each prepared row, cperm (ncols ints) the
  * caller's column of each prepared column. The three arrays belong to the caller, who releases each
  * with MOLVA_Free. */
-void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int* rowind,
-                             const float* rowval, int simfun, int rowmodel, int colmodel,
-                             float colprune, int* prepared_nrows, int* prepared_ncols,
-                             int** prepared_rowptr, int** prepared_rowind, float** prepared_rowval,
-                             int* rperm, int* cperm);
+MOLVA_API void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                       const float* rowval, int simfun, int rowmodel, int colmodel,
+                                       float colprune, int* prepared_nrows, int* prepared_ncols,
+                                       int** prepared_rowptr, int** prepared_rowind,
+                                       float** prepared_rowval, int* rperm, int* cperm);
 
 /* Releases an array that the library handed out; null is ignored. */
-void MOLVA_Free(void* array);
+MOLVA_API void MOLVA_Free(void* array);
 
 #ifdef __cplusplus
 }

@@ -17,6 +17,7 @@
 #include "lib/lanes.h"
 #include "lib/move_screen.h"
 #include "lib/prepared_matrix.h"
+#include "lib/progress.h"
 #include "lib/row_sizes.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
@@ -89,6 +90,7 @@ class KWayRefinement {
     for (int j = 0; j < mat_.nrows; ++j) {
       const int i = perm_[j];
       AskForRows(mat_, perm_, j);
+      if (j % kPollInterval == 0) Poll();
       if (j + kRowsAhead < mat_.nrows) screen_.AskFor(perm_[j + kRowsAhead]);
       // Rows leave only clusters of three or more, so no pair is broken up.
       if (pwgts_[part_[static_cast<std::size_t>(i)]] > 2) moves += Visit(i);

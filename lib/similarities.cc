@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "lib/composites.h"
+#include "lib/progress.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 
@@ -68,6 +69,7 @@ void ComputeRowSimilarities(const Control& control, PreparedMatrix& mat, float* 
   CreateColMat(mat);
   for (int i = 0; i < mat.nrows; ++i) {
     ReportRow(control, i);
+    Poll();
     float* products = smat + static_cast<std::size_t>(i) * stride;
     std::fill_n(products, mat.nrows, 0.0F);
     AddRowProducts(mat, i, products);

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "lib/initial_clustering.h"
+#include "lib/progress.h"
 #include "lib/refine.h"
 #include "lib/support/fatal.h"
 
@@ -46,6 +47,7 @@ void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts,
       best = quality;
       std::copy(part.begin(), part.end(), bpart.begin());
     }
+    ReportTrial(trial + 1, control.ntrials);
   }
   std::copy(bpart.begin(), bpart.end(), part.begin());
   ReportEnd(control, texts.lead, best);

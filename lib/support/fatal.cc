@@ -19,6 +19,8 @@ void PrintAndExit(const char* message) {
 
 FatalHandler current_handler = PrintAndExit;
 
+thread_local int throwing_scopes = 0;
+
 // Messages quote file names and values of any length, so the text is sized before it is made.
 std::string FormatMessage(const char* format, std::va_list arguments) {
   std::va_list measured;
@@ -38,9 +40,13 @@ void FatalError(const char* format, ...) {
   va_start(arguments, format);
   const std::string message = FormatMessage(format, arguments);
   va_end(arguments);
+  if (throwing_scopes > 0) throw ThrownError(message);
   current_handler(message.c_str());
   std::abort();  // Only a handler that breaks its promise comes here.
 }
+
+CatchableErrors::CatchableErrors() { ++throwing_scopes; }
+CatchableErrors::~CatchableErrors() { --throwing_scopes; }
 
 FatalHandler SetFatalHandler(FatalHandler handler) {
   const FatalHandler replaced = current_handler;

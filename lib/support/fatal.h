@@ -3,6 +3,8 @@
 // The one way to end a run on an error.
 #pragma once
 
+#include <stdexcept>
+
 namespace molva {
 
 // Receives the formatted message and must not return: it ends the process or throws.
@@ -16,5 +18,17 @@ using FatalHandler = void (*)(const char* message);
 // Replaces the handler (null restores the default) and returns the one replaced. A host program or
 // a test installs one that throws; everything the library allocated is owned, so nothing leaks.
 FatalHandler SetFatalHandler(FatalHandler handler);
+
+// While one lives, fatal errors of its thread are thrown instead, whatever the handler.
+struct ThrownError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+class CatchableErrors {
+ public:
+  CatchableErrors();
+  ~CatchableErrors();
+  CatchableErrors(const CatchableErrors&) = delete;
+  CatchableErrors& operator=(const CatchableErrors&) = delete;
+};
 
 }  // namespace molva

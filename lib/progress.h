@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+//
+// Tells a host program how far a clustering is, and lets it stop one. Without a hook each call is
+// one comparison.
+#pragma once
+
+namespace molva {
+
+// About how many rows or merges pass between two polls.
+constexpr int kPollInterval = 1024;
+
+// Each calls the hook of the current thread, if there is one, and ends the run when that asks for
+// it: after `done` of `total` bisections, after `done` of `total` trials, and in between.
+void ReportBisection(int done, int total);
+void ReportTrial(int done, int total);
+void Poll();
+
+}  // namespace molva
