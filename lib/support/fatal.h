@@ -17,4 +17,12 @@ using FatalHandler = void (*)(const char* message);
 // a test installs one that throws; everything the library allocated is owned, so nothing leaks.
 FatalHandler SetFatalHandler(FatalHandler handler);
 
+// Ends a run that is over early without an error message of its own, its answer printed to standard
+// output: help, or a command line that was refused. By default the process ends with status 0.
+[[noreturn]] void EndRun();
+
+// Receives such an end and must not return, as for fatal errors.
+using EndHandler = void (*)();
+EndHandler SetEndHandler(EndHandler handler);
+
 }  // namespace molva
