@@ -5,6 +5,8 @@ add_library(mardle_warnings INTERFACE)
 target_compile_options(mardle_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror=format-security -ffp-contract=off
   $<$<BOOL:${MARDLE_WERROR}>:-Werror>)
+# In C++, clang counts a change of sign among the conversions and g++ does not.
+target_compile_options(mardle_warnings INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
 target_compile_options(mardle_warnings INTERFACE
   -fstack-protector-strong -fstack-clash-protection -fcf-protection
   $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
@@ -16,6 +18,11 @@ if(MARDLE_SANITIZE)
   target_compile_options(mardle_sanitizers INTERFACE
     -fsanitize=${MARDLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(mardle_sanitizers INTERFACE -fsanitize=${MARDLE_SANITIZE})
+endif()
+# What the fuzzers see of a run.
+if(MARDLE_FUZZ)
+  target_compile_options(mardle_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(mardle_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 function(mardle_target target)

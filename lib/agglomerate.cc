@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ranges>
 
 #include "lib/clear_merges.h"
 #include "lib/composites.h"
@@ -47,7 +46,7 @@ struct Items {
     for (const int k : active) smat[i][k] += smat[j][k];
     for (const int k : active) smat[k][i] += smat[k][j];
     tsim[i] += tsim[j];
-    pwgts[i] += pwgts[j];
+    pwgts[i] = AddValues(pwgts[i], pwgts[j]);
   }
 };
 
@@ -74,8 +73,8 @@ void ReportMerge(const Control& control, const Items& items, const Array<int>& i
                  const Merge& merge, int node, Wide crvalue) {
   if (!HasDebugBit(control, kDebugMerging)) return;
   std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f %f\n", imap[merge.i], imap[merge.j],
-              node, items.pwgts[merge.i] + items.pwgts[merge.j], static_cast<double>(crvalue),
-              static_cast<double>(merge.gain),
+              node, AddValues(items.pwgts[merge.i], items.pwgts[merge.j]),
+              static_cast<double>(crvalue), static_cast<double>(merge.gain),
               static_cast<double>(items.AverageSimilarity(merge.i, merge.j)));
 }
 
@@ -201,6 +200,19 @@ void RunLocalGains(const Control& control, const Merging& merging) {
   LocalGains<Value>(control, merging).Run();
 }
 
+// The slots 0 to n-1, to loop over.
+struct FirstSlots {
+  struct Iterator {
+    int slot;
+    int operator*() const { return slot; }
+    void operator++() { ++slot; }
+    bool operator==(const Iterator&) const = default;
+  };
+  int n;
+  Iterator begin() const { return {0}; }
+  Iterator end() const { return {n}; }
+};
+
 // The exhaustive engine: the ratio of a sum of terms over E1's sum.
 template <typename Numerator>
 class RatioGains {
@@ -274,7 +286,7 @@ class RatioGains {
     merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(i, j));
     if (HasDebugBit(control_, kDebugMerging)) {
       std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f\n", rowids_[i], rowids_[j], node,
-                  items_.pwgts[i] + items_.pwgts[j], static_cast<double>(ratio),
+                  AddValues(items_.pwgts[i], items_.pwgts[j]), static_cast<double>(ratio),
                   static_cast<double>(gain));
     }
     merging_.ptree[static_cast<std::size_t>(rowids_[i])] = node;
@@ -283,7 +295,7 @@ class RatioGains {
 
   // Slot j is folded into slot i and the last slot moves into its place: row, column, the rest.
   void Join(int i, int j, int node) {
-    items_.Fold(i, j, std::views::iota(0, active_));
+    items_.Fold(i, j, FirstSlots{active_});
     terms_[i] = TermsOf(items_.Measure(i));
     rowids_[i] = node;
 

@@ -255,7 +255,8 @@ void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowin
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_BuildTree");
   MapPartIn(copy, part);
-  const std::int64_t leaves = treetype == kClusterTree ? nparts : nrows;
+  const int nclusters = std::max(nparts, 0);
+  const std::int64_t leaves = treetype == kClusterTree ? nclusters : nrows;
   CheckLeafCount(std::max(leaves, std::int64_t{nrows}));
   const std::int64_t nodes = 2 * std::max(leaves, std::int64_t{nrows});
   // The gains decide the numbering of the complete tree and are not handed out.
@@ -263,7 +264,7 @@ void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowin
   const std::size_t written = 2 * Size(leaves);
   const TreeArrays tree{{ptree, written}, {tsims, written}, {gains.data(), written}};
   if (treetype == kClusterTree) {
-    BuildPartitionTree(control, *copy.mat, nparts, copy.part(), tree);
+    BuildPartitionTree(control, *copy.mat, nclusters, copy.part(), tree);
   } else if (treetype == kFullTree) {
     Array<int> pptree = AllocIntsSet(nodes, -1, "MOLVA_V_BuildTree: pptree");
     Array<float> ptsims = AllocFloatsSet(nodes, -1.0F, "MOLVA_V_BuildTree: ptsims");
@@ -271,7 +272,7 @@ void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowin
     const std::size_t prepared = 2 * Size(copy.mat->nrows);
     const TreeArrays private_tree{
         {pptree.data(), prepared}, {ptsims.data(), prepared}, {pgains.data(), prepared}};
-    BuildPartitionedTree(control, *copy.mat, nparts, copy.part(), private_tree);
+    BuildPartitionedTree(control, *copy.mat, nclusters, copy.part(), private_tree);
     TranslateTree({copy.rperm.get(), prepared / 2}, private_tree, tree);
   } else {
     FatalError("Unknown treetype=%d\n", treetype);

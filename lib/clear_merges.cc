@@ -15,6 +15,7 @@
 #include "lib/merge_gains.h"
 #include "lib/progress.h"
 #include "lib/support/alloc.h"
+#include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 
 namespace molva {
@@ -263,7 +264,7 @@ class ClearMerges {
     const float between = row_j[i];
     items_.squares[j] = (items_.squares[i] + between) + (between + items_.squares[j]);
     items_.tsim[j] += items_.tsim[i];
-    items_.pwgts[j] += items_.pwgts[i];
+    items_.pwgts[j] = AddValues(items_.pwgts[j], items_.pwgts[i]);
     items_.template SetTerm<Term>(j);
     for (int k = 0; k < i; ++k) row_j[k] += row_i[k];
     for (int k = i + 1; k < j; ++k) row_j[k] += items_.Row(k)[i];

@@ -62,7 +62,9 @@ struct G1PrimeTerm {
   static constexpr bool kUsesSimilarity = true;
   template <typename Number>
   static Number Of(const BasicMeasure<Number>& c) {
-    return static_cast<Number>(c.size * c.size) * c.similarity / c.squared_length;
+    // As a product of integers it would overflow for weights near the limit of an int.
+    const auto n = static_cast<Number>(c.size);
+    return n * n * c.similarity / c.squared_length;
   }
 };
 

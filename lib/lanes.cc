@@ -34,7 +34,8 @@ void AddSquares(const float* columns, std::size_t count, std::size_t stride, dou
 Lanes::Lanes(int count, int ncols, BlockName name)
     : ncols_(ncols),
       stride_(PaddedCount(count)),
-      values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * ncols, 0, name)),
+      // One column at least: lanes have addresses in a matrix without columns too.
+      values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * std::max(ncols, 1), 0, name)),
       dot_(CurrentDotKernel()) {}
 
 void Lanes::Set(const RowView& row, int lane) {

@@ -85,6 +85,21 @@ bool ShouldSwap(const NodeMatrix& s, int a, int b, int before, int after) {
   return false;
 }
 
+// 1 for the nodes whose children are two nodes below them that no other node has; the others count
+// as leaves, so a table of any contents is walked within its bounds and in one pass.
+Array<char> InnerNodes(const ChildTable& children) {
+  Array<char> inner = Array<char>::Zeroed(children.nodes(), "ReorderTree: inner");
+  Array<char> taken = Array<char>::Zeroed(children.nodes(), "ReorderTree: taken");
+  for (int x = children.nodes() - 1; x >= 0; --x) {
+    const int a = children.first(x);
+    const int b = children.second(x);
+    const bool below = a >= 0 && a < x && b >= 0 && b < x && a != b;
+    if (!below || taken[a] != 0 || taken[b] != 0) continue;
+    inner[x] = taken[a] = taken[b] = 1;
+  }
+  return inner;
+}
+
 void InsertByWeight(PQueue& queue, int node, std::span<const int> twgts) {
   PQueueInsert(queue, node, static_cast<float>(twgts[static_cast<std::size_t>(node)]));
 }
@@ -96,19 +111,21 @@ void OrderChildren(int n, std::span<const int> twgts, const NodeMatrix& s,
                 AllocIntsSet(2 * std::int64_t{n}, -1, "ReorderTree: right")};
   PQueue queue;
   PQueueInit(queue, 2 * n);
-  const int root = FindRoot(children);
-  if (root < 0 || children.IsLeaf(root)) return;
+  const Array<char> inner = InnerNodes(children);
+  int root = children.nodes() - 1;
+  while (root >= 0 && inner[root] == 0) --root;
+  if (root < 0) return;
   layout.Replace(root, children.first(root), children.second(root));
   InsertByWeight(queue, children.first(root), twgts);
   InsertByWeight(queue, children.second(root), twgts);
   for (int x = PQueueGetMax(queue); x >= 0; x = PQueueGetMax(queue)) {
-    if (children.IsLeaf(x)) continue;
+    if (inner[x] == 0) continue;
     int& a = children.first(x);
     int& b = children.second(x);
     if (ShouldSwap(s, a, b, layout.left[x], layout.right[x])) std::swap(a, b);
     layout.Replace(x, a, b);
     for (const int child : {a, b}) {
-      if (!children.IsLeaf(child)) InsertByWeight(queue, child, twgts);
+      if (inner[child] != 0) InsertByWeight(queue, child, twgts);
     }
   }
 }
@@ -116,7 +133,9 @@ void OrderChildren(int n, std::span<const int> twgts, const NodeMatrix& s,
 std::size_t Nodes(int n) { return 2 * static_cast<std::size_t>(std::max(n, 0)); }
 
 std::int64_t NodeCells(int n) {
-  return static_cast<std::int64_t>(Nodes(n)) * static_cast<std::int64_t>(Nodes(n));
+  const auto nodes = static_cast<std::int64_t>(Nodes(n));
+  std::int64_t cells = 0;
+  return __builtin_mul_overflow(nodes, nodes, &cells) ? INT64_MAX : cells;
 }
 
 }  // namespace

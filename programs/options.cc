@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "lib/support/fatal.h"
 #include "programs/help_text.h"
 
 namespace mardle {
@@ -90,7 +91,7 @@ void CopyFormat(std::array<char, 256>& field, const char* text) {
 
 [[noreturn]] void ShowHelp() {
   PrintLines(HelpLines());
-  std::exit(0);
+  molva::EndRun();
 }
 
 // Applies one option; `value` is null when none was given.
@@ -127,13 +128,13 @@ void Apply(const Option& option, const char* value, RunParams& params) {
 [[noreturn]] void RefuseOptions(const char* program) {
   std::printf("Illegal command-line option(s)\nUse %s -help for a summary of the options.\n",
               program);
-  std::exit(0);
+  molva::EndRun();
 }
 
 [[noreturn]] void RefuseArguments() {
   std::printf("Missing parameters.");
   PrintLines(UsageLines());
-  std::exit(0);
+  molva::EndRun();
 }
 
 // Options and positional arguments may be mixed; the parser moves the latter to the end.

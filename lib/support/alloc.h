@@ -43,6 +43,12 @@ void RVfree(void* block);
 using AllocateFunction = void* (*)(std::size_t);
 AllocateFunction SetAllocateFunction(AllocateFunction function);
 
+// The bytes of n elements; the most there can be, which no machine has, when they are still more.
+template <typename T>
+std::size_t BytesOf(std::size_t n) {
+  return n > SIZE_MAX / sizeof(T) ? SIZE_MAX : n * sizeof(T);
+}
+
 // Owns a block of n elements; null when n <= 0.
 template <typename T>
 class Array {
@@ -51,12 +57,12 @@ class Array {
  public:
   Array() = default;
   Array(std::int64_t n, BlockName name) : size_(n > 0 ? static_cast<std::size_t>(n) : 0) {
-    data_.reset(static_cast<T*>(RVmalloc(size_ * sizeof(T), name)));
+    data_.reset(static_cast<T*>(RVmalloc(BytesOf<T>(size_), name)));
   }
   static Array Zeroed(std::int64_t n, BlockName name) {
     Array array;
     array.size_ = n > 0 ? static_cast<std::size_t>(n) : 0;
-    array.data_.reset(static_cast<T*>(RVcalloc(array.size_ * sizeof(T), name)));
+    array.data_.reset(static_cast<T*>(RVcalloc(BytesOf<T>(array.size_), name)));
     return array;
   }
   // An aid that a run can do without: empty when the block cannot be had.
@@ -122,7 +128,7 @@ class Rows {
     ncols_ = ncols > 0 ? static_cast<std::size_t>(ncols) : 0;
     table_ = Array<T*>(nrows, table_name);
     table_.Fill(nullptr);
-    for (T*& row : table_) row = static_cast<T*>(RVmalloc(ncols_ * sizeof(T), row_name));
+    for (T*& row : table_) row = static_cast<T*>(RVmalloc(BytesOf<T>(ncols_), row_name));
   }
   Rows(Rows&& other) noexcept = default;
   Rows& operator=(Rows&& other) noexcept {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Every error exit of the library and the program passes through FatalError.
+// Every error exit of the library and the program passes through FatalError, every other early end
+// through EndRun.
 #include "lib/support/fatal.h"
 
 #include <cstdarg>
@@ -17,7 +18,10 @@ void PrintAndExit(const char* message) {
   std::exit(0);
 }
 
+void ExitWithStatusZero() { std::exit(0); }
+
 FatalHandler current_handler = PrintAndExit;
+EndHandler current_end = ExitWithStatusZero;
 
 thread_local int throwing_scopes = 0;
 
@@ -51,6 +55,17 @@ CatchableErrors::~CatchableErrors() { --throwing_scopes; }
 FatalHandler SetFatalHandler(FatalHandler handler) {
   const FatalHandler replaced = current_handler;
   current_handler = handler != nullptr ? handler : PrintAndExit;
+  return replaced;
+}
+
+void EndRun() {
+  current_end();
+  std::abort();  // As above.
+}
+
+EndHandler SetEndHandler(EndHandler handler) {
+  const EndHandler replaced = current_end;
+  current_end = handler != nullptr ? handler : ExitWithStatusZero;
   return replaced;
 }
 

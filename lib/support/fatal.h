@@ -31,4 +31,12 @@ class CatchableErrors {
   CatchableErrors& operator=(const CatchableErrors&) = delete;
 };
 
+// Ends a run that is over early without an error message of its own, its answer printed to standard
+// output: help, or a command line that was refused. By default the process ends with status 0.
+[[noreturn]] void EndRun();
+
+// Receives such an end and must not return, as for fatal errors.
+using EndHandler = void (*)();
+EndHandler SetEndHandler(EndHandler handler);
+
 }  // namespace molva

@@ -6,6 +6,9 @@
 // its own counts as -1. Arrays over nodes hold 2L elements.
 #pragma once
 
+#include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <span>
 
 #include "lib/support/alloc.h"
@@ -36,7 +39,14 @@ int FindRoot(const ChildTable& children);
 
 // Whether node x hangs below an internal node.
 inline bool HasParent(std::span<const int> ptree, std::size_t x) {
-  return ptree[x] > static_cast<int>(x) && ptree[x] >= static_cast<int>(ptree.size() / 2);
+  const auto elements = static_cast<int>(ptree.size());
+  return ptree[x] > static_cast<int>(x) && ptree[x] >= elements / 2 && ptree[x] < elements - 1;
+}
+
+// Sums of node values. Counts stop at the limits of an int, for callers may pass any.
+inline float AddValues(float a, float b) { return a + b; }
+inline int AddValues(int a, int b) {
+  return static_cast<int>(std::clamp<std::int64_t>(std::int64_t{a} + b, INT_MIN, INT_MAX));
 }
 
 // Adds the value of every node 0 to 2L-3 into that of its parent, in increasing order, so that
@@ -44,7 +54,9 @@ inline bool HasParent(std::span<const int> ptree, std::size_t x) {
 template <typename T>
 void AddUpwards(std::span<const int> ptree, std::span<T> values) {
   for (std::size_t x = 0; x + 2 < ptree.size(); ++x) {
-    if (HasParent(ptree, x)) values[static_cast<std::size_t>(ptree[x])] += values[x];
+    if (!HasParent(ptree, x)) continue;
+    T& parent = values[static_cast<std::size_t>(ptree[x])];
+    parent = AddValues(parent, values[x]);
   }
 }
 

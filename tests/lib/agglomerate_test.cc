@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -263,6 +264,25 @@ TEST(Merging, RefusesTheCriteriaThatItCannotServe) {
   for (const int crfun : {0, 8, 9}) {
     EXPECT_FATAL(Merged(rows, crfun), "Unknown clustering criterion function (CRFun) of " +
                                           std::to_string(crfun) + "\n");
+  }
+}
+
+// Sums of weights stop at the limits of an int; the tree is a tree all the same.
+TEST(Merging, TakesWeightsThatAddUpToMoreThanAnInt) {
+  const Rows rows(*PreparedOf({{1, 0}, {0, 1}, {0.6F, 0.8F}}));
+  for (const int weight : {INT_MAX, INT_MIN}) {
+    const std::vector<int> weights(3, weight);
+    for (int crfun = 1; crfun <= 7; ++crfun) {
+      Tree tree(3);
+      std::vector<float> smat = rows.smat;
+      const std::string output = OutputOf([&] {
+        MOLVA_SA_Cluster(3, weights.data(), smat.data(), crfun, 2, kDebugMerging, 1,
+                         tree.part.data(), tree.ptree.data(), tree.tsims.data(), tree.gains.data());
+      });
+      EXPECT_NE(output.find(std::to_string(weight) + "], CRval="), std::string::npos);
+      EXPECT_EQ(tree.ptree[3], 4);
+      EXPECT_EQ(tree.ptree[4], -1);
+    }
   }
 }
 

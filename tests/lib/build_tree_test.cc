@@ -239,6 +239,21 @@ TEST(BestFirstNumbering, EndsTheRunWhenTheTreeFallsApart) {
                "BestFirstTreeReorder internal error. Pqueue is empty! (3)\n");
 }
 
+// A negative number of clusters is taken as 0: a tree of no node, and no place for any row.
+TEST(BuildTree, OverANegativeNumberOfClustersIsEmpty) {
+  const SparseMatrix empty = SparseOf({{0, 0}, {0, 0}});
+  for (const int nparts : {-1, -2, -1000}) {
+    Tree tree(1);
+    MOLVA_V_BuildTree(2, 2, empty.rowptr.data(), empty.rowind.data(), nullptr, kCosine, 2, kRowNone,
+                      kColumnNone, 1.0F, kClusterTree, 0, nparts, std::vector{0, 0}.data(),
+                      tree.ptree.data(), tree.tsims.data());
+    EXPECT_EQ(tree.ptree, (std::vector<int>{-9, -9}));
+    EXPECT_EQ(Built(empty, kFullTree, nparts, {0, 0}).ptree, std::vector<int>(4, -1));
+  }
+  EXPECT_FATAL(Built(SparseOf({{1, 0}, {1, 1}, {0, 1}}), kFullTree, -1, {0, 0, 0}),
+               "A complete tree needs a cluster for every row! Row=0, Cluster=0\n");
+}
+
 TEST(BuildTree, EndsTheRunOnAnUnknownType) {
   const SparseMatrix matrix = SparseOf({{1, 0}, {1, 1}, {0, 1}});
   EXPECT_FATAL(Built(matrix, 0, 1, {0, 0, 0}), "Unknown treetype=0\n");

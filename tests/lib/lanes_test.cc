@@ -32,6 +32,17 @@ TEST(Lanes, HoldEachCompositeInALaneOfItsOwn) {
   EXPECT_EQ(lanes[2][2], 6);
 }
 
+TEST(Lanes, HaveAddressesWithoutColumns) {
+  const auto mat = PreparedOf({{}, {}});
+  for (const int count : {1, 2, 3, 20}) {
+    Lanes lanes(count, 0, "Test: lanes");
+    for (int lane = 0; lane < count; ++lane) {
+      lanes.Add(Row(*mat, 0), lane);
+      EXPECT_NE(lanes[lane].first, nullptr);
+    }
+  }
+}
+
 TEST(Lanes, KeepTheLastValueOfAColumnThatIsSetTwice) {
   PreparedMatrix mat;
   mat.nrows = 1;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <random>
 #include <set>
 #include <utility>
@@ -241,6 +242,37 @@ TEST(TreeReordering, OfClustersWeighsThemByTheirRows) {
                              kRowNone, kColumnNone, 1.0F, 0, 3, part.data(), ptree.data(),
                              ftree.data());
   EXPECT_EQ(LeafOrder(ptree, ftree), (std::vector<int>{2, 1, 0}));
+}
+
+// A tree over three leaves in which one pair of children is no pair of nodes below: the pair stays,
+// and what hangs below is not turned.
+TEST(TreeReordering, TakesPairsThatAreNoChildrenForNone) {
+  const std::vector<int> ptree = {3, 3, 4, 4, -1, -1};
+  const std::vector<int> weights = {1, 1, 1};
+  const std::pair<int, int> pairs[] = {{0, -1}, {-1, 1}, {0, 0},    {3, 1},       {0, 5},
+                                       {0, 99}, {2, 1},  {-7, -99}, {INT_MAX, 0}, {INT_MIN, 0}};
+  for (const auto& [first, second] : pairs) {
+    const std::vector<int> before = {-1, -1, -1, -1, -1, -1, first, second, 2, 3, -1, -1};
+    std::vector<int> ftree = before;
+    std::vector<float> smat = Similarities(0.2F, 0.5F);
+    MOLVA_S_TreeReorder(3, weights.data(), smat.data(), 1, 0, ptree.data(), ftree.data());
+    EXPECT_EQ(ftree, before);
+  }
+}
+
+TEST(TreeReordering, TakesWeightsThatAddUpToMoreThanAnInt) {
+  const std::vector<int> ptree = {3, 3, 4, 4, -1, -1};
+  EXPECT_EQ(LeafOrder(ptree, Reordered(3, {INT_MAX, INT_MAX, 1}, Similarities(0.2F, 0.5F), ptree)),
+            (std::vector<int>{2, 1, 0}));
+}
+
+TEST(TreeReordering, EndsTheRunOnMoreLeavesThanMemoryHolds) {
+  for (const int n : {1 << 30, INT_MAX}) {
+    EXPECT_EXIT(MOLVA_S_TreeReorder(n, nullptr, nullptr, 1, 0, nullptr, nullptr),
+                testing::ExitedWithCode(0),
+                "\\*\\*\\*Memory allocation failed for MOLVA_S_TreeReorder: nsmat. Requested size: "
+                "18446744073709551615 bytes");
+  }
 }
 
 TEST(TreeReordering, IsSafeWithEmptyClusters) {

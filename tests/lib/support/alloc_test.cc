@@ -150,6 +150,15 @@ TEST(FailedAllocation, TellsTheTrueSizeOfAHugeArray) {
 }
 
 // The sanitizer adds a warning of its own before the message, so only the end is compared.
+// 2^62 ints would be 2^64 bytes, which is 0 in a size_t.
+TEST(FailedAllocation, OfMoreBytesThanCanBeCountedEndsTheRun) {
+  constexpr std::int64_t kElements = std::int64_t{1} << 62;
+  const std::string failure = Failure("vast", "18446744073709551615");
+  EXPECT_EQ(FatalMessage([] { molva::AllocInts(kElements, "vast"); }), failure);
+  EXPECT_EQ(FatalMessage([] { molva::AllocFloatsSet(kElements, 0, "vast"); }), failure);
+  EXPECT_EQ(FatalMessage([] { molva::AllocIntMatrix(1, kElements, 1, "vast"); }), failure);
+}
+
 TEST(FailedAllocation, OfMoreThanTheMachineHasEndsTheRun) {
   EXPECT_EXIT(molva::RVmalloc(std::size_t{1} << 62, "Huge: block"), ::testing::ExitedWithCode(0),
               "[*][*][*]Memory allocation failed for Huge: block[.] "

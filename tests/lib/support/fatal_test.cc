@@ -76,4 +76,25 @@ TEST(FatalHandler, ThatReturnsEndsTheProcessAllTheSame) {
       ::testing::KilledBySignal(SIGABRT), "");
 }
 
+TEST(EndRun, EndsTheProcessWithStatusZeroAndSaysNothing) {
+  EXPECT_EXIT(molva::EndRun(), ::testing::ExitedWithCode(0), ::testing::Eq(std::string()));
+}
+
+TEST(EndRun, PassesThroughTheHandlerUntilNullRestoresTheDefault) {
+  const molva::EndHandler mine = [] { throw 2; };
+  const molva::EndHandler replaced = molva::SetEndHandler(mine);
+  EXPECT_THROW(molva::EndRun(), int);
+  EXPECT_EQ(molva::SetEndHandler(nullptr), mine);
+  EXPECT_EQ(molva::SetEndHandler(replaced), replaced);
+}
+
+TEST(EndRun, WithAHandlerThatReturnsEndsTheProcessAllTheSame) {
+  EXPECT_EXIT(
+      {
+        molva::SetEndHandler([] {});
+        molva::EndRun();
+      },
+      ::testing::KilledBySignal(SIGABRT), "");
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <vector>
 
 namespace molva {
@@ -44,6 +45,29 @@ TEST(TreeArrays, TakeAParentThatIsNotAboveItsNodeForNone) {
   EXPECT_TRUE(children.IsLeaf(0));
   EXPECT_TRUE(children.IsLeaf(1));
   EXPECT_EQ(FindRoot(children), 4);
+}
+
+// Over two leaves the nodes are 0 to 2; element 3 stands for none.
+TEST(TreeArrays, TakeAParentAboveAllNodesForNone) {
+  for (const int parent : {3, 4, INT_MAX}) {
+    const std::vector<int> tree = {parent, 2, -1, -1};
+    Array<int> slots = MakeChildTable(tree, "Test: ftree");
+    EXPECT_EQ(std::vector<int>(slots.begin(), slots.end()),
+              (std::vector<int>{-1, -1, -1, -1, 1, -1, -1, -1}));
+    std::vector<int> values = {1, 10, 0, 0};
+    AddUpwards<int>(tree, values);
+    EXPECT_EQ(values, (std::vector<int>{1, 10, 10, 0}));
+  }
+}
+
+TEST(TreeArrays, AddCountsUpToTheLimitsOfAnInt) {
+  const std::vector<int> tree = {3, 3, 4, 4, -1, -1};
+  std::vector<int> values = {INT_MAX, 5, 1, 0, 0, 0};
+  AddUpwards<int>(tree, values);
+  EXPECT_EQ(values, (std::vector<int>{INT_MAX, 5, 1, INT_MAX, INT_MAX, 0}));
+  values = {INT_MIN, -5, 1, 0, 0, 0};
+  AddUpwards<int>(tree, values);
+  EXPECT_EQ(values, (std::vector<int>{INT_MIN, -5, 1, INT_MIN, INT_MIN + 1, 0}));
 }
 
 TEST(TreeArrays, AddValuesUpwards) {

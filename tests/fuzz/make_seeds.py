@@ -1,0 +1,129 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+#
+# Writes the first files of each corpus: what a person would try first. The fuzzers made the others
+# from them.
+#   tests/fuzz/make_seeds.py FOLDER
+import pathlib
+import random
+import sys
+
+MATRICES = {  # the first byte: bit 0 dense
+    "sparse": b"\0004 5 8\n1 1 2 .5\n2 3 3 1\n4 2 5 1e-3\n4 1 1 -2\n",
+    "dense": b"\0013 2\n1 2\n-3.5 4e2\n0 .25\n",
+    "no-entries": b"\0002 2 0\n\n\n",
+    "too-many-entries": b"\0002 2 1\n1 1 2 2\n1 1\n",
+    "missing-value": b"\0002 2 3\n1 1\n1 1 2\n",
+    "column-too-large": b"\0001 2 1\n3 1\n",
+    "column-zero": b"\0002 2 2\n0 1\n-5 1\n",
+    "rows-missing": b"\0013 1\n1\n2\n",
+    "header-too-large": b"\00099999999999 1 1\n1 1\n",
+    "header-words": b"\000rows columns\n",
+    "negative-header": b"\000-1 -1 -1\n",
+    "odd-values": b"\0011 7\nnan -inf 0x1p-3 1e400 1,5 --1 +.5\n",
+    "carriage-returns": b"\0002 2 2\r\n1 1\r\n2 1\r\n",
+    "nul": b"\0002 2 2\n1 1\0 2 1\n2 1\n",
+    "line-as-long-as-the-buffer": b"\0011 2\n\xff \xaa\xa91 2 \n",
+    "word-across-the-buffer": b"\0011 1\n\xff1\xaa\xaa11\n",
+    "empty": b"\000",
+    "few-blocks": b"\0062 2 2\n1 1\n2 1\n",
+}
+LABELS = {  # rows, columns, blocks, then three files
+    "none": b"\3\3\0\0\0\0",
+    "all": b"\3\2\0\2c one\nc two\n\xfe\2r1\nr2 \nr3\t\n\xfe\2a\nb\na\n",
+    "too-few": b"\3\2\0\2c one\n\xfe\2r1\n\xfe\0",
+    "missing": b"\3\2\0\1\1\1",
+    "long": b"\2\1\0\0\0\2\xffx\xaa\xaaxx\nxx\n",
+    "few-blocks": b"\3\2\4\2c one\nc two\n\xfe\2r1\nr2\nr3\n\xfe\2a\nb\na\n",
+}
+COMMAND_LINES = [
+    "m.mat 10", "-help", "", "m.mat", "a b c", "-crfun=3 -rb m 4", "m -sim 2 5 -zscores",
+    "-showtree m 3", "-showtree=7 -writetree=t m 3", "-plotformat=%s m 2" % ("x" * 300),
+    "-plot=x m 2", "-nosuch m 2", "-- -rb 2", "--seed=-5 m 2x", "-ntrials", "-rb=1 m 2",
+    "-clab=c -rlab r -rclass=k -denseinput -fulltree m 99999999999",
+]
+NUMBERS = ["1", "-0", "0.1", "1e400", "1e-46", "nan", "-nan(7)", "infinity", "0x1.8p-3", "1e+",
+           "16777217", "3.4028235677973366e+38", "7.0064923216240854e-46", "123456789012345678901",
+           "9007199254740993", "40000", "40001", "-9223372036854775809", "1,5", "\v1", "+", "."]
+# The options in the order of the program's table, with what is drawn for their values.
+NUMBER, FRACTION, TEXT, FORMAT, FLAG, OPTIONAL_NUMBER = range(6)
+OPTIONS = {
+    "crfun": NUMBER, "rowmodel": NUMBER, "colmodel": NUMBER, "prune": FRACTION, "ntrials": NUMBER,
+    "niter": NUMBER, "seed": NUMBER, "dbglvl": NUMBER, "clabelfile": TEXT, "rlabelfile": TEXT,
+    "rclassfile": TEXT, "direct": FLAG, "rb": FLAG, "refine": FLAG, "output": TEXT,
+    "nooutput": FLAG, "showfeatures": FLAG, "nfeatures": NUMBER, "showtree": OPTIONAL_NUMBER,
+    "labeltree": FLAG, "writetree": TEXT, "zscores": FLAG, "fulltree": FLAG, "sim": NUMBER,
+    "denseinput": FLAG, "plotmatrix": TEXT, "clustercolumns": FLAG, "plotformat": FORMAT,
+    "plotclusters": TEXT, "zeroblack": FLAG, "noreorder": FLAG, "help": FLAG,
+}
+RUNS = [  # dense, clusters, options
+    (0, 3, "showfeatures showtree rclassfile"),
+    (0, 3, "showtree=3 labeltree clabelfile rlabelfile"),
+    (0, 3, "fulltree writetree rclassfile"),
+    (0, 2, "zscores direct refine dbglvl=7"),
+    (0, 4, "sim=2 crfun=1 showtree"),
+    (0, 4, "rowmodel=2 colmodel=1 crfun=3 prune=10"),
+    (0, 4, "rowmodel=3 crfun=4 niter=1 ntrials=1"),
+    (0, 4, "rowmodel=4 crfun=5 seed=9"),
+    (0, 4, "crfun=6 showtree writetree noreorder"),
+    (0, 4, "crfun=7 fulltree showtree=7"),
+    (0, 4, "crfun=8 direct"),
+    (0, 4, "crfun=9 rb"),
+    (0, 3, "plotmatrix plotformat=0 clabelfile"),
+    (0, 3, "plotmatrix plotformat=3 fulltree clustercolumns rclassfile"),
+    (0, 3, "plotclusters plotformat=6 clustercolumns showfeatures nfeatures=3"),
+    (1, 3, "plotclusters plotformat=1 zeroblack"),
+    (1, 3, "plotmatrix plotformat=4 zeroblack fulltree noreorder"),
+    (1, 3, "showfeatures showtree labeltree nfeatures=2 sim=2"),
+    (0, 0, "rclassfile showtree"),
+    (0, 3, "help"),
+]
+BYTES = {"library": 14, "program": 24, "plots": 24}  # random ones, by the first byte
+
+
+def program(dense: int, clusters: int, words: str) -> bytes:
+    """A run on 6 rows and 5 columns that hold two blocks and some odd cells."""
+    options = words.split()
+    data = [dense + 2 * len(options), 0, clusters]
+    for option in options:
+        name, _, value = option.partition("=")
+        kind = OPTIONS[name]
+        data.append(list(OPTIONS).index(name))
+        if kind == OPTIONAL_NUMBER:
+            data.append(0 if value else 1)
+        if kind in (NUMBER, FRACTION, FORMAT) or (kind == OPTIONAL_NUMBER and value):
+            data.append(int(value))
+        if kind == TEXT:
+            data.append(0)
+    rows = ["11000", "12010", "21000", "00122", "00211", "01021"]
+    cells = [{"0": 0, "1": 1, "2": 5}[cell] for row in rows for cell in row]
+    labels = b"a\nb\nc\nd\ne\n\xfer1\nr2\nr3\nr4\nr5\nr6\n\xfex\nx\ny\ny\nx\nz\n\xfe"
+    return bytes(data + [6, 5] + cells) + labels
+
+
+def main() -> None:
+    folder = pathlib.Path(sys.argv[1])
+
+    def write(target: str, name: str, data: bytes) -> None:
+        (folder / target).mkdir(parents=True, exist_ok=True)
+        (folder / target / name).write_bytes(data)
+
+    for name, data in MATRICES.items():
+        write("matrix", name, data)
+    for name, data in LABELS.items():
+        write("labels", name, data)
+    for number, line in enumerate(COMMAND_LINES):
+        write("command_line", f"line-{number:02}", line.replace(" ", "\n").encode())
+    for number, word in enumerate(NUMBERS):
+        write("numbers", f"word-{number:02}", word.encode())
+    for number, run in enumerate(RUNS):
+        write("program", f"run-{number:02}", program(*run))
+    dice = random.Random(1)
+    for target, count in BYTES.items():
+        for first in range(count):
+            data = [first] + [dice.randrange(0xe0) for _ in range(250)]
+            write(target, f"bytes-{first:02}", bytes(data))
+
+
+if __name__ == "__main__":
+    main()
