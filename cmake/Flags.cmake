@@ -32,3 +32,19 @@ function(mardle_target target)
   set_target_properties(${target} PROPERTIES
     C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
+
+# Compresses a file into the build folder, the same bytes every time, with the default target.
+find_program(GZIP gzip REQUIRED)
+function(mardle_compressed source name)
+  add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/${name}
+    COMMAND ${GZIP} -9nc ${source} > ${PROJECT_BINARY_DIR}/${name} DEPENDS ${source} VERBATIM)
+  add_custom_target(compress_${name} ALL DEPENDS ${PROJECT_BINARY_DIR}/${name})
+endfunction()
+
+# Installs docs/PAGE compressed, into the section that its name ends with.
+function(mardle_install_manual page component)
+  string(REGEX MATCH "[0-9]$" section ${page})
+  mardle_compressed(${PROJECT_SOURCE_DIR}/docs/${page} ${page}.gz)
+  install(FILES ${PROJECT_BINARY_DIR}/${page}.gz
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
+endfunction()

@@ -1,0 +1,45 @@
+# Debian packages: cpack -G DEB makes mardle, libmolva1 and libmolva-dev.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "The mardle authors <mardle@example.org>")
+set(CPACK_PACKAGE_VENDOR "The mardle authors")
+set(CPACK_COMPONENTS_ALL program library development)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME mardle)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "One run gives a clustering that optimises one of nine criterion functions, a
+ report that explains it, the columns that describe each cluster, trees over
+ clusters and rows, result files and plots.")
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libmolva1)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "The engine of mardle as a library for C and C++.")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmolva-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmolva1 (= ${PROJECT_VERSION}-1)")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Header, static library, CMake package and pkg-config file of libmolva.")
+
+# What every Debian package documents: its licence and its changes.
+set(debian_packages mardle libmolva1 libmolva-dev)
+foreach(component package IN ZIP_LISTS CPACK_COMPONENTS_ALL debian_packages)
+  set(folder ${CMAKE_INSTALL_DATADIR}/doc/${package})
+  install(FILES ${PROJECT_SOURCE_DIR}/cmake/debian/copyright DESTINATION ${folder}
+    COMPONENT ${component})
+  install(FILES ${PROJECT_BINARY_DIR}/changelog.gz ${PROJECT_BINARY_DIR}/changelog.Debian.gz
+    DESTINATION ${folder} COMPONENT ${component})
+endforeach()
+mardle_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog.gz)
+mardle_compressed(${PROJECT_SOURCE_DIR}/cmake/debian/changelog changelog.Debian.gz)
+
+include(CPack)
