@@ -109,7 +109,7 @@ class LocalGains {
     items_.tsim = AllocFloats(n, "BuildSimHAC_LocalGains: tsim");
     active_.rowids = AllocInts(n, "BuildSimHAC_LocalGains: rowids");
     items_.smat = Array<float*>(n, "BuildSimHAC_LocalGains: smat");
-    terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: terms");
+    terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: tsim");
     FillItems(merging, items_);
     for (int i = 0; i < n; ++i) {
       terms_[i] = Term::Of(items_.Measure(i));
@@ -225,7 +225,7 @@ class RatioGains {
     rowids_ = AllocInts(n, "BuildSimHAC_I1I2E1G1G1P: rowids");
     items_.smat = Array<float*>(n, "BuildSimHAC_I1I2E1G1G1P: smat");
     FillItems(merging, items_);
-    terms_ = Array<Sums>(n, "BuildSimHAC_I1I2E1G1G1P: terms");
+    terms_ = Array<Sums>(n, "BuildSimHAC_I1I2E1G1G1P: tsim");
     for (int i = 0; i < n; ++i) {
       rowids_[i] = i;
       terms_[i] = TermsOf(items_.Measure(i));

@@ -38,13 +38,14 @@ int DropEmptyClusters(std::span<int> pwgts, float* smat, std::span<int> numbers)
   return static_cast<int>(kept);
 }
 
-// Merges clusters some of which are empty: builds over the others and spreads the tree.
+// Merges clusters some of which are empty: builds over the others and spreads the tree. The blocks
+// carry the name of the numbering that they stand in for.
 void MergeNonEmptyClusters(const Control& control, int nparts, std::span<int> pwgts, float* smat,
                            std::span<int> ppart, const TreeArrays& tree) {
-  Array<int> numbers = AllocInts(nparts, "BuildPartitionTree: numbers");
-  Array<int> ptree = AllocInts(2 * std::int64_t{nparts}, "BuildPartitionTree: ptree");
-  Array<float> tsims = AllocFloats(2 * std::int64_t{nparts}, "BuildPartitionTree: tsims");
-  Array<float> gains = AllocFloats(2 * std::int64_t{nparts}, "BuildPartitionTree: gains");
+  Array<int> numbers = AllocInts(nparts, "BuildPartitionTree: ppart");
+  Array<int> ptree = AllocInts(2 * std::int64_t{nparts}, "BuildPartitionTree: ppart");
+  Array<float> tsims = AllocFloats(2 * std::int64_t{nparts}, "BuildPartitionTree: ppart");
+  Array<float> gains = AllocFloats(2 * std::int64_t{nparts}, "BuildPartitionTree: ppart");
   const int kept = DropEmptyClusters(pwgts, smat, numbers);
   const std::size_t nodes = 2 * Size(kept);
   const TreeArrays compact{{ptree.data(), nodes}, {tsims.data(), nodes}, {gains.data(), nodes}};

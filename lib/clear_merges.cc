@@ -9,7 +9,6 @@
 #include <limits>
 #include <span>
 #include <utility>
-#include <vector>
 
 #include "lib/composites.h"
 #include "lib/merge_gains.h"
@@ -47,18 +46,20 @@ bool IsSymmetric(std::size_t n, const float* smat) {
   return difference == 0;
 }
 
+// The blocks carry the names of the queue engine's arrays, which they stand in for.
+//
 // The items in slots, in increasing order. Products are kept in the lower half of the matrix alone:
 // row i holds those with the slots before it. The upper half keeps what the matrix was.
 struct Slots {
   explicit Slots(const Merging& merging)
       : stride(static_cast<std::size_t>(merging.n)),
         smat(merging.smat),
-        pwgts(AllocInts(merging.n, "MergeWhileClear: pwgts")),
-        squares(AllocFloats(merging.n, "MergeWhileClear: squares")),
-        tsim(AllocFloats(merging.n, "MergeWhileClear: tsim")),
-        terms(merging.n, "MergeWhileClear: terms"),
-        rough_terms(AllocDoubles(merging.n, "MergeWhileClear: rough_terms")),
-        nodes(AllocInts(merging.n, "MergeWhileClear: nodes")),
+        pwgts(AllocInts(merging.n, "BuildSimHAC_LocalGains: pwgts")),
+        squares(AllocFloats(merging.n, "BuildSimHAC_LocalGains: smat")),
+        tsim(AllocFloats(merging.n, "BuildSimHAC_LocalGains: tsim")),
+        terms(merging.n, "BuildSimHAC_LocalGains: tsim"),
+        rough_terms(AllocDoubles(merging.n, "BuildSimHAC_LocalGains: tsim")),
+        nodes(AllocInts(merging.n, "BuildSimHAC_LocalGains: imap")),
         count(merging.n) {}
 
   float* Row(int i) const { return smat + static_cast<std::size_t>(i) * stride; }
@@ -99,7 +100,7 @@ constexpr int kTied = -2;
 constexpr int kRetired = -1;  // in place of a slot's new number
 
 // Slots are closed up when more than these and an eighth of all are empty.
-constexpr std::size_t kFewRetired = 8;
+constexpr int kFewRetired = 8;
 
 // Several maxima side by side, since one alone would wait for each comparison.
 float LargestOf(std::span<const float> x) {
@@ -123,12 +124,13 @@ class ClearMerges {
   explicit ClearMerges(const Merging& merging)
       : merging_(merging),
         items_(merging),
-        bounds_(AllocFloatsSet(merging.n, -kInfinity, "MergeWhileClear: bounds")),
-        partners_(AllocIntsSet(merging.n, kUnknown, "MergeWhileClear: partners")),
-        products_(AllocFloats(merging.n, "MergeWhileClear: products")),
-        most_(AllocFloats(merging.n, "MergeWhileClear: most")),
-        kept_(AllocInts(merging.n, "MergeWhileClear: kept")),
-        slot_of_(AllocIntsSet(merging.n, 0, "MergeWhileClear: slot_of")) {
+        bounds_(AllocFloatsSet(merging.n, -kInfinity, "BuildSimHAC_LocalGains: tsim")),
+        partners_(AllocIntsSet(merging.n, kUnknown, "BuildSimHAC_LocalGains: rmap")),
+        products_(AllocFloats(merging.n, "BuildSimHAC_LocalGains: smat")),
+        most_(AllocFloats(merging.n, "BuildSimHAC_LocalGains: tsim")),
+        kept_(AllocInts(merging.n, "BuildSimHAC_LocalGains: rowids")),
+        slot_of_(AllocIntsSet(merging.n, 0, "BuildSimHAC_LocalGains: rmap")),
+        retired_(AllocInts(merging.n, "BuildSimHAC_LocalGains: rowids")) {
     for (int i = 0; i < merging.n; ++i) {
       const float* row = items_.Row(i);
       items_.pwgts[i] = merging.pwgts[i];
@@ -147,7 +149,7 @@ class ClearMerges {
     }
     for (int node = merging_.n; node <= 2 * merging_.n - 2; ++node) {
       Poll();
-      if (retired_.size() > kFewRetired + static_cast<std::size_t>(items_.count) / 8) Compact();
+      if (retired_count_ > kFewRetired + items_.count / 8) Compact();
       const int j = FindBest();
       if (j < 0) {
         Restore();
@@ -194,7 +196,7 @@ class ClearMerges {
       const bool holds = summands <= 16 * squared_length && std::abs(most) < kLargest;
       most_[j] = holds ? static_cast<float>(most) : kInfinity;
     }
-    for (const int slot : retired_) most_[slot] = -kInfinity;
+    for (const int slot : Retired()) most_[slot] = -kInfinity;
   }
 
   // The item whose partner, before it, makes the one best merge; -1 when that is not clear.
@@ -239,12 +241,16 @@ class ClearMerges {
     return true;
   }
 
+  std::span<const int> Retired() const {
+    return {retired_.data(), static_cast<std::size_t>(retired_count_)};
+  }
+
   // Item i becomes part of item j, i < j, whose slot stays.
   void Merge(int i, int j, int node) {
     Record(i, j, node);
     Fold(i, j);
     items_.nodes[j] = node;
-    retired_.push_back(i);
+    retired_[retired_count_++] = i;
     Renew(i, j);
   }
 
@@ -295,7 +301,7 @@ class ClearMerges {
   // Closes the gaps that retired items have left. Items keep their order, so every product stays in
   // the row of the later item.
   void Compact() {
-    for (const int slot : retired_) slot_of_[slot] = kRetired;
+    for (const int slot : Retired()) slot_of_[slot] = kRetired;
     int count = 0;
     for (int i = 0; i < items_.count; ++i) {
       if (slot_of_[i] == kRetired) continue;
@@ -305,7 +311,7 @@ class ClearMerges {
     for (int slot = 0; slot < count; ++slot) MoveItem(kept_[slot], slot);
     for (int i = 0; i < items_.count; ++i) slot_of_[i] = 0;
     items_.count = count;
-    retired_.clear();
+    retired_count_ = 0;
   }
 
   // Slots before `to` hold the items kept_[0] to kept_[to - 1] by now.
@@ -332,8 +338,9 @@ class ClearMerges {
   Array<float> products_;
   Array<float> most_;
   Array<int> kept_;
-  Array<int> slot_of_;        // while slots are renumbered
-  std::vector<int> retired_;  // empty slots
+  Array<int> slot_of_;  // while slots are renumbered
+  Array<int> retired_;  // empty slots
+  int retired_count_ = 0;
 };
 
 template <typename Value>

@@ -2,7 +2,6 @@
 #include "lib/lanes.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace molva {
 namespace {
@@ -34,6 +33,7 @@ void AddSquares(const float* columns, std::size_t count, std::size_t stride, dou
 Lanes::Lanes(int count, int ncols, BlockName name)
     : ncols_(ncols),
       stride_(PaddedCount(count)),
+      name_(name),
       // One column at least: lanes have addresses in a matrix without columns too.
       values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * std::max(ncols, 1), 0, name)),
       dot_(CurrentDotKernel()) {}
@@ -63,7 +63,7 @@ void Lanes::Subtract(const RowView& row, int lane) {
 // terms, none negative, m roundings of 2^-53 separate it from the true sum, and m of 2^-64 the wide
 // one.
 void Lanes::SquaredLengths(std::span<float> squares) const {
-  const std::vector<double> rough = RoughSquares();
+  const Array<double> rough = RoughSquares();
   const double unit = (static_cast<double>(ncols_) + 8) * 0x1p-52;
   for (std::size_t lane = 0; lane < squares.size(); ++lane) {
     const double error = unit * rough[lane];
@@ -73,10 +73,10 @@ void Lanes::SquaredLengths(std::span<float> squares) const {
   }
 }
 
-std::vector<double> Lanes::RoughSquares() const {
+Array<double> Lanes::RoughSquares() const {
   // Few hundred columns stay in the cache while block after block of lanes is summed over them.
   constexpr int kColumns = 256;
-  std::vector<double> squares(stride_);
+  Array<double> squares = AllocDoublesSet(static_cast<std::int64_t>(stride_), 0, name_);
   for (int begin = 0; begin < ncols_; begin += kColumns) {
     const auto count = static_cast<std::size_t>(std::min(kColumns, ncols_ - begin));
     const float* columns = values_.data() + static_cast<std::size_t>(begin) * stride_;
@@ -110,7 +110,7 @@ Wide Lanes::SquaredLength(std::size_t lane) const {
 // summed over them; within a lane the columns come in their order all the same.
 void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const {
   constexpr std::size_t kColumns = 256;
-  std::vector<Wide> sums(dots.size());
+  auto sums = Array<Wide>::Zeroed(static_cast<std::int64_t>(dots.size()), name_);
   for (std::size_t begin = 0; begin < vector.size(); begin += kColumns) {
     const std::size_t end = std::min(begin + kColumns, vector.size());
     for (std::size_t lane = 0; lane < sums.size(); ++lane) {

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <span>
-#include <vector>
 
 #include "lib/dot_kernels.h"
 #include "lib/prepared_matrix.h"
@@ -23,7 +22,8 @@ struct LaneView {
 
 class Lanes {
  public:
-  // `count` zero vectors of ncols elements, in one block of the given name.
+  // `count` zero vectors of ncols elements, in one block of the given name, which the sums over
+  // them carry as well.
   Lanes(int count, int ncols, BlockName name);
 
   LaneView operator[](int lane) const { return {values_.data() + lane, stride_}; }
@@ -45,11 +45,12 @@ class Lanes {
   void DotRow(const RowView& row, double* products) const;
 
  private:
-  std::vector<double> RoughSquares() const;
+  Array<double> RoughSquares() const;
   Wide SquaredLength(std::size_t lane) const;
 
   int ncols_;
   std::size_t stride_;
+  BlockName name_;
   Array<float> values_;
   DotFunction dot_;
 };

@@ -131,11 +131,12 @@ void PrepareMatrix(const Control& control, PreparedMatrix& mat, std::span<int> r
 
 std::span<int> PreparedCopy::part() { return {ppart.data(), static_cast<std::size_t>(mat->nrows)}; }
 
-PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, const char* routine) {
+PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, const char* routine,
+                              Clustering clustering) {
   PreparedCopy copy;
   copy.rperm = AllocInts(raw.nrows, {routine, ": rperm"});
   copy.cperm = AllocInts(raw.ncols, {routine, ": cperm"});
-  copy.ppart = AllocInts(raw.nrows, {routine, ": ppart"});
+  if (clustering == Clustering::kMapped) copy.ppart = AllocInts(raw.nrows, {routine, ": ppart"});
   copy.mat = CreateMatrix();
   SetUpMatrix(control, *copy.mat, raw);
   PrepareMatrix(control, *copy.mat, copy.rperm, copy.cperm);
@@ -161,8 +162,8 @@ void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int*
   using namespace molva;
   const Control control{
       .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
-  PreparedCopy copy =
-      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_InternalizeMatrix");
+  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
+                                       "MOLVA_InternalizeMatrix", Clustering::kNone);
   *prepared_nrows = copy.mat->nrows;
   *prepared_ncols = copy.mat->ncols;
   std::copy_n(copy.rperm.get(), copy.mat->nrows, rperm);

@@ -32,7 +32,10 @@ struct PreparedCopy {
   std::span<int> part();  // ppart cut to the prepared rows
 };
 
-PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, const char* routine);
+// Without a clustering to map there is no ppart.
+enum class Clustering { kMapped, kNone };
+PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, const char* routine,
+                              Clustering clustering = Clustering::kMapped);
 
 // Fills ppart from the caller's clustering.
 void MapPartIn(PreparedCopy& copy, const int* part);

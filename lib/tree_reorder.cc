@@ -88,8 +88,8 @@ bool ShouldSwap(const NodeMatrix& s, int a, int b, int before, int after) {
 // 1 for the nodes whose children are two nodes below them that no other node has; the others count
 // as leaves, so a table of any contents is walked within its bounds and in one pass.
 Array<char> InnerNodes(const ChildTable& children) {
-  Array<char> inner = Array<char>::Zeroed(children.nodes(), "ReorderTree: inner");
-  Array<char> taken = Array<char>::Zeroed(children.nodes(), "ReorderTree: taken");
+  Array<char> inner = Array<char>::Zeroed(children.nodes(), "ReorderTree: twgts");
+  Array<char> taken = Array<char>::Zeroed(children.nodes(), "ReorderTree: twgts");
   for (int x = children.nodes() - 1; x >= 0; --x) {
     const int a = children.first(x);
     const int b = children.second(x);
@@ -178,8 +178,8 @@ void MOLVA_V_TreeReorder(int nrows, int ncols, const int* rowptr, const int* row
                         .colmodel = colmodel,
                         .prune = colprune,
                         .dbglvl = dbglvl};
-  PreparedCopy copy =
-      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_TreeReorder");
+  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
+                                       "MOLVA_V_TreeReorder", Clustering::kNone);
   // A tree over rows some of which are gone keeps its order.
   if (copy.mat->nrows != nrows) return;
   Array<int> rwgts = AllocIntsSet(nrows, 1, "MOLVA_V_TreeReorder: rwgts");

@@ -26,7 +26,7 @@ float AverageSimilarity(const TreeComposites& tree, int x, int y) {
 void GetTreeStats(const PreparedMatrix& mat, int nparts, std::span<const int> part,
                   std::span<const int> ptree, std::span<int> pwgts, std::span<float> isims,
                   std::span<float> xsims) {
-  TreeComposites tree = SumBelowNodes(mat, nparts, part, ptree, "GetTreeStats: pwgts");
+  TreeComposites tree = SumBelowNodes(mat, nparts, part, ptree, "GetClusterStats: centers");
   std::copy(tree.pwgts.begin(), tree.pwgts.end(), pwgts.begin());
   SetFloats(xsims, 0);
   const ChildTable children(tree.ftree);

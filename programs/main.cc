@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include <csignal>
 #include <cstdlib>
-#include <new>
 
-#include "lib/support/fatal.h"
 #include "lib/support/files.h"
 #include "programs/run.h"
 
 int main(int argc, char** argv) {
+  molva::OccupyStandardStreams();
+  // A reader that is gone and a limit on file sizes are failed writes like any other: the run goes
+  // on, and the files that it still has to write are written.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   // Every way out flushes standard output and tells when that fails.
   std::atexit(molva::FlushStandardOutput);
-  // Strings and tables of the standard library carry no name of their own.
-  std::set_new_handler([] { molva::FatalError("***Memory allocation failed for mardle."); });
   return mardle::Run(argc, argv);
 }

@@ -142,6 +142,7 @@ OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> f
   const int shift = items - n;
   PlotTree& tree = ordered.tree;
   tree.n = n;
+  tree.blocks = blocks;
   tree.ftree = AllocIntsSet(4 * std::int64_t{n}, -1, {blocks.routine, ": ftree"});
   tree.tsize = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {blocks.routine, ": tsize"});
   tree.xnode = molva::AllocFloatsSet(2 * std::int64_t{n}, 0, {blocks.routine, blocks.x});

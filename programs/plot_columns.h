@@ -60,13 +60,6 @@ struct OrderedTree {
   std::vector<int> order;    // the item at each position
 };
 
-// The names of the blocks that hold where nodes are drawn.
-struct NodeBlocks {
-  const char* routine;
-  const char* x;
-  const char* y;
-};
-
 // Cuts a tree over `items` leaves down to those that have a parent, or are alone.
 OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> ftree, int items,
                               const NodeBlocks& blocks);

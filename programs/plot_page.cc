@@ -52,6 +52,10 @@ constexpr std::array<Parameter, 24> kParameters = {{{"BG_COLOR", "white"},
                                                     {"VANISH_ON_DELETE", "no"},
                                                     {"X_AUTO_FLUSH", "yes"}}};
 
+struct DeleteParameters {
+  void operator()(plPlotterParams* parameters) const { pl_deleteplparams(parameters); }
+};
+
 // libplot takes its texts as void*, and copies them.
 void SetParameter(plPlotterParams* parameters, const char* name, const char* value) {
   std::string copy = value;
@@ -135,13 +139,12 @@ PlotPage::PlotPage(const char* filename, const char* name, const char* format, d
                    double height)
     : file_(molva::RVfopen(filename, "w", name)), plotter_(std::make_unique<Plotter>()) {
   if (DrawsOnScreen(format)) RefuseFormat(format);
-  plPlotterParams* parameters = pl_newplparams();
+  const std::unique_ptr<plPlotterParams, DeleteParameters> parameters(pl_newplparams());
   for (const Parameter& parameter : kParameters) {
-    SetParameter(parameters, parameter.name, parameter.value);
+    SetParameter(parameters.get(), parameter.name, parameter.value);
   }
-  SetParameter(parameters, "PAGESIZE", PageSize(width, height).c_str());
-  plotter_->handle = pl_newpl_r(format, stdin, file_.get(), stderr, parameters);
-  pl_deleteplparams(parameters);
+  SetParameter(parameters.get(), "PAGESIZE", PageSize(width, height).c_str());
+  plotter_->handle = pl_newpl_r(format, stdin, file_.get(), stderr, parameters.get());
   if (plotter_->handle == nullptr || pl_openpl_r(plotter_->handle) < 0) {
     // libplot breaks when it deletes a plotter that it could not open.
     plotter_->handle = nullptr;

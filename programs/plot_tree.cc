@@ -24,12 +24,15 @@ std::string NodeLabel(int node) {
   return text.data();
 }
 
-// Walks through the root's subtree, first children first: enter(node) before its children,
+// Walks through the tree from its root, first children first: enter(node) before its children,
 // leave(node) after them. Climbs by a table of parents made on the way, so a tree of any depth
 // needs no stack.
 template <typename Enter, typename Leave>
-void Walk(int root, const ChildTable& children, Enter enter, Leave leave) {
-  molva::Array<int> parent = molva::AllocIntsSet(children.nodes(), -1, "PlotTree: parent");
+void Walk(PlotTree& tree, Enter enter, Leave leave) {
+  const ChildTable children = tree.children();
+  molva::Array<int> parent =
+      molva::AllocIntsSet(children.nodes(), -1, {tree.blocks.routine, ": ptree"});
+  const int root = tree.root();
   int x = root;
   for (;;) {
     enter(x);
@@ -48,9 +51,9 @@ void Walk(int root, const ChildTable& children, Enter enter, Leave leave) {
 
 // Where the subtree of each node begins.
 struct Starts {
-  explicit Starts(int nodes)
-      : x(molva::AllocDoubles(nodes, "PlotTree: x")),
-        y(molva::AllocDoubles(nodes, "PlotTree: y")) {}
+  explicit Starts(PlotTree& tree)
+      : x(molva::AllocDoubles(tree.children().nodes(), {tree.blocks.routine, tree.blocks.x})),
+        y(molva::AllocDoubles(tree.children().nodes(), {tree.blocks.routine, tree.blocks.y})) {}
   void Set(int node, Point at) {
     x[node] = at.x;
     y[node] = at.y;
@@ -67,7 +70,7 @@ void SumSizes(std::span<const int> ptree, PlotTree& tree) {
 void DrawTreeHorizontally(PlotPage& page, PlotTree& tree, Point at, double xstep, double ystep,
                           int labels) {
   const ChildTable children = tree.children();
-  Starts start(children.nodes());
+  Starts start(tree);
   start.Set(tree.root(), at);
   const auto enter = [&](int v) {
     const double x = start.x[v];
@@ -99,13 +102,13 @@ void DrawTreeHorizontally(PlotPage& page, PlotTree& tree, Point at, double xstep
     page.Line({x, tree.ynode[a]}, {tree.xnode[a], tree.ynode[a]});
     page.Line({x, tree.ynode[b]}, {tree.xnode[b], tree.ynode[b]});
   };
-  Walk(tree.root(), children, enter, leave);
+  Walk(tree, enter, leave);
 }
 
 void DrawTreeVertically(PlotPage& page, PlotTree& tree, Point at, double xstep, double ystep,
                         int labels) {
   const ChildTable children = tree.children();
-  Starts start(children.nodes());
+  Starts start(tree);
   start.Set(tree.root(), at);
   const auto enter = [&](int v) {
     const double x = start.x[v];
@@ -137,7 +140,7 @@ void DrawTreeVertically(PlotPage& page, PlotTree& tree, Point at, double xstep, 
     page.Line({tree.xnode[a], y}, {tree.xnode[a], tree.ynode[a]});
     page.Line({tree.xnode[b], y}, {tree.xnode[b], tree.ynode[b]});
   };
-  Walk(tree.root(), children, enter, leave);
+  Walk(tree, enter, leave);
 }
 
 }  // namespace mardle

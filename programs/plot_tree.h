@@ -12,6 +12,13 @@
 
 namespace mardle {
 
+// Names of a tree's blocks: the routine and its two tables of positions.
+struct NodeBlocks {
+  const char* routine;
+  const char* x;
+  const char* y;
+};
+
 // A tree over n leaves, root 2n - 2. Leaf sizes are the room each leaf takes, in steps, and grow to
 // those of subtrees by SumSizes.
 struct PlotTree {
@@ -20,6 +27,7 @@ struct PlotTree {
   molva::Array<float> tsize;  // 2n sizes
   molva::Array<float> xnode;  // where each node was drawn
   molva::Array<float> ynode;
+  NodeBlocks blocks = {"PlotSparseTreeMatrix", ": xnode", ": ynode"};
 
   molva::ChildTable children() { return molva::ChildTable(ftree); }
   int root() const { return 2 * n - 2; }

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "programs/run.h"
 
+#include <new>
+
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/clock.h"
+#include "lib/support/fatal.h"
 #include "programs/feature_report.h"
 #include "programs/io/matrix.h"
 #include "programs/io/read_matrix.h"
@@ -112,9 +115,7 @@ void Report(RunParams& params, const Matrix& mat, const Solution& solution) {
   if (params.plotclustersfile && can_plot) PlotTreeClusterMatrix(params, mat, part);
 }
 
-}  // namespace
-
-int Run(int argc, char** argv) {
+int RunToTheEnd(int argc, char** argv) {
   RunParams params;
   ParseCommandLine(params, argc, argv);
   const molva::Owned<Matrix> mat = CreateMatrix();
@@ -126,6 +127,17 @@ int Run(int argc, char** argv) {
   Write(params, *mat, solution);
   Report(params, *mat, solution);
   return PrintTimingInfo(params);
+}
+
+}  // namespace
+
+// Strings and tables of the standard library carry no name of their own.
+int Run(int argc, char** argv) {
+  try {
+    return RunToTheEnd(argc, argv);
+  } catch (const std::bad_alloc&) {
+    molva::FatalError("***Memory allocation failed for mardle.");
+  }
 }
 
 }  // namespace mardle

@@ -62,7 +62,7 @@ void PrintClassView(const RunParams& params, const Matrix& mat, const int* part,
   std::printf("%s", drawing.canvas[0].data());
   if (has_classes) {
     classdist = CountClasses(params, mat, part);
-    cluster_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: lines");
+    cluster_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: ynode");
     for (int k = 0; k < params.nclusters; ++k) {
       if (drawing.ynode[k] >= 0) cluster_of_line[drawing.ynode[k]] = k;
     }
@@ -128,7 +128,7 @@ void PrintLabelView(const RunParams& params, const Matrix& mat, const int* part,
                     const molva::Array<int>& ptree, const molva::ChildTable& children) {
   const NodeNumbers n = MeasureNodes(params, mat, part, ptree);
   const TreeDrawing drawing = DrawTree(params.nclusters, children, true);
-  molva::Array<int> node_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: lines");
+  molva::Array<int> node_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: ynode");
   for (int x = 0; x < 2 * params.nclusters - 1; ++x) {
     if (drawing.ynode[x] >= 0) node_of_line[drawing.ynode[x]] = x;
   }

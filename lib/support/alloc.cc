@@ -86,6 +86,8 @@ void RVfree(void* block) {
   std::free(block);
 }
 
+std::size_t BytesInUse() { return bytes_in_use.load(std::memory_order_relaxed); }
+
 AllocateFunction SetAllocateFunction(AllocateFunction function) {
   return std::exchange(current_allocate, function);
 }

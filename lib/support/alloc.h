@@ -38,6 +38,9 @@ void* RVcalloc(std::size_t nbytes, BlockName name);
 void* RVmallocOrNull(std::size_t nbytes);
 void RVfree(void* block);
 
+// What all blocks that are not yet released take.
+std::size_t BytesInUse();
+
 // The function under both. Tests replace it (null stands for malloc and calloc) to make allocations
 // fail; the one replaced is returned.
 using AllocateFunction = void* (*)(std::size_t);

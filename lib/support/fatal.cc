@@ -4,10 +4,13 @@
 // through EndRun.
 #include "lib/support/fatal.h"
 
+#include <array>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <string>
+
+#include "lib/support/alloc.h"
 
 namespace molva {
 namespace {
@@ -25,27 +28,26 @@ EndHandler current_end = ExitWithStatusZero;
 
 thread_local int throwing_scopes = 0;
 
-// Messages quote file names and values of any length, so the text is sized before it is made.
-std::string FormatMessage(const char* format, std::va_list arguments) {
-  std::va_list measured;
-  va_copy(measured, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, measured);
-  va_end(measured);
-  if (length < 0) return format;
-  std::string message(static_cast<std::size_t>(length), '\0');
-  std::vsnprintf(message.data(), message.size() + 1, format, arguments);
-  return message;
-}
-
 }  // namespace
 
+// Memory may be the very thing that ran out, so a message is formatted in place. One that quotes a
+// long name or value gets a block of its own, and is cut when that cannot be had.
 void FatalError(const char* format, ...) {
-  std::va_list arguments;
+  std::array<char, 1024> room;
+  Array<char> block;
+  std::va_list arguments, arguments_again;
   va_start(arguments, format);
-  const std::string message = FormatMessage(format, arguments);
+  va_copy(arguments_again, arguments);
+  const int length = std::vsnprintf(room.data(), room.size(), format, arguments);
+  if (length >= static_cast<int>(room.size())) {
+    block = Array<char>::OrNone(std::int64_t{length} + 1);
+    std::vsnprintf(block.data(), block.size(), format, arguments_again);
+  }
+  va_end(arguments_again);
   va_end(arguments);
+  const char* const message = length < 0 ? format : block ? block.data() : room.data();
   if (throwing_scopes > 0) throw ThrownError(message);
-  current_handler(message.c_str());
+  current_handler(message);
   std::abort();  // Only a handler that breaks its promise comes here.
 }
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "lib/support/files.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 
@@ -16,8 +19,11 @@ void ReportFailedWrite(const char* path, int error) {
 
 }  // namespace
 
+// Opening may truncate what was there, so nothing may fail after it.
 File OpenFile(const char* path, const char* mode) {
-  return File{std::unique_ptr<std::FILE, CloseStream>(std::fopen(path, mode)), path};
+  File file{nullptr, path};
+  file.stream.reset(std::fopen(path, mode));
+  return file;
 }
 
 File RVfopen(const char* path, const char* mode, const char* name) {
@@ -41,6 +47,14 @@ void CloseFile(File& file) {
 void FlushStandardOutput() {
   const bool failed_now = std::fflush(stdout) != 0;
   if (failed_now || std::ferror(stdout) != 0) ReportFailedWrite("standard output", errno);
+}
+
+void OccupyStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1) continue;
+    // The lowest free number is this one. Open the wrong way round, it gives and takes nothing.
+    if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream) return;
+  }
 }
 
 int FileExists(const char* path) { return OpenFile(path, "r") ? 1 : 0; }

@@ -36,6 +36,10 @@ void CloseFile(File& file);
 // Flushes standard output and tells of failed writes as CloseFile does.
 void FlushStandardOutput();
 
+// Takes the places of standard streams that are closed, so that no file opened later gets the
+// number of one and the text that belongs there. Writing to such a stream still fails.
+void OccupyStandardStreams();
+
 // 1 when the file can be opened for reading, else 0. It is opened and closed again, so a pipe that
 // can be read once only loses its data here.
 int FileExists(const char* path);

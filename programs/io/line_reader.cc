@@ -12,7 +12,7 @@ namespace mardle {
 
 LineReader::LineReader(std::FILE* stream)
     : stream_(stream),
-      buffer_(kLineBuffer, "LineReader: buffer"),
+      buffer_(kLineBuffer, "ReadMatrix: Matrix"),
       begin_(buffer_.data()),
       end_(begin_) {}
 

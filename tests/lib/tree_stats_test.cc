@@ -177,7 +177,7 @@ TEST(TreeStatsEntryPoint, NamesItsBlocks) {
                    "MOLVA_V_GetTreeStats: ppart"}));
   const std::string centers = "GetClusterStats: centers";
   EXPECT_EQ(From("ShowTreeStats", names),
-            (Names{"ShowTreeStats: ftree", centers, centers, centers, "GetTreeStats: pwgts"}));
+            (Names{"ShowTreeStats: ftree", centers, centers, centers, centers}));
 }
 
 }  // namespace

@@ -333,7 +333,7 @@ TEST(TreeReport, NamesItsBlocks) {
   RunParams params = Params(2);
   EXPECT_EQ(BlocksOf(params),
             (Texts{"ptree", "tsims", "ftree", "xnode", "ynode", "tsize", "canvas", "canvas",
-                   "canvas", "canvas", "canvas", "classdist", "classdist", "classdist", "lines"}));
+                   "canvas", "canvas", "canvas", "classdist", "classdist", "classdist", "ynode"}));
   params.labeltree = 1;
   const Texts blocks = BlocksOf(params);
   EXPECT_EQ(Texts(blocks.begin(), blocks.begin() + 10),

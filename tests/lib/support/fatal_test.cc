@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <string>
 
+#include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 
@@ -31,6 +32,17 @@ TEST(FatalError, TakesTextsAsTheyAre) {
 TEST(FatalError, PrintsAMessageOfAnyLength) {
   const std::string name(100000, 'x');
   EXPECT_FATAL(FatalError("<%s>", name.c_str()), "<" + name + ">");
+}
+
+// Memory may be what the message is about.
+TEST(FatalError, CutsALongMessageWhenThereIsNoMemory) {
+  const std::string name(100000, 'x');
+  EXPECT_FATAL(
+      {
+        const testing_support::FailingAllocations failing(0);
+        FatalError("<%s>", name.c_str());
+      },
+      "<" + name.substr(0, 1022));
 }
 
 TEST(FatalError, FlushesWhatStandardOutputHolds) {

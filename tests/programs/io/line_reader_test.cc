@@ -169,13 +169,14 @@ TEST(LineReader, GivesNoLineThatAFailedReadCutsShort) {
   EXPECT_EQ(munmap(block, page), 0);
 }
 
-TEST(LineReader, NamesItsBufferWhenItCannotBeHad) {
+// Every file that is read is opened under this name.
+TEST(LineReader, NamesItsBufferAfterTheStream) {
   EXPECT_FATAL(
       {
         const testing_support::FailingAllocations failing(0);
         LineReader reader(stdin);
       },
-      "***Memory allocation failed for LineReader: buffer. Requested size: 131072 bytes");
+      "***Memory allocation failed for ReadMatrix: Matrix. Requested size: 131072 bytes");
 }
 
 TEST(StrippedLines, LoseTrailingBlanksTabsAndNewlines) {
