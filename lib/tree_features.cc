@@ -44,7 +44,8 @@ void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int*
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_GetTreeFeatures");
   MapPartIn(copy, part);
-  const std::size_t nodes = 2 * static_cast<std::size_t>(std::max(nparts, 0));
+  nparts = std::max(nparts, 0);
+  const std::size_t nodes = 2 * static_cast<std::size_t>(nparts);
   GetTreeFeatures(*copy.mat, nparts, copy.part(), {ptree, nodes},
                   {copy.cperm, nfeatures, internalids, internalwgts},
                   {copy.cperm, nfeatures, externalids, externalwgts});

@@ -52,7 +52,8 @@ void MOLVA_V_GetTreeStats(int nrows, int ncols, const int* rowptr, const int* ro
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_GetTreeStats");
   MapPartIn(copy, part);
-  const std::size_t nodes = 2 * static_cast<std::size_t>(std::max(nparts, 0));
+  nparts = std::max(nparts, 0);
+  const std::size_t nodes = 2 * static_cast<std::size_t>(nparts);
   GetTreeStats(*copy.mat, nparts, copy.part(), {ptree, nodes}, {pwgts, nodes}, {isims, nodes},
                {xsims, nodes});
 }

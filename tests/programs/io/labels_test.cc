@@ -188,6 +188,31 @@ TEST_F(CompanionFiles, SplitAnOverlongLineAsTheMatrixDoes) {
   EXPECT_EQ(Of(Read(3, 1).rlabels), (Texts{first, "yy", "three"}));
 }
 
+// The buffer holds 131,071 characters, the newline included where it has room.
+TEST_F(CompanionFiles, SplitLinesWhereTheBufferEnds) {
+  const std::string fits(131070, 'x');
+  struct Case {
+    std::string line;
+    Texts entries;
+  };
+  const std::vector<Case> cases = {{fits, {fits, "next"}},
+                                   {fits + "y", {fits + "y", "", "next"}},
+                                   {fits + "yz", {fits + "y", "z", "next"}},
+                                   {fits + "yzz", {fits + "y", "zz", "next"}}};
+  for (const auto& [line, entries] : cases) {
+    for (const char* suffix : {"clabel", "rlabel", "rclass"}) {
+      folder_.Write(std::string("docs.mat.") + suffix, line + "\nnext\n");
+    }
+    const int n = static_cast<int>(entries.size());
+    const Matrix mat = Read(n, n);
+    EXPECT_EQ(Of(mat.clabels), entries) << line.size();
+    EXPECT_EQ(Of(mat.rlabels), entries) << line.size();
+    EXPECT_EQ(Of(mat.rclasses), entries) << line.size();
+    EXPECT_EQ(mat.nclasses, n) << line.size();
+    EXPECT_EQ(Of(mat.classnames), entries) << line.size();
+  }
+}
+
 // A cut name would open another file.
 TEST_F(CompanionFiles, HaveNamesOfAnyLength) {
   const std::string folder = std::string(200, 'a') + "/" + std::string(200, 'b');
