@@ -27,8 +27,8 @@ Kind KindOf(const ImportOptions& options, InputFormat format) {
 
 void Require(bool useful, bool given, const char* option, InputFormat format) {
   if (given && !useful) {
-    throw std::invalid_argument(std::string(option) + " has no use here: the input is " +
-                                NameOf(format));
+    throw std::invalid_argument(std::string(option) +
+                                " has no use for this input: " + NameOf(format));
   }
 }
 

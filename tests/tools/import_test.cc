@@ -81,7 +81,7 @@ TEST(Import, OptionsWithoutUseAreRefused) {
   for (const auto& example : kCases) {
     Imported imported(example.name, example.text);
     example.change(imported.options);
-    EXPECT_TRUE(imported.Failure().starts_with(example.option + " has no use here: the input is "))
+    EXPECT_TRUE(imported.Failure().starts_with(example.option + " has no use for this input: "))
         << example.option;
   }
 }
