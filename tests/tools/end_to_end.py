@@ -1,0 +1,195 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""From texts and tables to clusters, with the built programs.
+
+Usage: end_to_end.py MARDLE MARDLE-IMPORT MARDLE-RUN
+"""
+
+import os
+import pathlib
+import shutil
+import signal
+import stat
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TEXTS = pathlib.Path(__file__).resolve().parent / "data" / "texts"
+MARDLE, IMPORT, RUN = (os.path.abspath(path) for path in sys.argv[1:4])
+
+
+class EndToEnd(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def write(self, name, text):
+        (self.folder / name).write_text(text)
+        return name
+
+    def call(self, program, *arguments, **environment):
+        return subprocess.run([program, *map(str, arguments)], cwd=self.folder, text=True,
+                              capture_output=True, env={**os.environ, **environment}, check=False)
+
+    def run_tool(self, *arguments, **environment):
+        return self.call(RUN, *arguments, **{"MARDLE": MARDLE, **environment})
+
+    def stand_in(self, script):
+        """A program that is run instead of mardle."""
+        path = self.folder / "stand-in"
+        path.write_text("#!/bin/sh\n" + script)
+        path.chmod(path.stat().st_mode | stat.S_IXUSR)
+        return str(path)
+
+    def lines(self, name):
+        return (self.folder / name).read_text().splitlines()
+
+    def small_matrix(self):
+        self.write("m", "3 2 4\n1 1\n1 2 2 1\n2 1\n")
+
+
+class Importing(EndToEnd):
+    def test_texts_are_clustered_by_their_subject(self):
+        made = self.call(IMPORT, "--folder-classes", TEXTS, "texts.mat")
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+        self.assertIn("texts.mat: 10 rows, ", made.stdout)
+        run = self.run_tool("-showfeatures", "texts.mat", 0)
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+        self.assertIn("Entropy: 0.000, Purity: 1.000", run.stdout)
+        clusters = dict(zip(self.lines("texts.mat.rclass"), self.lines("texts.mat.clustering.3")))
+        pairs = set(zip(self.lines("texts.mat.rclass"), self.lines("texts.mat.clustering.3")))
+        self.assertEqual(pairs, set(clusters.items()))
+        self.assertEqual(sorted(clusters), ["garden", "music", "sea"])
+
+    def test_a_table_is_clustered_as_the_summary_says(self):
+        self.write("t.csv", "name,x,y\n" + "".join(
+            f"r{i},{9 if i < 3 else 1},{1 if i < 3 else 9}\n" for i in range(6)))
+        made = self.call(IMPORT, "--label-column", "name", "t.csv", "t.mat")
+        self.assertIn("Cluster with: mardle -denseinput t.mat NCLUSTERS\n", made.stdout)
+        self.assertEqual(self.run_tool("-denseinput", "t.mat", 2).returncode, 0)
+        clusters = self.lines("t.mat.clustering.2")
+        self.assertEqual((len(set(clusters[:3])), len(set(clusters[3:]))), (1, 1))
+        self.assertNotEqual(clusters[0], clusters[5])
+
+    def test_standard_input_is_read(self):
+        made = subprocess.run([IMPORT, "-", "s.mat"], cwd=self.folder, input=b"1 1:2\n-1 2:3\n",
+                              capture_output=True, check=False)
+        self.assertEqual(made.returncode, 0, made.stderr)
+        self.assertEqual(self.lines("s.mat.rclass"), ["1", "-1"])
+
+    def test_an_error_names_file_and_line_and_leaves_nothing(self):
+        self.write("t.csv", "a,b\n1,2\n3,x\n")
+        made = self.call(IMPORT, "t.csv", "t.mat")
+        self.assertEqual((made.returncode, made.stdout), (1, ""))
+        self.assertTrue(made.stderr.startswith("mardle-import: t.csv:3: column 2 (b) is no number"))
+        self.assertEqual(os.listdir(self.folder), ["t.csv"])
+
+    def test_files_are_replaced_on_request_alone(self):
+        self.write("l.txt", "aa\naa\n")
+        self.write("l.mat", "mine")
+        made = self.call(IMPORT, "l.txt", "l.mat")
+        self.assertEqual(made.returncode, 1)
+        self.assertEqual(made.stderr,
+                         "mardle-import: l.mat: exists already; --force replaces it\n")
+        self.assertEqual(self.call(IMPORT, "--force", "--quiet", "l.txt", "l.mat").stdout, "")
+        self.assertEqual(self.lines("l.mat")[1:], ["1 1", "1 1"])
+
+    def test_wrong_usage_has_status_2(self):
+        self.write("l.txt", "aa\n")
+        for arguments in ([], ["--bogus", "l.txt", "x"], ["--sparse", "l.txt", "x"],
+                          ["--token-pattern", "([", "l.txt", "x"]):
+            self.assertEqual(self.call(IMPORT, *arguments).returncode, 2, arguments)
+
+    def test_version_and_help_succeed(self):
+        for program in (IMPORT, RUN):
+            name = os.path.basename(program)
+            version = self.call(program, "--version")
+            self.assertRegex(version.stdout, rf"^{name} \d+\.\d+\.\d+\n$")
+            self.assertEqual(version.returncode, 0)
+            self.assertEqual(self.call(program, "--help").returncode, 0)
+
+
+class Running(EndToEnd):
+    def test_output_passes_through(self):
+        self.small_matrix()
+        program = self.stand_in('printf "out %s" "$*"; printf "err" >&2; exit 0\n')
+        run = self.run_tool("m", "a b", MARDLE=program)
+        self.assertEqual((run.stdout, run.stderr),
+                         ("out m a b", "errmardle-run: the run was not completed\n"))
+
+    def test_success_is_0_and_failure_1(self):
+        self.small_matrix()
+        self.assertEqual(self.run_tool("m", 2).returncode, 0)
+        failed = self.run_tool("nosuch", 2)
+        self.assertEqual(failed.returncode, 1)
+        self.assertIn("(nosuch) does not exist!", failed.stderr)
+
+    def test_every_result_of_a_run_is_found(self):
+        self.small_matrix()
+        run = self.run_tool("-zscores", "-fulltree", "-writetree", "-output=c", "-plotmatrix=m.ps",
+                            "-plotclusters=c.ps", "m", 2)
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+        self.assertEqual(self.run_tool("-writetree=t", "-nooutput", "m", 2).returncode, 0)
+
+    def test_a_result_that_is_missing_or_short_is_a_failure(self):
+        self.small_matrix()
+        run = self.run_tool("m", 2, MARDLE=self.stand_in("exit 84\n"))
+        self.assertEqual(run.returncode, 1)
+        self.assertEqual(run.stderr, "mardle-run: m.clustering.2: No such file or directory\n")
+        run = self.run_tool("m", 2, MARDLE=self.stand_in("echo 0 > m.clustering.2; exit 84\n"))
+        self.assertEqual(run.returncode, 1)
+        self.assertEqual(run.stderr, "mardle-run: m.clustering.2: incomplete, 1 of 3 lines\n")
+
+    def test_a_drawing_that_mardle_does_not_make_is_a_failure(self):
+        self.small_matrix()
+        self.write("old.ps", "an older drawing")
+        run = self.run_tool("-sim=2", "-plotmatrix=old.ps", "m", 2)
+        self.assertEqual((run.returncode, run.stderr), (1, "mardle-run: old.ps: not drawn\n"))
+
+    def test_results_on_standard_output_are_not_read_back(self):
+        self.small_matrix()
+        with open(self.folder / "all", "w", encoding="utf-8") as report:
+            run = subprocess.run([RUN, "-output=/dev/stdout", "m", "2"], cwd=self.folder,
+                                 stdout=report, env={**os.environ, "MARDLE": MARDLE}, check=False)
+        self.assertEqual(run.returncode, 0)
+
+    def test_help_succeeds_and_wrong_usage_has_status_2(self):
+        shown = self.run_tool("-help")
+        self.assertEqual((shown.returncode, shown.stdout),
+                         (0, self.call(MARDLE, "-help").stdout))
+        for arguments in ([], ["m"], ["-bogus", "m", "2"]):
+            self.assertEqual(self.run_tool(*arguments).returncode, 2, arguments)
+
+    def test_a_missing_mardle_has_status_127(self):
+        for name in ("/nosuch/mardle", "no-such-mardle", RUN):
+            self.assertEqual(self.run_tool("m", 2, MARDLE=name).returncode, 127, name)
+
+    def test_mardle_is_found_beside_the_program_or_on_the_path(self):
+        self.small_matrix()
+        moved = self.folder / "bin"
+        moved.mkdir()
+        shutil.copy(RUN, moved / "mardle-run")
+        environment = {"MARDLE": "", "PATH": os.path.dirname(MARDLE)}
+        self.assertEqual(self.call(moved / "mardle-run", "m", 2, **environment).returncode, 0)
+        environment["PATH"] = "/nosuch"
+        self.assertEqual(self.call(moved / "mardle-run", "m", 2, **environment).returncode, 127)
+        shutil.copy(MARDLE, moved / "mardle")
+        self.assertEqual(self.call(moved / "mardle-run", "m", 2, **environment).returncode, 0)
+
+    def test_a_program_that_cannot_be_started_has_status_126(self):
+        program = self.stand_in("")
+        pathlib.Path(program).write_bytes(b"\x7fELF no program")
+        self.assertEqual(self.run_tool("m", 2, MARDLE=program).returncode, 126)
+
+    def test_signals_reach_mardle_and_end_both(self):
+        program = self.stand_in('echo ready; exec sleep 60\n')
+        with subprocess.Popen([RUN, "m", "2"], stdout=subprocess.PIPE, cwd=self.folder,
+                              env={**os.environ, "MARDLE": program}) as run:
+            run.stdout.readline()
+            run.send_signal(signal.SIGTERM)
+            self.assertEqual(run.wait(), -signal.SIGTERM)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

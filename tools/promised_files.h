@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+//
+// The files that a command line of mardle promises, and whether they are there.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "programs/run_params.h"
+
+namespace mardle::tools {
+
+// What a command line asks for.
+enum class Request { kRun, kHelp, kRefused };
+
+// Reads the arguments, the program's name first, as mardle does; fills params for a run.
+Request ReadCommandLine(const std::vector<std::string>& command_line, RunParams& params);
+
+// What a file was like at some time; nothing when there was none.
+struct FileState {
+  ino_t file = 0;
+  off_t size = 0;
+  timespec changed{};
+  static std::optional<FileState> Of(const std::string& name);
+  bool operator==(const FileState& other) const;
+};
+
+// A drawing, and what stood under its name before the run.
+struct Drawing {
+  std::string name;
+  std::optional<FileState> before;
+};
+
+// The drawings that a run is asked for; to be called before it.
+std::vector<Drawing> DrawingsOf(const RunParams& params);
+
+// Checks what a completed run has left, and returns what is wrong, a sentence for each file. The
+// clustering file has a line for each row of the matrix, a tree file one for each node, a drawing
+// is new and not empty. Files that are no regular files, such as /dev/null, are not checked.
+std::vector<std::string> MissingResults(const RunParams& params,
+                                        const std::vector<Drawing>& drawings);
+
+}  // namespace mardle::tools

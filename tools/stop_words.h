@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+//
+// Words that are left out of texts.
+#pragma once
+
+#include <string>
+#include <unordered_set>
+
+namespace mardle::tools {
+
+using StopWords = std::unordered_set<std::string>;
+
+// Common function words of English, and the pieces that contractions leave ("don", "ll").
+StopWords EnglishStopWords();
+
+// "english", "none", or else the name of a file: words between blanks and line ends, in any case.
+StopWords StopWordsNamed(const std::string& name);
+
+}  // namespace mardle::tools
