@@ -1,5 +1,6 @@
 # Fails when an include arrow turns back: support <- lib <- programs/io <- programs. Programs see
 # the library through lib/molva.h and lib/support/ only; programs/io also sees run_params.h.
+# Tools see what programs/io sees, programs/io, and how programs measure and name things.
 #   cmake -DSOURCE_DIR=... -P CheckIncludes.cmake
 
 set(offences "")
@@ -22,6 +23,7 @@ check(lib/support "lib/support/[a-z0-9_]+\\.h")
 check(lib "lib/(support/)?[a-z0-9_]+\\.h")
 check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|programs/run_params\\.h)")
 check(programs "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h)")
+check(tools "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|programs/(run_params|code_names|external_quality)\\.h|tools/[a-z0-9_]+\\.h)")
 
 if(offences)
   message(FATAL_ERROR "Includes that go the wrong way:\n${offences}")

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+#include "tools/export_run.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "lib/support/fatal.h"
+#include "tools/export_clustering.h"
+#include "tools/export_dot.h"
+#include "tools/export_failure.h"
+#include "tools/export_linkage.h"
+#include "tools/export_newick.h"
+#include "tools/export_request.h"
+#include "tools/export_rows.h"
+#include "tools/export_table.h"
+#include "tools/export_tree.h"
+#include "tools/html_page.h"
+
+namespace mardle::exporting {
+namespace {
+
+// Errors of the library and of the readers become failures while it lives.
+class FatalFails {
+ public:
+  FatalFails() : replaced_(molva::SetFatalHandler(Fail)) {}
+  ~FatalFails() { molva::SetFatalHandler(replaced_); }
+  FatalFails(const FatalFails&) = delete;
+  FatalFails& operator=(const FatalFails&) = delete;
+
+ private:
+  static void Fail(const char* message) {
+    std::string text = message;
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    throw Failure(text);
+  }
+  molva::FatalHandler replaced_;
+};
+
+// The whole text is made first, so a run that fails leaves an older file as it was.
+void WriteOut(const std::string& path, const std::string& text) {
+  if (path.empty()) {
+    std::cout << text << std::flush;
+    if (!std::cout) throw Failure("standard output: " + std::string(std::strerror(errno)));
+    return;
+  }
+  std::ofstream file(path, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file) throw Failure(path + ": " + std::strerror(errno));
+}
+
+std::string Table(const Request& request) {
+  const Matrix names = ReadRowNames(request.files);
+  const Clustering clustering = ReadClustering(request.clustering, names.nrows);
+  std::ostringstream out;
+  (request.format == Format::kTsv ? WriteTsv : WriteJson)(names, clustering, out);
+  return out.str();
+}
+
+// Rows by their labels; without a matrix leaves by their numbers.
+std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
+  std::vector<std::string> labels(static_cast<std::size_t>(tree.nleaves));
+  if (request.files.matrix.empty()) {
+    for (std::size_t x = 0; x < labels.size(); ++x) labels[x] = std::to_string(x);
+    return labels;
+  }
+  const Matrix names = ReadRowNames(request.files);
+  if (names.nrows != tree.nleaves) {
+    throw FailureAt(request.tree, tree.parent.size(),
+                    "the file ends here, a tree of " + std::to_string(tree.nleaves) +
+                        " leaves; the matrix has " + std::to_string(names.nrows) + " rows");
+  }
+  for (std::size_t x = 0; x < labels.size(); ++x) {
+    labels[x] = names.rlabels[static_cast<std::int64_t>(x)];
+  }
+  return labels;
+}
+
+void WriteLeaves(const Request& request, const Tree& tree, const std::vector<std::string>& labels) {
+  std::string text;
+  for (const int leaf : tree.Leaves()) text += labels[static_cast<std::size_t>(leaf)] + "\n";
+  WriteOut(request.leaves, text);
+}
+
+std::string TreeText(const Request& request) {
+  const Tree tree = ReadTree(request.tree);
+  const std::vector<std::string> labels = LeafLabels(request, tree);
+  const std::vector<double> heights = Heights(tree, request.heights);
+  std::ostringstream out;
+  if (request.format == Format::kNewick) WriteNewick(tree, labels, heights, out);
+  if (request.format == Format::kLinkage) WriteLinkage(tree, heights, out);
+  if (request.format == Format::kDot) WriteDot(tree, labels, heights, out);
+  if (!request.leaves.empty()) WriteLeaves(request, tree, labels);
+  return out.str();
+}
+
+std::string Page(const Request& request) {
+  const Matrix mat = ReadWholeMatrix(request.files, request.run.denseinput);
+  const Clustering clustering = ReadClustering(request.clustering, mat.nrows);
+  std::ostringstream out;
+  WriteHtmlPage({request.files.matrix, request.clustering, request.tree, request.run, mat},
+                clustering, out);
+  return out.str();
+}
+
+std::string Text(const Request& request) {
+  switch (request.format) {
+    case Format::kTsv:
+    case Format::kJson:
+      return Table(request);
+    case Format::kNewick:
+    case Format::kLinkage:
+    case Format::kDot:
+      return TreeText(request);
+    case Format::kHtml:
+      return Page(request);
+  }
+  return {};
+}
+
+}  // namespace
+
+int Export(int argc, const char* const* argv) {
+  const std::variant<Request, int> parsed = ParseRequest(argc, argv);
+  if (const int* status = std::get_if<int>(&parsed)) return *status;
+  const Request& request = std::get<Request>(parsed);
+  const FatalFails fatal_fails;
+  try {
+    WriteOut(request.output, Text(request));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "mardle-export: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace mardle::exporting
