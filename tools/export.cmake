@@ -14,6 +14,7 @@ add_library(mardle_export_app STATIC
   export_dot.cc
   export_escape.cc
   export_fields.cc
+  export_file.cc
   export_linkage.cc
   export_newick.cc
   export_request.cc

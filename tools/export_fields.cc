@@ -2,23 +2,16 @@
 #include "tools/export_fields.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdlib>
-#include <cstring>
 
 #include "tools/export_failure.h"
+#include "tools/export_file.h"
 
 namespace mardle::exporting {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r";
-
-molva::File OpenOrFail(const std::string& path) {
-  molva::File file = molva::OpenFile(path.c_str(), "r");
-  if (!file) throw Failure(path + ": " + std::strerror(errno));
-  return file;
-}
 
 std::vector<std::string_view> Split(std::string_view text) {
   std::vector<std::string_view> fields;

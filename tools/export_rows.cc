@@ -1,24 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export_rows.h"
 
-#include <cerrno>
-#include <cstring>
-
 #include "lib/support/files.h"
 #include "programs/io/labels.h"
 #include "programs/io/line_reader.h"
 #include "programs/io/read_matrix.h"
 #include "tools/export_failure.h"
+#include "tools/export_file.h"
 
 namespace mardle::exporting {
 namespace {
 
-molva::File OpenOrFail(const std::string& path) {
-  molva::File file = molva::OpenFile(path.c_str(), "r");
-  if (!file) throw Failure(path + ": " + std::strerror(errno));
-  return file;
-}
-
+// A named file has to be there; the readers would go on without it.
 molva::String NameOrNull(const std::string& name) {
   if (name.empty()) return {};
   OpenOrFail(name);

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export_run.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <exception>
-#include <fstream>
-#include <iostream>
 #include <sstream>
 #include <string>
 #include <variant>
@@ -16,6 +12,7 @@
 #include "tools/export_clustering.h"
 #include "tools/export_dot.h"
 #include "tools/export_failure.h"
+#include "tools/export_file.h"
 #include "tools/export_linkage.h"
 #include "tools/export_newick.h"
 #include "tools/export_request.h"
@@ -43,19 +40,6 @@ class FatalFails {
   }
   molva::FatalHandler replaced_;
 };
-
-// The whole text is made first, so a run that fails leaves an older file as it was.
-void WriteOut(const std::string& path, const std::string& text) {
-  if (path.empty()) {
-    std::cout << text << std::flush;
-    if (!std::cout) throw Failure("standard output: " + std::string(std::strerror(errno)));
-    return;
-  }
-  std::ofstream file(path, std::ios::binary);
-  file << text;
-  file.close();
-  if (!file) throw Failure(path + ": " + std::strerror(errno));
-}
 
 std::string Table(const Request& request) {
   const Matrix names = ReadRowNames(request.files);
@@ -87,7 +71,7 @@ std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
 void WriteLeaves(const Request& request, const Tree& tree, const std::vector<std::string>& labels) {
   std::string text;
   for (const int leaf : tree.Leaves()) text += labels[static_cast<std::size_t>(leaf)] + "\n";
-  WriteOut(request.leaves, text);
+  WriteOrFail(request.leaves, text);
 }
 
 std::string TreeText(const Request& request) {
@@ -134,7 +118,8 @@ int Export(int argc, const char* const* argv) {
   const Request& request = std::get<Request>(parsed);
   const FatalFails fatal_fails;
   try {
-    WriteOut(request.output, Text(request));
+    // The whole text is made first, so a run that fails leaves an older file as it was.
+    WriteOrFail(request.output, Text(request));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "mardle-export: %s\n", error.what());
     return 1;

@@ -2,9 +2,11 @@
 #include "tools/html_page_numbers.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "lib/molva.h"
 #include "lib/support/tree_arrays.h"
+#include "lib/support/vectors.h"
 #include "programs/external_quality.h"
 #include "tools/export_failure.h"
 #include "tools/export_tree.h"
@@ -14,6 +16,9 @@ namespace {
 
 using molva::AllocFloatsSet;
 using molva::AllocIntsSet;
+
+// The z-score of a row that preparation drops.
+constexpr float kUnmeasured = std::numeric_limits<float>::quiet_NaN();
 
 FeatureLists EmptyLists(std::int64_t lists, int nfeatures) {
   const std::int64_t slots = lists * nfeatures;
@@ -27,10 +32,10 @@ void MeasureClusters(const PageRun& run, const int* part, PageNumbers& numbers) 
   numbers.pwgts = AllocIntsSet(n, 0, "Measure: pwgts");
   numbers.cintsim = AllocFloatsSet(n, 0, "Measure: cintsim");
   numbers.cintsdev = AllocFloatsSet(n, 0, "Measure: cintsdev");
-  numbers.izscores = AllocFloatsSet(mat.nrows, 0, "Measure: izscores");
+  numbers.izscores = AllocFloatsSet(mat.nrows, kUnmeasured, "Measure: izscores");
   numbers.cextsim = AllocFloatsSet(n, 0, "Measure: cextsim");
   numbers.cextsdev = AllocFloatsSet(n, 0, "Measure: cextsdev");
-  numbers.ezscores = AllocFloatsSet(mat.nrows, 0, "Measure: ezscores");
+  numbers.ezscores = AllocFloatsSet(mat.nrows, kUnmeasured, "Measure: ezscores");
   MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
                           mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
                           params.prune, n, part, numbers.pwgts.get(), numbers.cintsim.get(),
@@ -125,6 +130,8 @@ void MeasureTree(const PageRun& run, const int* part, int nclusters, ClusterTree
                        params.simfun, params.rowmodel, params.colmodel, params.prune, nclusters,
                        part, tree.ptree.get(), tree.pwgts.get(), tree.isims.get(),
                        tree.xsims.get());
+  // Where only one cluster has rows nothing is joined.
+  if (tree.root < nclusters) tree.root = molva::ArgMaxInt(tree.pwgts);
   tree.descriptive = EmptyLists(nodes, params.nfeatures);
   FeatureLists discriminating = EmptyLists(nodes, params.nfeatures);
   MOLVA_V_GetTreeFeatures(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),

@@ -49,7 +49,7 @@ std::vector<int> ClassColours(const PageNumbers& numbers) {
 
 namespace {
 
-// One piece of a strip: from `begin`, as shares of the strip's place.
+// The rows of one colour in a strip.
 struct Piece {
   int colour;
   int rows;

@@ -237,6 +237,53 @@ class Federalist(unittest.TestCase):
         self.assertEqual([data["classnames"][c] for c in data["classes"]], classes)
 
 
+class Parameters(unittest.TestCase):
+    """Runs under other parameters: the page shows their reports' numbers too."""
+    RUNS = [("-crfun=1", "-rowmodel=2"), ("-crfun=3", "-colmodel=1", "-rowmodel=3"),
+            ("-crfun=6", "-prune=0.6", "-rowmodel=4"), ("-sim=2", "-crfun=4"),
+            ("-crfun=9", "-treecrfun=1"), ("-denseinput", "-crfun=5", "-nfeatures=3")]
+
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = pathlib.Path(scratch.name)
+
+    def write_matrix(self, dense):
+        """Forty rows over twelve columns, three blocks of like rows with a common tail."""
+        lines = []
+        for i in range(40):
+            entries = {(i % 3) * 3 + j: 1 + (i * (j + 2)) % 4 for j in range(3)}
+            entries.update({9 + (i + j) % 3: 1 + (i + j) % 2 for j in range(2)})
+            lines.append(" ".join(str(entries.get(j, 0)) for j in range(12)) if dense else
+                         " ".join(f"{j + 1} {value}" for j, value in sorted(entries.items())))
+        matrix = self.folder / "m"
+        matrix.write_text(("40 12\n" if dense else "40 12 200\n") + "\n".join(lines) + "\n")
+        return matrix
+
+    def test_show_in_the_numbers(self):
+        for options in self.RUNS:
+            with self.subTest(options=options):
+                self.compare(options, self.write_matrix("-denseinput" in options))
+
+    def compare(self, options, matrix):
+        clustering = self.folder / "c"
+        of_run = [option for option in options if not option.startswith("-treecrfun")]
+        report = run(MARDLE, "-showfeatures", f"-output={clustering}", *of_run, matrix, 4, status=84)
+        page = make_page(self.folder, "--matrix", matrix, "--clustering", clustering,
+                         *("-" + option for option in options))
+        wanted = [[re.sub(r"^[+-](nan|inf)$", "n/a", field).lstrip("+") for field in line.split("|")[0].split()]
+                  for line in report.splitlines() if re.match(r"^ +\d+ +\d+ [+-]", line)]
+        cells = [e["text"] for e in page.within(page.section("quality")) if e["tag"] in ("td", "th")][6:]
+        self.assertEqual([cells[i:i + 6] for i in range(0, len(cells), 6)], wanted)
+        name, value = re.search(r"\[(\S+)=(\S+)\]", report).groups()
+        tiles = dict(zip([e["text"] for e in page.all("dt")], [e["text"] for e in page.all("dd")]))
+        self.assertAlmostEqual(float(tiles["Criterion " + name]) / float(value), 1, delta=0.0056)
+        told = [re.findall(r"(\S+) +([\d.]+)%", line) for line in report.splitlines()
+                if re.match(r" +(Descriptive|Discriminating):", line)]
+        shown = [re.findall(r"(\S+) ([\d.]+)%", e["text"]) for e in page.all("ol", **{"class": "features"})]
+        self.assertEqual(shown, told)
+
+
 class Labels(unittest.TestCase):
     """Labels that try to become markup, script or broken text."""
     HOSTILE = ["</script><script>alert(1)</script>", "<!--<script>", "\" onmouseover=\"alert(1)", "'&amp;<b>"]

@@ -128,6 +128,14 @@ TEST_F(ExportRun, SkipsEmptyClusters) {
   EXPECT_THAT(outcome.out, HasSubstr("Cluster 1"));
 }
 
+TEST_F(ExportRun, ShowsTheOnlyClusterWithRowsAsTheTree) {
+  Write("last", "1\n1\n-1\n1\n1\n");
+  const Outcome outcome = Run({"html", "--clustering", "@last", "--matrix", "@m"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  const std::string tree = outcome.out.substr(outcome.out.find("<ul class=\"tree\">"));
+  EXPECT_THAT(tree.substr(0, 100), HasSubstr(">Cluster 1</a> <span class=\"dim\">4 rows"));
+}
+
 TEST_F(ExportRun, FailsWithoutItsFiles) {
   const std::string none = ": No such file or directory\n";
   EXPECT_EQ(Failure({"tsv", "--clustering", "/no/c", "--matrix", "@m"}),
