@@ -3,7 +3,6 @@
 // One card per cluster: the columns that describe it and those that tell it from the rest, each
 // with a bar. All bars of the page have one scale, so a cluster of faint columns looks faint.
 #include <algorithm>
-#include <cmath>
 
 #include "tools/export_escape.h"
 #include "tools/html_page_parts.h"
@@ -11,32 +10,31 @@
 namespace mardle::exporting {
 namespace {
 
-void AddLargest(const FeatureLists& lists, double& largest) {
-  for (std::size_t slot = 0; slot < lists.ids.size(); ++slot) {
-    const auto weight = static_cast<double>(lists.weights[slot]);
-    if (lists.ids[slot] >= 0 && std::isfinite(weight)) largest = std::max(largest, weight);
-  }
-}
-
-double LargestShare(const PageNumbers& numbers) {
+double LargestShare(const PageRun& run, const PageNumbers& numbers) {
   double largest = 0;
-  AddLargest(numbers.descriptive, largest);
-  AddLargest(numbers.discriminating, largest);
+  for (const FeatureLists* lists : {&numbers.descriptive, &numbers.discriminating}) {
+    for (int k = 0; k < numbers.nclusters; ++k) {
+      for (const Feature& feature : FeaturesOf(run, *lists, k)) {
+        largest = std::max(largest, feature.share);
+      }
+    }
+  }
   return largest > 0 ? largest : 1;
 }
 
-void WriteList(const PageRun& run, const FeatureLists& lists, int k, const char* title,
-               double largest, std::ostream& out) {
-  out << "<div><h4>" << title << "</h4><ol class=\"features\">\n";
-  const std::int64_t begin = std::int64_t{k} * run.params.nfeatures;
-  for (std::int64_t slot = begin; slot < begin + run.params.nfeatures; ++slot) {
-    if (lists.ids[slot] < 0) continue;
-    const auto share = static_cast<double>(lists.weights[slot]);
-    out << "<li><span class=\"name\">" << Html(run.mat.clabels[lists.ids[slot]])
-        << "</span> <span class=\"share\">" << Decimals(100 * share, 1)
-        << "%</span><svg width=\"100%\" height=\"5\" aria-hidden=\"true\"><rect width=\""
-        << Percent(share / largest) << "\" height=\"5\"/></svg></li>\n";
-  }
+void WriteFeature(const Feature& feature, double largest, std::ostream& out) {
+  out << "<li><span class=\"name\">" << Html(feature.name) << "</span> <span class=\"share\">"
+      << Decimals(100 * feature.share, 1)
+      << "%</span><svg width=\"100%\" height=\"5\" aria-hidden=\"true\"><rect width=\""
+      << Percent(feature.share / largest) << "\" height=\"5\"/></svg></li>\n";
+}
+
+void WriteList(const std::vector<Feature>& features, const char* title, double largest,
+               std::ostream& out) {
+  out << "<div><h4>" << title << "</h4>";
+  if (features.empty()) out << "<p class=\"dim\">none</p>";
+  out << "<ol class=\"features\">\n";
+  for (const Feature& feature : features) WriteFeature(feature, largest, out);
   out << "</ol></div>\n";
 }
 
@@ -50,8 +48,8 @@ void WriteCard(const PageRun& run, const PageNumbers& numbers, const std::vector
       << "\" hidden>Show rows</button></p>\n";
   if (numbers.has_classes) WriteClassStrip(run, numbers, colours, k, 1, out);
   out << "<div class=\"lists\">\n";
-  WriteList(run, numbers.descriptive, k, "Descriptive", largest, out);
-  WriteList(run, numbers.discriminating, k, "Discriminating", largest, out);
+  WriteList(FeaturesOf(run, numbers.descriptive, k), "Descriptive", largest, out);
+  WriteList(FeaturesOf(run, numbers.discriminating, k), "Discriminating", largest, out);
   out << "</div></article>\n";
 }
 
@@ -59,7 +57,7 @@ void WriteCard(const PageRun& run, const PageNumbers& numbers, const std::vector
 
 void WriteFeatureCards(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
   const std::vector<int> colours = ClassColours(numbers);
-  const double largest = LargestShare(numbers);
+  const double largest = LargestShare(run, numbers);
   out << "<section id=\"features\" aria-labelledby=\"features-heading\">\n"
          "<h2 id=\"features-heading\">What the clusters are about</h2>\n"
          "<p class=\"dim\">Descriptive columns by their share of the cluster’s internal similarity, "

@@ -96,15 +96,15 @@ void WriteClassStrip(const PageRun& run, const PageNumbers& numbers,
   out << "</svg>";
 }
 
-std::string FeatureLine(const PageRun& run, const FeatureLists& lists, int list) {
-  std::string line;
+std::vector<Feature> FeaturesOf(const PageRun& run, const FeatureLists& lists, int list) {
+  std::vector<Feature> features;
   const std::int64_t begin = std::int64_t{list} * run.params.nfeatures;
   for (std::int64_t slot = begin; slot < begin + run.params.nfeatures; ++slot) {
-    if (lists.ids[slot] < 0) continue;
-    line += (line.empty() ? "" : ", ") + Html(run.mat.clabels[lists.ids[slot]]) + " " +
-            Decimals(100.0 * static_cast<double>(lists.weights[slot]), 1) + "%";
+    if (lists.ids[slot] < 0 || !std::isfinite(lists.weights[slot])) continue;
+    features.push_back(
+        {run.mat.clabels[lists.ids[slot]], static_cast<double>(lists.weights[slot])});
   }
-  return line;
+  return features;
 }
 
 }  // namespace mardle::exporting

@@ -28,8 +28,13 @@ constexpr int kOtherClasses = 8;
 void WriteClassStrip(const PageRun& run, const PageNumbers& numbers,
                      const std::vector<int>& colours, int cluster, double share, std::ostream& out);
 
-// The best columns of a list with their shares, in one line.
-std::string FeatureLine(const PageRun& run, const FeatureLists& lists, int list);
+struct Feature {
+  const char* name;
+  double share;  // of 1
+};
+// The columns of a list, best first. Shares that are no numbers, as those of a cluster of all rows,
+// rank nothing, and their columns are left out.
+std::vector<Feature> FeaturesOf(const PageRun& run, const FeatureLists& lists, int list);
 
 void WritePictures(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 void WriteQualityTable(const PageRun& run, const PageNumbers& numbers, std::ostream& out);

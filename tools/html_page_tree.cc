@@ -16,9 +16,19 @@ std::string Measures(const ClusterTree& tree, int x) {
          (is_root ? "" : " · XSim " + Decimals(static_cast<double>(tree.xsims[x]), 3));
 }
 
+// The columns of a node in one line.
+std::string Words(const PageRun& run, int x, const FeatureLists& lists) {
+  std::string words;
+  for (const Feature& feature : FeaturesOf(run, lists, x)) {
+    if (!words.empty()) words += ", ";
+    words += Html(feature.name) + " " + Decimals(100 * feature.share, 1) + "%";
+  }
+  return words;
+}
+
 void WriteText(const PageRun& run, const ClusterTree& tree, int x, std::ostream& out) {
   out << " <span class=\"dim\">" << Measures(tree, x) << "</span> <span class=\"words\">"
-      << FeatureLine(run, tree.descriptive, x) << "</span>";
+      << Words(run, x, tree.descriptive) << "</span>";
 }
 
 void WriteLeaf(const PageRun& run, const PageNumbers& numbers, const std::vector<int>& colours,

@@ -119,6 +119,8 @@ TEST_F(ExportRun, ShowsOneClusterAndNoClasses) {
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr("<title>n: 1 cluster</title>"));
   EXPECT_THAT(outcome.out, Not(HasSubstr("Entropy")));
+  // There is nothing to tell it from.
+  EXPECT_THAT(outcome.out, HasSubstr("<h4>Discriminating</h4><p class=\"dim\">none</p>"));
 }
 
 TEST_F(ExportRun, SkipsEmptyClusters) {
