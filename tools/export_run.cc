@@ -24,23 +24,6 @@
 namespace mardle::exporting {
 namespace {
 
-// Errors of the library and of the readers become failures while it lives.
-class FatalFails {
- public:
-  FatalFails() : replaced_(molva::SetFatalHandler(Fail)) {}
-  ~FatalFails() { molva::SetFatalHandler(replaced_); }
-  FatalFails(const FatalFails&) = delete;
-  FatalFails& operator=(const FatalFails&) = delete;
-
- private:
-  static void Fail(const char* message) {
-    std::string text = message;
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    throw Failure(text);
-  }
-  molva::FatalHandler replaced_;
-};
-
 std::string Table(const Request& request) {
   const Matrix names = ReadRowNames(request.files);
   const Clustering clustering = ReadClustering(request.clustering, names.nrows);
@@ -110,18 +93,24 @@ std::string Text(const Request& request) {
   return {};
 }
 
+// The readers' messages end with one or none.
+std::string WithoutNewlines(std::string text) {
+  while (text.ends_with('\n')) text.pop_back();
+  return text;
+}
+
 }  // namespace
 
 int Export(int argc, const char* const* argv) {
   const std::variant<Request, int> parsed = ParseRequest(argc, argv);
   if (const int* status = std::get_if<int>(&parsed)) return *status;
   const Request& request = std::get<Request>(parsed);
-  const FatalFails fatal_fails;
+  const molva::CatchableErrors errors_are_thrown;
   try {
     // The whole text is made first, so a run that fails leaves an older file as it was.
     WriteOrFail(request.output, Text(request));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "mardle-export: %s\n", error.what());
+    std::fprintf(stderr, "mardle-export: %s\n", WithoutNewlines(error.what()).c_str());
     return 1;
   }
   return 0;
