@@ -41,6 +41,5 @@ mardle_target(mardle-export)
 target_link_libraries(mardle-export PRIVATE mardle_export_app)
 set_target_properties(mardle-export PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
 
-install(TARGETS mardle-export RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES ${PROJECT_SOURCE_DIR}/docs/mardle-export.1
-  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(TARGETS mardle-export RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+mardle_install_manual(mardle-export.1 program)
