@@ -1,0 +1,149 @@
+# SPDX-License-Identifier: MIT
+"""Works a page of mardle-export in headless Chromium: the list of rows is made on demand, searched,
+narrowed and sorted, and the tree folds. Skipped (status 77) where Chromium is not installed.
+   export_browser.py MARDLE MARDLE_EXPORT"""
+import html
+import json
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROWS = 250
+
+# Does what a reader would, and notes what is to be seen after each step. Column 0 of a line is the
+# row, column 3 its cluster.
+STEPS = """
+<script>
+const seen = {};
+const errors = [];
+addEventListener('error', (event) => errors.push(event.message));
+const find = (id) => document.getElementById(id);
+function note(step) {
+  const lines = [...document.querySelectorAll('#row-lines tr')];
+  seen[step] = {
+    count: find('row-count').textContent,
+    rows: lines.map((line) => Number(line.cells[0].textContent)),
+    clusters: [...new Set(lines.map((line) => line.cells[3].textContent))],
+    first: lines.length > 0 ? lines[0].cells[1].textContent : '',
+    more: !find('row-more').hidden,
+  };
+}
+function enter(id, value) {
+  find(id).value = value;
+  find(id).dispatchEvent(new Event('input'));
+}
+note('start');
+find('row-more').click();
+note('more');
+enter('row-search', ' ROW 24');
+note('search');
+enter('row-search', 'nowhere');
+note('nothing');
+enter('row-search', '');
+enter('row-class', '1');
+note('class');
+enter('row-class', '');
+document.querySelector('[data-sort=row]').click();
+note('again');
+document.querySelector('[data-sort=labels]').click();
+document.querySelector('[data-sort=labels]').click();
+note('sorted');
+seen.ariaSort = document.querySelector('[data-sort=labels]').parentElement.getAttribute('aria-sort');
+document.querySelector('.show-rows[data-cluster="1"]').click();
+note('cluster');
+seen.chosen = find('row-cluster').value;
+const open = () => document.querySelectorAll('.tree details[open]').length;
+seen.branches = [open()];
+find('fold').click();
+seen.branches.push(open());
+document.querySelector('.tree summary').click();
+seen.branches.push(open());
+find('unfold').click();
+seen.branches.push(open());
+seen.bold = document.querySelectorAll('#row-lines b').length;
+seen.errors = errors;
+seen.requests = performance.getEntriesByType('resource').map((entry) => entry.name);
+const result = document.createElement('pre');
+result.id = 'seen';
+result.textContent = JSON.stringify(seen);
+document.body.append(result);
+</script>
+"""
+
+
+def write_matrix(folder):
+    """Three kinds of rows, told apart by their columns; every third row is of class odd."""
+    matrix = folder / "m"
+    lines = []
+    for i in range(ROWS):
+        first = 1 + 3 * (i % 3)
+        lines.append(" ".join(f"{first + j} {1 + (i * (j + 1)) % 5}" for j in range(3)))
+    matrix.write_text(f"{ROWS} 9 {3 * ROWS}\n" + "\n".join(lines) + "\n")
+    pathlib.Path(f"{matrix}.rlabel").write_text("".join(f"<b>Row {i}</b>\n" for i in range(ROWS)))
+    pathlib.Path(f"{matrix}.rclass").write_text("".join("even\n" if i % 3 else "odd\n" for i in range(ROWS)))
+    return matrix
+
+
+def work(chromium, page, folder):
+    text = page.read_text(encoding="utf-8")
+    page.write_text(text.replace("</body>", STEPS + "</body>"), encoding="utf-8")
+    done = subprocess.run(
+        [chromium, "--headless", "--no-sandbox", "--disable-gpu", f"--user-data-dir={folder / 'profile'}",
+         "--virtual-time-budget=20000", "--dump-dom", page.as_uri()],
+        capture_output=True, text=True, timeout=300)
+    found = re.search(r'<pre id="seen">(.*?)</pre>', done.stdout, re.S)
+    assert found, done.stdout[-3000:] + done.stderr[-3000:]
+    return json.loads(html.unescape(found[1]))
+
+
+def expect(found, wanted, what):
+    assert found == wanted, f"{what}: {found!r}, not {wanted!r}"
+
+
+def check(seen, part):
+    expect(seen["errors"], [], "errors")
+    expect(seen["requests"], [], "requests")
+    expect(seen["start"]["rows"], list(range(100)), "rows at the start")
+    expect(seen["start"]["count"], "100 of 250 rows shown", "count at the start")
+    expect(seen["start"]["first"], "<b>Row 0</b>", "label of row 0")
+    expect(seen["start"]["more"], True, "more at the start")
+    expect(seen["more"]["rows"], list(range(200)), "rows after more")
+    expect(seen["search"]["rows"], [24, *range(240, 250)], "rows found")
+    expect(seen["search"]["more"], False, "more after the search")
+    expect(seen["nothing"]["count"], "No rows", "count of nothing")
+    expect(seen["class"]["rows"], [i for i in range(ROWS) if i % 3][:100], "rows of the class")
+    expect(seen["class"]["count"], f"100 of {sum(1 for i in range(ROWS) if i % 3)} rows shown", "class count")
+    expect(seen["again"]["rows"], list(range(ROWS - 1, ROWS - 101, -1)), "rows in falling order")
+    expect(seen["sorted"]["rows"], list(range(ROWS - 1, ROWS - 101, -1)), "labels in falling order")
+    expect(seen["ariaSort"], "descending", "aria-sort")
+    expect(seen["chosen"], "1", "cluster chosen")
+    expect(seen["cluster"]["clusters"], ["1"], "clusters shown")
+    members = [i for i in reversed(range(ROWS)) if part[i] == 1]
+    expect(seen["cluster"]["rows"], members[:100], "rows of the cluster")
+    expect(seen["branches"], [2, 0, 1, 2], "open branches")
+    expect(seen["bold"], 0, "labels turned into markup")
+
+
+def main():
+    mardle, export = (str(pathlib.Path(argument).resolve()) for argument in sys.argv[1:3])
+    chromium = shutil.which("chromium") or shutil.which("chromium-browser") or shutil.which("google-chrome")
+    if chromium is None:
+        print("Chromium is not installed")
+        return 77
+    with tempfile.TemporaryDirectory() as scratch:
+        folder = pathlib.Path(scratch)
+        matrix, clustering, page = write_matrix(folder), folder / "c", folder / "page.html"
+        done = subprocess.run([mardle, f"-output={clustering}", str(matrix), "3"], capture_output=True)
+        assert done.returncode == 84, done.stdout
+        subprocess.run([export, "html", "--matrix", str(matrix), "--clustering", str(clustering),
+                        "--output", str(page)], check=True)
+        part = [int(line) for line in clustering.read_text().split()]
+        check(work(chromium, page, folder), part)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+//
+// The files of a run as the export reads them.
+#pragma once
+
+#include <string>
+
+#include "programs/io/matrix.h"
+#include "programs/run_params.h"
+
+namespace mardle::exporting {
+
+// Where a matrix and its companions are. Empty names stand for the files beside the matrix, which
+// may be missing; named ones must exist.
+struct MatrixFiles {
+  std::string matrix;
+  std::string clabelfile;
+  std::string rlabelfile;
+  std::string rclassfile;
+};
+
+// The labels and classes of the rows; of the matrix itself only the number of rows is read.
+Matrix ReadRowNames(const MatrixFiles& files);
+
+// The matrix with everything that goes with it.
+Matrix ReadWholeMatrix(const MatrixFiles& files, int denseinput);
+
+}  // namespace mardle::exporting

@@ -1,0 +1,137 @@
+// The list of rows: filtered, sorted, and shown a hundred lines at a time, so that its length costs
+// nothing until it is asked for. And the buttons that fold the tree. Text from the data becomes
+// text nodes only.
+'use strict';
+(() => {
+  const kStep = 100;
+  const find = (id) => document.getElementById(id);
+  const data = JSON.parse(find('row-data').textContent);
+  const hasClasses = data.classnames.length > 0;
+  const folded = data.labels.map((label) => label.toLowerCase());
+  const collator = new Intl.Collator(undefined, {numeric: true});
+  const wanted = {text: '', cluster: '', rowClass: ''};
+  const order = {key: 'row', direction: 1};
+  let rows = [];
+  let shown = kStep;
+
+  // What column `key` shows of row i.
+  function valueOf(key, i) {
+    if (key === 'row') return i;
+    return key === 'classes' ? data.classnames[data.classes[i]] : data[key][i];
+  }
+
+  function isWanted(i) {
+    return (wanted.cluster === '' || data.clusters[i] === Number(wanted.cluster)) &&
+        (wanted.rowClass === '' || data.classes[i] === Number(wanted.rowClass)) &&
+        folded[i].includes(wanted.text);
+  }
+
+  // Absent values come last in either direction; equal ones stay in the order of the rows.
+  function compare(i, j) {
+    const a = valueOf(order.key, i);
+    const b = valueOf(order.key, j);
+    if (a === null || b === null) return (a === null) - (b === null) || i - j;
+    const difference = typeof a === 'string' ? collator.compare(a, b) : a - b;
+    return order.direction * difference || i - j;
+  }
+
+  function select() {
+    rows = [];
+    for (let i = 0; i < data.labels.length; ++i) {
+      if (isWanted(i)) rows.push(i);
+    }
+    if (order.key !== 'row' || order.direction < 0) rows.sort(compare);
+    shown = kStep;
+    show();
+  }
+
+  function cell(text, kind) {
+    const td = document.createElement('td');
+    if (kind) td.className = kind;
+    td.textContent = text;
+    return td;
+  }
+
+  function clusterCell(cluster) {
+    const td = cell(cluster < 0 ? 'none' : '');
+    if (cluster < 0) return td;
+    const link = document.createElement('a');
+    link.href = '#cluster-' + cluster;
+    link.textContent = cluster;
+    td.append(link);
+    return td;
+  }
+
+  function scoreText(score) {
+    return score === null ? 'n/a' : score.toFixed(3);
+  }
+
+  function line(i) {
+    const tr = document.createElement('tr');
+    tr.append(cell(i, 'text'), cell(data.labels[i], 'text label'));
+    if (hasClasses) tr.append(cell(valueOf('classes', i), 'text'));
+    tr.append(clusterCell(data.clusters[i]), cell(scoreText(data.internal[i])),
+        cell(scoreText(data.external[i])));
+    return tr;
+  }
+
+  function show() {
+    const upTo = Math.min(shown, rows.length);
+    find('row-lines').replaceChildren(...rows.slice(0, upTo).map(line));
+    find('row-count').textContent = rows.length === 0 ? 'No rows' :
+        `${upTo.toLocaleString('en')} of ${rows.length.toLocaleString('en')} rows shown`;
+    find('row-more').hidden = upTo === rows.length;
+  }
+
+  function listen(id, key, clean) {
+    const field = find(id);
+    if (!field) return;
+    field.addEventListener('input', () => {
+      wanted[key] = clean(field.value);
+      select();
+    });
+  }
+
+  function sortBy(button) {
+    const key = button.dataset.sort;
+    order.direction = order.key === key ? -order.direction : 1;
+    order.key = key;
+    for (const th of document.querySelectorAll('#row-view th')) th.removeAttribute('aria-sort');
+    button.parentElement.setAttribute('aria-sort',
+        order.direction > 0 ? 'ascending' : 'descending');
+    select();
+  }
+
+  function showCluster(cluster) {
+    find('row-cluster').value = cluster;
+    wanted.cluster = cluster;
+    select();
+    find('rows').scrollIntoView();
+    find('row-cluster').focus({preventScroll: true});
+  }
+
+  function foldTree(open) {
+    for (const details of document.querySelectorAll('.tree details')) details.open = open;
+  }
+
+  listen('row-search', 'text', (text) => text.trim().toLowerCase());
+  listen('row-cluster', 'cluster', (value) => value);
+  listen('row-class', 'rowClass', (value) => value);
+  find('row-view').querySelector('form').addEventListener('submit', (event) => event.preventDefault());
+  find('row-more').addEventListener('click', () => {
+    shown += kStep;
+    show();
+  });
+  for (const button of document.querySelectorAll('[data-sort]')) {
+    button.addEventListener('click', () => sortBy(button));
+  }
+  for (const button of document.querySelectorAll('.show-rows')) {
+    button.hidden = false;
+    button.addEventListener('click', () => showCluster(button.dataset.cluster));
+  }
+  for (const tools of document.querySelectorAll('.tools')) tools.hidden = false;
+  find('fold').addEventListener('click', () => foldTree(false));
+  find('unfold').addEventListener('click', () => foldTree(true));
+  find('row-view').hidden = false;
+  select();
+})();
