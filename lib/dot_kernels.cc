@@ -133,19 +133,23 @@ template <std::size_t kVectors>
   for (std::size_t i = 0; i < kVectors; ++i) _mm256_storeu_pd(products + 4 * i, sums[i]);
 }
 
+template <std::size_t... n>
+constexpr auto BlocksAvx512(std::index_sequence<n...>) {
+  return std::array<BlockFunction, sizeof...(n)>{DotBlockAvx512<n + 1>...};
+}
+
 void DotAvx512(const RowView& row, const float* lanes, std::size_t stride, double* products) {
-  constexpr auto kBlocks = []<std::size_t... n>(std::index_sequence<n...>) {
-    return std::array<BlockFunction, sizeof...(n)>{DotBlockAvx512<n + 1>...};
-  }
-  (std::make_index_sequence<16>());
+  constexpr auto kBlocks = BlocksAvx512(std::make_index_sequence<16>());
   DotBlocks<8>({row, lanes, stride}, kBlocks, products);
 }
 
+template <std::size_t... n>
+constexpr auto BlocksAvx2(std::index_sequence<n...>) {
+  return std::array<BlockFunction, sizeof...(n)>{DotBlockAvx2<n + 1>...};
+}
+
 void DotAvx2(const RowView& row, const float* lanes, std::size_t stride, double* products) {
-  constexpr auto kBlocks = []<std::size_t... n>(std::index_sequence<n...>) {
-    return std::array<BlockFunction, sizeof...(n)>{DotBlockAvx2<n + 1>...};
-  }
-  (std::make_index_sequence<12>());
+  constexpr auto kBlocks = BlocksAvx2(std::make_index_sequence<12>());
   DotBlocks<4>({row, lanes, stride}, kBlocks, products);
 }
 

@@ -257,8 +257,8 @@ MOLVA_API void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, 
                                        float* internalwgts, int* externalids, float* externalwgts);
 
 /* Choose the left and the right child of every node of a tree of n leaves (rows, clusters) so that
- * neighbouring subtrees are as similar as possible, the heaviest placed first. ptree is read, ftree
- * rewritten.
+ * neighbouring subtrees are as similar as possible, the heaviest placed first. ptree is read; ftree
+ * comes with the two children of every node in any order, and pairs are swapped.
  *
  *   wgts      the rows in each leaf
  *   smat      D_i.D_j of the leaves; handling 1: n*n floats, copied; otherwise 2n rows of 2n

@@ -46,6 +46,7 @@ void* Counted(void* block) {
 template <typename T>
 Array<T> FilledArray(std::int64_t n, T value, BlockName name) {
   const T zero{};
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): the bits decide, so -0 is filled.
   if (std::memcmp(&value, &zero, sizeof(T)) == 0) return Array<T>::Zeroed(n, name);
   Array<T> array(n, name);
   array.Fill(value);
