@@ -1,6 +1,6 @@
 # Fails when an include arrow turns back: support <- lib <- programs/io <- programs <- tools.
 # Programs and tools see the library through lib/molva.h and lib/support/ only; programs/io also sees
-# run_params.h.
+# run_params.h. The Python extension sees the library and the reader.
 #   cmake -DSOURCE_DIR=... -P CheckIncludes.cmake
 
 set(offences "")
@@ -24,6 +24,7 @@ check(lib "lib/(support/)?[a-z0-9_]+\\.h")
 check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|programs/run_params\\.h)")
 check(programs "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h)")
 check(tools "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h|tools/[a-z0-9_]+\\.h)")
+check(python "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h)")
 
 if(offences)
   message(FATAL_ERROR "Includes that go the wrong way:\n${offences}")

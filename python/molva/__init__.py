@@ -1,0 +1,57 @@
+# SPDX-License-Identifier: MIT
+"""Clusters the rows of large sparse or dense matrices, after scikit-learn's rules.
+
+Two estimators, `RepeatedBisection` and `DirectKWay`, over libmolva's engine: the labels are those
+of the program mardle for the same matrix and options. Around them functions that measure and
+explain any clustering, trees for scipy's dendrogram, and the program's files.
+"""
+
+from . import _engine
+from ._engine import MolvaError
+from ._estimators import DirectKWay, RepeatedBisection
+from .analysis import (
+    ClusterFeatures,
+    ClusterStatistics,
+    cluster_features,
+    cluster_statistics,
+    criterion_value,
+)
+from .files import (
+    read_clustering,
+    read_labels,
+    read_matrix,
+    read_tree,
+    write_clustering,
+    write_labels,
+    write_matrix,
+    write_tree,
+)
+from .quality import ExternalQuality, external_quality
+from .trees import Tree, cluster_tree, full_tree
+
+__version__ = _engine.version
+MolvaError.__module__ = __name__
+
+__all__ = [
+    "ClusterFeatures",
+    "ClusterStatistics",
+    "DirectKWay",
+    "ExternalQuality",
+    "MolvaError",
+    "RepeatedBisection",
+    "Tree",
+    "cluster_features",
+    "cluster_statistics",
+    "cluster_tree",
+    "criterion_value",
+    "external_quality",
+    "full_tree",
+    "read_clustering",
+    "read_labels",
+    "read_matrix",
+    "read_tree",
+    "write_clustering",
+    "write_labels",
+    "write_matrix",
+    "write_tree",
+]

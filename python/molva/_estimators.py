@@ -1,0 +1,295 @@
+# SPDX-License-Identifier: MIT
+"""The two clusterings as estimators after scikit-learn's rules."""
+
+from __future__ import annotations
+
+from numbers import Integral
+from typing import Callable
+
+import numpy as np
+from scipy import sparse
+from sklearn.base import BaseEstimator, ClusterMixin
+from sklearn.utils import check_random_state
+from sklearn.utils.validation import check_is_fitted
+
+from . import _engine, analysis, trees
+from ._matrix import borrow, stored_in_full
+from ._models import Models, criterion_code
+from ._space import Space
+
+try:
+    from sklearn.utils.validation import validate_data
+except ImportError:  # Before scikit-learn 1.6 it is a method.
+
+    def validate_data(estimator, X, **options):
+        return estimator._validate_data(X, **options)
+
+
+_BISECTION, _TRIAL = 1, 2
+
+
+def _seed(random_state) -> int:
+    """Return the seed of the library's random numbers; an integer is taken as it is."""
+    if isinstance(random_state, Integral):
+        seed = int(random_state)
+        if not -(2**31) <= seed < 2**31:
+            raise ValueError(f"random_state must fit 32 bits; got {seed}")
+        return seed
+    return int(check_random_state(random_state).randint(2**31 - 1))
+
+
+def _count(name: str, value, least: int) -> int:
+    if isinstance(value, (bool, np.bool_)) or not isinstance(value, Integral):
+        raise ValueError(f"{name} must be an integer; got {value!r}")
+    if not least <= value < 2**31:
+        raise ValueError(f"{name} must be at least {least} and fit 32 bits; got {value}")
+    return int(value)
+
+
+class _RowClusterer(ClusterMixin, BaseEstimator):
+    """What both estimators share: everything but the run itself."""
+
+    def fit(self, X, y=None):
+        """Cluster the rows of a matrix.
+
+        Parameters
+        ----------
+        X : {array-like, sparse matrix} of shape (n_samples, n_features)
+            Rows to cluster. CSR matrices and arrays of single precision are not copied. Entries
+            stored in a sparse matrix count as such even when they are 0.
+        y : ignored
+
+        Returns
+        -------
+        self
+        """
+        X = validate_data(self, X, accept_sparse="csr", dtype=np.float32, order="C")
+        n_clusters = _count("n_clusters", self.n_clusters, 1)
+        n_trials = _count("n_trials", self.n_trials, 1)
+        n_iter = _count("n_iter", self.n_iter, 0)
+        if X.shape[0] < n_clusters:
+            raise ValueError(f"n_samples={X.shape[0]} should be >= n_clusters={n_clusters}.")
+        crfun = criterion_code(self.criterion)
+        matrix, in_full = borrow(X), stored_in_full(X)
+        models = Models.choose(
+            in_full, self.similarity, self.row_model, self.col_model, self.prune
+        )
+        settings = dict(crfun=crfun, ntrials=n_trials, niter=n_iter, seed=_seed(self.random_state))
+        self.labels_ = self._cluster(
+            matrix, models.codes(), nparts=n_clusters, progress=self._progress(), **settings
+        )
+        self.models_ = models._asdict()
+        found = matrix, models.codes(), n_clusters, self.labels_
+        self.statistics_ = analysis.ClusterStatistics(*_engine.cluster_statistics(*found))
+        self.criterion_value_ = _engine.criterion_value(*found, crfun)
+        self._space, prepared, rows = Space.fit(X, models, in_full)
+        self.cluster_centers_ = self._space.centroids(prepared, self.labels_[rows], n_clusters)
+        return self
+
+    def _cluster(self, matrix, models, *, refine=None, **settings) -> np.ndarray:
+        raise NotImplementedError
+
+    def _progress(self) -> Callable[[int, int, int], None] | None:
+        raise NotImplementedError
+
+    def _report(self, told: dict[int, str]) -> Callable[[int, int, int], None]:
+        name = type(self).__name__
+
+        def report(event: int, done: int, total: int) -> None:
+            if event in told:
+                print(f"{name}: {told[event]} {done} of {total}", flush=True)
+
+        return report
+
+    def predict(self, X) -> np.ndarray:
+        """Return for each new row the cluster whose centroid is most similar to it.
+
+        The program has no such step. New rows are scaled by the fitted row model and the fitted
+        column weights and reduced to the columns that were kept; of equally similar clusters the
+        first wins. On the rows of the fit the answers may differ from `labels_`, since only I2
+        without further constraints asks for the nearest centroid.
+
+        Parameters
+        ----------
+        X : {array-like, sparse matrix} of shape (n_samples, n_features)
+
+        Returns
+        -------
+        ndarray of shape (n_samples,)
+            -1 for rows of which nothing is left.
+        """
+        check_is_fitted(self)
+        X = validate_data(
+            self, X, accept_sparse="csr", dtype=np.float32, order="C", reset=False
+        )
+        rows = self._space.transform(X)
+        similarities = rows @ self.cluster_centers_.T
+        if sparse.issparse(rows):
+            similarities = similarities.toarray()
+            empty = np.asarray(rows.multiply(rows).sum(axis=1)).ravel() == 0
+        else:
+            empty = ~rows.any(axis=1)
+        labels = np.argmax(similarities, axis=1).astype(np.int32)
+        labels[empty] = -1
+        return labels
+
+    def features(self, X, n_features: int = 5, feature_names=None) -> analysis.ClusterFeatures:
+        """Name the columns of the clusters of the fitted rows; see `molva.cluster_features`.
+
+        Without names those of the data frame that was fitted are taken, where there was one.
+        """
+        check_is_fitted(self)
+        if feature_names is None:
+            feature_names = getattr(self, "feature_names_in_", None)
+        return analysis.cluster_features(
+            X, self.labels_, n_features, feature_names, **self.models_
+        )
+
+    def cluster_tree(self, X, criterion: str | None = None, ordered: bool = True) -> trees.Tree:
+        """Build the tree over the clusters of the fitted rows; see `molva.cluster_tree`."""
+        check_is_fitted(self)
+        criterion = self.criterion if criterion is None else criterion
+        return trees.cluster_tree(X, self.labels_, criterion, ordered=ordered, **self.models_)
+
+    def full_tree(self, X, criterion: str | None = None, ordered: bool = False) -> trees.Tree:
+        """Build the tree over all fitted rows; see `molva.full_tree`."""
+        check_is_fitted(self)
+        criterion = self.criterion if criterion is None else criterion
+        return trees.full_tree(X, self.labels_, criterion, ordered=ordered, **self.models_)
+
+
+_PARAMETERS = """
+    Parameters
+    ----------
+    n_clusters : int, default=8
+        Clusters to make.
+    criterion : {"i1", "i2", "e1", "g1", "g1p", "h1", "h2", "g3", "h3"}, default="i2"
+        The function to optimise; docs/criteria.md has the formulas.
+    similarity : {"cosine", "correlation"}, default="cosine"
+        How rows are compared. The correlation coefficient stores every cell.
+    row_model : {"none", "maxtf", "sqrt", "log"}, default="none"
+        How the values of a row are scaled.
+    col_model : {"auto", "none", "idf"}, default="auto"
+        How columns are weighted. "auto" is "idf" for sparse matrices under the cosine, as long as
+        not every cell is stored, and "none" otherwise, where IDF has nothing to tell apart.
+    prune : float, default=1.0
+        Columns of a sparse matrix are kept, heaviest first, until the squares of their weights in
+        the unit sum of all rows pass prune * prune. A column stored in one row is always dropped.
+    n_trials : int, default=10
+        Random starts, of which the best is kept; in repeated bisection for every split.
+    n_iter : int, default=10
+        Refinement passes at most.
+    random_state : int, RandomState or None, default=None
+        An integer is the program's -seed (whose default is 1); from anything else one is drawn.
+"""
+
+_ATTRIBUTES = """
+    Attributes
+    ----------
+    labels_ : ndarray of shape (n_samples,)
+        Cluster of every row, the tightest and best separated first; -1 for rows that preparation
+        drops: those without entries in a kept column.
+    criterion_value_ : float
+        The value of the criterion.
+    statistics_ : ClusterStatistics
+        Sizes, similarities, deviations and z-scores.
+    cluster_centers_ : {ndarray, CSR matrix} of shape (n_clusters, n_kept_features)
+        Unit sums of the prepared rows, over the columns that pruning kept.
+    models_ : dict
+        Similarity, models and pruning as used, "auto" decided; keywords of the analysis functions.
+    n_features_in_ : int
+        Columns seen by fit.
+"""
+
+
+class RepeatedBisection(_RowClusterer):
+    __doc__ = (
+        "Cluster rows by bisections: each splits the cluster with the most rows.\n"
+        + _PARAMETERS
+        + """\
+    refine : bool, default=False
+        Refine the finished clustering once more as a whole.
+    verbose : int, default=0
+        1 prints a line for every bisection, 2 also for every trial of one.
+"""
+        + _ATTRIBUTES
+    )
+
+    def __init__(
+        self,
+        n_clusters: int = 8,
+        *,
+        criterion: str = "i2",
+        similarity: str = "cosine",
+        row_model: str = "none",
+        col_model: str = "auto",
+        prune: float = 1.0,
+        n_trials: int = 10,
+        n_iter: int = 10,
+        refine: bool = False,
+        random_state=None,
+        verbose: int = 0,
+    ):
+        self.n_clusters = n_clusters
+        self.criterion = criterion
+        self.similarity = similarity
+        self.row_model = row_model
+        self.col_model = col_model
+        self.prune = prune
+        self.n_trials = n_trials
+        self.n_iter = n_iter
+        self.refine = refine
+        self.random_state = random_state
+        self.verbose = verbose
+
+    def _cluster(self, matrix, models, **settings) -> np.ndarray:
+        return _engine.cluster_by_bisection(matrix, models, refine=bool(self.refine), **settings)
+
+    def _progress(self):
+        if not self.verbose:
+            return None
+        told = {_BISECTION: "bisection"}
+        return self._report(told if self.verbose < 2 else {**told, _TRIAL: "trial"})
+
+
+class DirectKWay(_RowClusterer):
+    __doc__ = (
+        "Cluster rows into all clusters at once.\n"
+        + _PARAMETERS
+        + """\
+    verbose : int, default=0
+        1 prints a line for every trial.
+"""
+        + _ATTRIBUTES
+    )
+
+    def __init__(
+        self,
+        n_clusters: int = 8,
+        *,
+        criterion: str = "i2",
+        similarity: str = "cosine",
+        row_model: str = "none",
+        col_model: str = "auto",
+        prune: float = 1.0,
+        n_trials: int = 10,
+        n_iter: int = 10,
+        random_state=None,
+        verbose: int = 0,
+    ):
+        self.n_clusters = n_clusters
+        self.criterion = criterion
+        self.similarity = similarity
+        self.row_model = row_model
+        self.col_model = col_model
+        self.prune = prune
+        self.n_trials = n_trials
+        self.n_iter = n_iter
+        self.random_state = random_state
+        self.verbose = verbose
+
+    def _cluster(self, matrix, models, **settings) -> np.ndarray:
+        return _engine.cluster_directly(matrix, models, **settings)
+
+    def _progress(self):
+        return self._report({_TRIAL: "trial"}) if self.verbose else None

@@ -1,0 +1,68 @@
+# SPDX-License-Identifier: MIT
+"""The names of criteria, similarities and models, and their codes in the library."""
+
+from __future__ import annotations
+
+from typing import NamedTuple
+
+from . import _engine
+
+CRITERIA = {"i1": 1, "i2": 2, "e1": 3, "g1": 4, "g1p": 5, "h1": 6, "h2": 7, "g3": 8, "h3": 9}
+SIMILARITIES = {"cosine": 1, "correlation": 2}
+ROW_MODELS = {"none": 1, "maxtf": 2, "sqrt": 3, "log": 4}
+COL_MODELS = {"none": 1, "idf": 2}
+
+
+def code(parameter: str, value: object, codes: dict[str, int]) -> int:
+    """Return the code of a name; names of capital letters and "G1'" are understood too."""
+    name = value.lower().replace("'", "p") if isinstance(value, str) else value
+    try:
+        return codes[name]
+    except (KeyError, TypeError):
+        names = ", ".join(repr(known) for known in codes)
+        raise ValueError(f"{parameter} must be one of {names}; got {value!r}") from None
+
+
+def criterion_code(criterion: str) -> int:
+    """Return the library's code of a criterion."""
+    return code("criterion", criterion, CRITERIA)
+
+
+class Models(NamedTuple):
+    """How rows are scaled, weighted and compared, with no default left open."""
+
+    similarity: str
+    row_model: str
+    col_model: str
+    prune: float
+
+    @classmethod
+    def choose(
+        cls,
+        stored_in_full: bool,
+        similarity: str,
+        row_model: str,
+        col_model: str,
+        prune: float,
+    ) -> Models:
+        """Check the names, and decide "auto" for a matrix as the program does.
+
+        Every column of a matrix whose cells are all stored occurs in every row, which leaves
+        nothing for IDF to tell apart; the correlation coefficient fills the cells as well.
+        """
+        code("similarity", similarity, SIMILARITIES)
+        code("row_model", row_model, ROW_MODELS)
+        code("col_model", col_model, {"auto": 0, **COL_MODELS})
+        if isinstance(col_model, str) and col_model.lower() == "auto":
+            weighted = similarity.lower() == "cosine" and not stored_in_full
+            col_model = "idf" if weighted else "none"
+        return cls(similarity.lower(), row_model.lower(), col_model.lower(), float(prune))
+
+    def codes(self) -> _engine.Models:
+        """Return the record that the extension takes."""
+        return _engine.Models(
+            SIMILARITIES[self.similarity],
+            ROW_MODELS[self.row_model],
+            COL_MODELS[self.col_model],
+            self.prune,
+        )

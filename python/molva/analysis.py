@@ -1,0 +1,163 @@
+# SPDX-License-Identifier: MIT
+"""What a clustering is worth and what it is about.
+
+The functions measure any labels, wherever they come from. `similarity`, `row_model`, `col_model`
+and `prune` have the meanings and defaults of the estimators; pass a fitted one's ``**models_`` to
+measure its labels where they were made.
+"""
+
+from __future__ import annotations
+
+from dataclasses import dataclass
+from typing import Iterator, NamedTuple, Sequence
+
+import numpy as np
+
+from . import _engine
+from ._matrix import borrow, check_labels, check_matrix, stored_in_full
+from ._models import Models, criterion_code
+
+
+def view(X, labels, models: dict):
+    """Return what the entry points take: matrix, models, number of clusters, labels."""
+    X = check_matrix(X)
+    part, n_clusters = check_labels(labels, X.shape[0])
+    matrix = borrow(X)
+    settings = dict(similarity="cosine", row_model="none", col_model="auto", prune=1.0)
+    unknown = models.keys() - settings.keys()
+    if unknown:
+        raise TypeError(f"unexpected keyword argument {min(unknown)!r}")
+    chosen = Models.choose(stored_in_full(X), **{**settings, **models})
+    return matrix, chosen.codes(), n_clusters, part
+
+
+class ClusterStatistics(NamedTuple):
+    """Measures of every cluster and every row.
+
+    Attributes
+    ----------
+    sizes : ndarray of shape (n_clusters,)
+    internal_similarity, internal_deviation : ndarray of shape (n_clusters,)
+        Average similarity of two rows of the cluster, and the deviation over its rows.
+    external_similarity, external_deviation : ndarray of shape (n_clusters,)
+        The same of a row in the cluster and one outside.
+    internal_zscores, external_zscores : ndarray of shape (n_samples,)
+        How far a row's own average lies from its cluster's, in deviations. 0 for rows that
+        preparation drops, -100 for other rows without a cluster; infinite or not-a-number in
+        clusters of one row.
+    """
+
+    sizes: np.ndarray
+    internal_similarity: np.ndarray
+    internal_deviation: np.ndarray
+    external_similarity: np.ndarray
+    external_deviation: np.ndarray
+    internal_zscores: np.ndarray
+    external_zscores: np.ndarray
+
+
+def cluster_statistics(X, labels, **models) -> ClusterStatistics:
+    """Measure every cluster and every row of a clustering."""
+    return ClusterStatistics(*_engine.cluster_statistics(*view(X, labels, models)))
+
+
+def criterion_value(X, labels, criterion: str = "i2", **models) -> float:
+    """Return the value of a criterion for a clustering.
+
+    I1, I2, H1, H2 and G3 are better when larger, the others when smaller.
+    """
+    return _engine.criterion_value(*view(X, labels, models), criterion_code(criterion))
+
+
+class Feature(NamedTuple):
+    """One line of the table of features."""
+
+    cluster: int
+    kind: str
+    rank: int
+    feature: object
+    share: float
+
+
+@dataclass(frozen=True)
+class ClusterFeatures:
+    """The columns that describe every cluster and those that tell it from the rest, best first.
+
+    Iterating gives `Feature` tuples, which ``pandas.DataFrame(features)`` makes a table of, and
+    printing gives the program's lists.
+
+    Attributes
+    ----------
+    descriptive, discriminating : ndarray of shape (n_clusters, n_features)
+        Column numbers; -1 in slots without a column.
+    descriptive_shares, discriminating_shares : ndarray of shape (n_clusters, n_features)
+        Their shares of the similarity inside the cluster, and of the distance between the cluster
+        and all other rows.
+    names : sequence or None
+        Names of all columns.
+    """
+
+    descriptive: np.ndarray
+    descriptive_shares: np.ndarray
+    discriminating: np.ndarray
+    discriminating_shares: np.ndarray
+    names: Sequence | None = None
+
+    def name(self, column: int):
+        """Return the name of a column, or its number when there are no names."""
+        return int(column) if self.names is None else self.names[column]
+
+    def rows(self, cluster: int, kind: str = "descriptive") -> Iterator[Feature]:
+        """Yield the features of one cluster, "descriptive" or "discriminating"."""
+        columns, shares = getattr(self, kind)[cluster], getattr(self, f"{kind}_shares")[cluster]
+        for rank, (column, share) in enumerate(zip(columns, shares)):
+            if column >= 0:
+                yield Feature(cluster, kind, rank, self.name(column), float(share))
+
+    def __iter__(self) -> Iterator[Feature]:
+        for cluster in range(len(self.descriptive)):
+            yield from self.rows(cluster, "descriptive")
+            yield from self.rows(cluster, "discriminating")
+
+    def __str__(self) -> str:
+        lines = []
+        for cluster in range(len(self.descriptive)):
+            for head, kind in (
+                (f"cluster {cluster:3}, descriptive", "descriptive"),
+                ("discriminating", "discriminating"),
+            ):
+                shown = (f"{row.feature} {row.share:.1%}" for row in self.rows(cluster, kind))
+                lines.append(f"{head:>24}:  " + ", ".join(shown))
+        return "\n".join(lines)
+
+
+def column_names(feature_names, n_columns: int) -> Sequence | None:
+    """Return names from a list of them or from what knows them, as a vectoriser does."""
+    if feature_names is None:
+        return None
+    if hasattr(feature_names, "get_feature_names_out"):
+        feature_names = feature_names.get_feature_names_out()
+    if len(feature_names) != n_columns:
+        raise ValueError(f"{len(feature_names)} names for {n_columns} columns")
+    return feature_names
+
+
+def cluster_features(
+    X, labels, n_features: int = 5, feature_names=None, **models
+) -> ClusterFeatures:
+    """Name the columns that describe every cluster and those that tell it from the rest.
+
+    Parameters
+    ----------
+    X : {array-like, sparse matrix} of shape (n_samples, n_features)
+    labels : array-like of shape (n_samples,)
+    n_features : int, default=5
+        Columns to name for each cluster.
+    feature_names : sequence of str, or object with get_feature_names_out, optional
+    **models
+        similarity, row_model, col_model, prune.
+    """
+    matrix, codes, n_clusters, part = view(X, labels, models)
+    names = column_names(feature_names, matrix.ncols)
+    lists = _engine.cluster_features(matrix, codes, n_clusters, part, n_features)
+    return ClusterFeatures(*lists, names)

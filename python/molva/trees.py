@@ -1,0 +1,193 @@
+# SPDX-License-Identifier: MIT
+"""Trees over clusters and over rows, in the library's form and in scipy's."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass
+
+import numpy as np
+from scipy import sparse
+
+from . import _engine
+from ._matrix import check_matrix
+from ._models import criterion_code
+from .analysis import view
+
+_OVER_CLUSTERS, _OVER_ROWS = 1, 2
+
+
+@dataclass(frozen=True)
+class Tree:
+    """A binary tree over m leaves; node m + s is made by merge s.
+
+    Attributes
+    ----------
+    leaves : ndarray of shape (m,)
+        The cluster or the row that each leaf stands for. Empty clusters and rows that preparation
+        drops have none.
+    children : ndarray of shape (m - 1, 2)
+        The two nodes that each merge joins, left and right, as scikit-learn's `children_`.
+    similarities : ndarray of shape (m - 1,)
+        The average similarity of a row below one child and a row below the other.
+    sizes : ndarray of shape (m - 1,)
+        Rows below each merge.
+    parents, parent_similarities : ndarray
+        The tree as the library builds it and the program writes it, over all clusters or rows. In
+        a tree over the rows the similarities stand at other places than their nodes; the attribute
+        `similarities` puts this right.
+    """
+
+    leaves: np.ndarray
+    children: np.ndarray
+    similarities: np.ndarray
+    sizes: np.ndarray
+    parents: np.ndarray
+    parent_similarities: np.ndarray
+
+    def heights(self) -> np.ndarray:
+        """Return the height of each merge: the distance 1 - similarity, never below its children.
+
+        The library merges what its criterion likes best, so a merge may join what is more similar
+        than what it holds. Such a merge is drawn level with its highest child.
+        """
+        m = len(self.leaves)
+        heights = 1 - self.similarities.astype(np.float64)
+        for merge, pair in enumerate(self.children):
+            inner = pair[pair >= m] - m
+            heights[merge] = max(heights[merge], *heights[inner], 0.0)
+        return heights
+
+    def linkage(self) -> np.ndarray:
+        """Return the merges as scipy's linkage matrix, lowest first.
+
+        Its leaf i is `leaves[i]`, its last column counts leaves. The heights are those of
+        `heights`, so they never fall, and `scipy.cluster.hierarchy.dendrogram` draws it.
+        """
+        m = len(self.leaves)
+        heights = self.heights()
+        # Children come before their parents and are not higher, so a stable sort keeps them there.
+        order = np.argsort(heights, kind="stable")
+        number = np.concatenate([np.arange(m), m + np.argsort(order, kind="stable")])
+        counts = np.ones(2 * m - 1)
+        for merge, pair in enumerate(self.children):
+            counts[m + merge] = counts[pair].sum()
+        columns = number[self.children], heights[:, None], counts[m:, None]
+        return np.hstack(columns)[order].astype(np.float64)
+
+    def leaf_order(self) -> np.ndarray:
+        """Return what the leaves stand for, from left to right."""
+        m = len(self.leaves)
+        order, waiting = [], [2 * m - 2]
+        while waiting:
+            node = waiting.pop()
+            if node < m:
+                order.append(self.leaves[node])
+            else:
+                left, right = self.children[node - m]
+                waiting += [right, left]
+        return np.array(order)
+
+
+def _child_table(parents: np.ndarray) -> np.ndarray:
+    """Return the pairs of children, -1 where absent, the lower-numbered first."""
+    children = np.full((len(parents), 2), -1, dtype=np.int32)
+    for node, parent in enumerate(parents[:-1]):
+        if parent >= 0:
+            children[parent, 1 if children[parent, 0] >= 0 else 0] = node
+    return children
+
+
+def _compact(parents: np.ndarray, table: np.ndarray) -> tuple[np.ndarray, np.ndarray, slice]:
+    """Number the leaves that are there from 0 on and the merges behind them.
+
+    Returns the leaves, the children, and where the merges stand in the library's arrays.
+    """
+    n = len(parents) // 2
+    leaves = np.flatnonzero(parents[:n] >= 0)
+    merges = slice(n, n + max(len(leaves) - 1, 0))
+    number = np.full(2 * n, -1)
+    number[leaves] = np.arange(len(leaves))
+    number[merges] = len(leaves) + np.arange(merges.stop - n)
+    return leaves, number[table[merges]], merges
+
+
+def _sizes(children: np.ndarray, leaf_sizes: np.ndarray) -> np.ndarray:
+    sizes = np.concatenate([leaf_sizes, np.zeros(len(children), dtype=np.int64)])
+    for merge, pair in enumerate(children):
+        sizes[len(leaf_sizes) + merge] = sizes[pair].sum()
+    return sizes[len(leaf_sizes) :]
+
+
+def _sibling_similarities(rows: sparse.csr_matrix, children: np.ndarray) -> np.ndarray:
+    """Return the average similarity between the leaves of the two children of every merge.
+
+    Sums of rows are kept for the nodes whose parents are still to come only.
+    """
+    m = rows.shape[0]
+    sums: dict[int, tuple[sparse.csr_matrix, int]] = {}
+    similarities = np.empty(len(children), dtype=np.float32)
+
+    def take(node: int) -> tuple[sparse.csr_matrix, int]:
+        return (rows[node], 1) if node < m else sums.pop(node)
+
+    for merge, (left, right) in enumerate(children):
+        (a, n_a), (b, n_b) = take(left), take(right)
+        similarities[merge] = a.multiply(b).sum() / (n_a * n_b)
+        sums[m + merge] = a + b, n_a + n_b
+    return similarities
+
+
+def _only_leaf(part: np.ndarray, treetype: int) -> np.ndarray:
+    """Return the leaf of a tree without merges, whose parent is -1 as that of an absent one."""
+    return np.unique(part[part >= 0]) if treetype == _OVER_CLUSTERS else np.flatnonzero(part >= 0)
+
+
+def _build(X, labels, criterion: str, treetype: int, ordered: bool, models: dict):
+    matrix, codes, n_clusters, part = view(X, labels, models)
+    crfun = criterion_code(criterion)
+    parents, similarities = _engine.build_tree(matrix, codes, crfun, treetype, n_clusters, part)
+    table = _child_table(parents)
+    if ordered:
+        table = _engine.order_tree(matrix, codes, treetype, n_clusters, part, parents, table)
+    leaves, children, merges = _compact(parents, table)
+    if not len(leaves):
+        leaves = _only_leaf(part, treetype)
+        children = np.empty((0, 2), dtype=np.int64)
+    return (matrix, codes, part), (parents, similarities), (leaves, children, merges)
+
+
+def cluster_tree(X, labels, criterion: str = "i2", *, ordered: bool = True, **models) -> Tree:
+    """Build a tree over the clusters, always by the merge that is best for a criterion.
+
+    Parameters
+    ----------
+    X : {array-like, sparse matrix} of shape (n_samples, n_features)
+    labels : array-like of shape (n_samples,)
+    criterion : str, default="i2"
+        One of the first seven; "g3" and "h3" build no trees.
+    ordered : bool, default=True
+        Turn the children so that neighbouring subtrees are as similar as possible.
+    **models
+        similarity, row_model, col_model, prune.
+    """
+    given, built, found = _build(X, labels, criterion, _OVER_CLUSTERS, ordered, models)
+    (matrix, codes, part), (parents, similarities), (leaves, children, merges) = given, built, found
+    leaf_sizes = _engine.cluster_statistics(matrix, codes, len(parents) // 2, part)[0][leaves]
+    sizes = _sizes(children, leaf_sizes)
+    return Tree(leaves, children, similarities[merges], sizes, parents, similarities)
+
+
+def full_tree(X, labels, criterion: str = "i2", *, ordered: bool = False, **models) -> Tree:
+    """Build a tree over all rows in which every cluster is a subtree.
+
+    Parameters as for `cluster_tree`. Takes memory for the square of the largest cluster, and with
+    `ordered` for that of the number of rows; rows are left in place when preparation drops some.
+    """
+    X = check_matrix(X)
+    given, built, found = _build(X, labels, criterion, _OVER_ROWS, ordered, models)
+    (matrix, codes, part), (parents, places), (leaves, children, _) = given, built, found
+    nrows, ncols, indptr, indices, data, _, _ = _engine.prepare(matrix, codes)
+    prepared = sparse.csr_matrix((data, indices, indptr), shape=(nrows, ncols), dtype=np.float64)
+    similarities = _sibling_similarities(prepared, children)
+    sizes = _sizes(children, np.ones(len(leaves), dtype=np.int64))
+    return Tree(leaves, children, similarities, sizes, parents, places)

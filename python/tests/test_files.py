@@ -1,0 +1,90 @@
+# SPDX-License-Identifier: MIT
+"""The program's files, read and written."""
+
+from __future__ import annotations
+
+import numpy as np
+import pytest
+from scipy import sparse
+
+import molva
+
+
+def test_a_sparse_matrix_is_read_as_it_stands(tmp_path):
+    (tmp_path / "m").write_text("3 4 5\n1 1.0 4 2.0\n\n2 0.5 3 1 1 7\n")
+    X = molva.read_matrix(tmp_path / "m")
+    assert X.dtype == np.float32 and X.shape == (3, 4)
+    assert X.indptr.tolist() == [0, 2, 2, 5]
+    assert X.indices.tolist() == [0, 3, 1, 2, 0]
+    assert X.data.tolist() == [1, 2, 0.5, 1, 7]
+
+
+def test_a_dense_matrix_is_read_as_it_stands(tmp_path):
+    (tmp_path / "m").write_text("2 3\n5.1 0 1.4\n4.9 3 0\n")
+    X = molva.read_matrix(tmp_path / "m", dense=True)
+    np.testing.assert_array_equal(X, np.float32([[5.1, 0, 1.4], [4.9, 3, 0]]))
+
+
+@pytest.mark.parametrize("form", ["sparse", "dense"])
+def test_matrices_come_back_to_the_last_bit(tmp_path, form):
+    random = np.random.RandomState(1)
+    X = (random.normal(size=(40, 30)) * 10.0 ** random.randint(-30, 30, (40, 30))).astype("f4")
+    if form == "sparse":
+        X[random.rand(40, 30) < 0.8] = 0
+        X = sparse.csr_matrix(X)
+    molva.write_matrix(tmp_path / "m", X)
+    again = molva.read_matrix(tmp_path / "m", dense=form == "dense")
+    if form == "dense":
+        np.testing.assert_array_equal(again, X)
+    else:
+        np.testing.assert_array_equal(again.indptr, X.indptr)
+        np.testing.assert_array_equal(again.indices, X.indices)
+        np.testing.assert_array_equal(again.data, X.data)
+
+
+def test_a_bad_matrix_is_refused_with_the_programs_message(tmp_path):
+    (tmp_path / "m").write_text("1 4 1\n5 1.0\n")
+    with pytest.raises(molva.MolvaError) as refused:
+        molva.read_matrix(tmp_path / "m")
+    assert str(refused.value) == "Column number is greater than ncols. Ncols=4, ColNum=4, Row=0"
+    with pytest.raises(FileNotFoundError):
+        molva.read_matrix(tmp_path / "none")
+
+
+def test_column_numbers_from_0_are_refused_by_the_first_run(tmp_path):
+    (tmp_path / "m").write_text("2 4 2\n0 1.0\n1 1.0\n")
+    with pytest.raises(ValueError):
+        molva.RepeatedBisection(2).fit(molva.read_matrix(tmp_path / "m"))
+
+
+def test_labels_lose_blanks_at_their_ends_only(tmp_path):
+    (tmp_path / "l").write_bytes(b" a b \t\n\nna\xefve\r\nlast")
+    assert molva.read_labels(tmp_path / "l") == [" a b", "", "na\udcefve\r", "last"]
+    molva.write_labels(tmp_path / "again", molva.read_labels(tmp_path / "l"))
+    assert (tmp_path / "again").read_bytes() == b" a b\n\nna\xefve\r\nlast\n"
+    with pytest.raises(ValueError, match="would not be read back"):
+        molva.write_labels(tmp_path / "again", ["a\nb"])
+
+
+def test_clusterings_come_back(tmp_path):
+    molva.write_clustering(tmp_path / "c", np.array([1, -1, 0]))
+    assert (tmp_path / "c").read_text() == "1\n-1\n0\n"
+    labels, internal, external = molva.read_clustering(tmp_path / "c")
+    assert labels.tolist() == [1, -1, 0] and internal is None and external is None
+
+    (tmp_path / "z").write_text("1 -0.707107 0.707108\n-1 0.000000 -nan\n")
+    labels, internal, external = molva.read_clustering(tmp_path / "z")
+    assert labels.tolist() == [1, -1]
+    np.testing.assert_array_equal(internal, np.float32([-0.707107, 0]))
+    assert np.isnan(external[1])
+
+    (tmp_path / "bad").write_text("1\n2 3\n")
+    with pytest.raises(ValueError, match="is no clustering file"):
+        molva.read_clustering(tmp_path / "bad")
+
+
+def test_trees_come_back(tmp_path):
+    (tmp_path / "t").write_text("4 0.000000\n3 0.000000\n3 0.000000\n4 0.500000\n-1 0.125000\n")
+    parents, similarities = molva.read_tree(tmp_path / "t")
+    assert parents.tolist() == [4, 3, 3, 4, -1]
+    assert similarities.tolist() == [0, 0, 0, 0.5, 0.125]
