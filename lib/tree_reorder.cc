@@ -74,15 +74,15 @@ struct Layout {
   }
 };
 
-// Whether the second child should stand left. Ties keep the present order.
+// Whether the second child should stand left, beside one neighbour or between two. Ties keep the
+// present order.
 bool ShouldSwap(const NodeMatrix& s, int a, int b, int before, int after) {
   const auto wide = [&s](int x, int y) { return static_cast<Wide>(s.at(x, y)); };
   if (before >= 0 && after >= 0) {
     return wide(b, before) - wide(a, before) + (wide(a, after) - wide(b, after)) > 0;
   }
   if (before >= 0) return s.at(a, before) < s.at(b, before);
-  if (after >= 0) return s.at(b, after) < s.at(a, after);
-  return false;
+  return s.at(b, after) < s.at(a, after);
 }
 
 // 1 for the nodes whose children are two nodes below them that no other node has; the others count

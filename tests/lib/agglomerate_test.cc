@@ -267,6 +267,18 @@ TEST(Merging, RefusesTheCriteriaThatItCannotServe) {
   }
 }
 
+TEST(Merging, HasAnEngineForEachGroupOfCriteriaAndNoOther) {
+  const Rows rows(*PreparedOf({{1, 0}, {0, 1}}));
+  const std::vector<int> weights(2, 1);
+  std::vector<float> smat = rows.smat;
+  Tree tree(2);
+  const Merging merging{2, weights.data(), smat.data(), tree.ptree, tree.tsims, tree.gains};
+  EXPECT_FATAL(BuildSimHAC_LocalGains({.crfun = 6}, merging),
+               "Internal Error!. Criterion function 6, cannot be handled by this code.\n");
+  EXPECT_FATAL(BuildSimHAC_I1I2E1G1G1P({.crfun = 5}, merging),
+               "Internal Error!. Criterion function 5, cannot be handled by this code.\n");
+}
+
 // Sums of weights stop at the limits of an int; the tree is a tree all the same.
 TEST(Merging, TakesWeightsThatAddUpToMoreThanAnInt) {
   const Rows rows(*PreparedOf({{1, 0}, {0, 1}, {0.6F, 0.8F}}));

@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <cstdio>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -48,6 +49,13 @@ TEST(Try, CutsTheMessageToFit) {
   EXPECT_NE(MOLVA_Try(AskForCriterion, &code, message, 0), 0);
   EXPECT_EQ(std::string(message), "Unknown");
   EXPECT_NE(MOLVA_Try(AskForCriterion, &code, nullptr, 0), 0);
+}
+
+// The standard library's own memory has no name.
+TEST(Try, TellsThatTheStandardLibraryGotNoMemory) {
+  char message[100] = "before";
+  EXPECT_NE(MOLVA_Try([](void*) { throw std::bad_alloc(); }, nullptr, message, sizeof(message)), 0);
+  EXPECT_EQ(std::string(message), "Out of memory!");
 }
 
 TEST(Try, MayBeNested) {
