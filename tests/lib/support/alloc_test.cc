@@ -16,7 +16,8 @@
 #include "tests/testing/fatal.h"
 
 // Address sanitizer ends the process on a request that no machine can meet; malloc gives null.
-extern "C" const char* __asan_default_options();
+// The runtime looks it up by name.
+extern "C" [[gnu::visibility("default")]] const char* __asan_default_options();
 extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
