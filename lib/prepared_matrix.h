@@ -50,6 +50,7 @@ inline RowView Row(const PreparedMatrix& mat, int i) {
   const auto size = static_cast<std::size_t>(mat.rowptr[i + 1] - begin);
   return {{mat.rowind.data() + begin, size}, {mat.rowval.data() + begin, size}};
 }
+
 // Rows that are taken in a random order would be waited for. So what tells of a row is asked for a
 // while before it is needed, and soon after that its entries.
 constexpr int kRowsAhead = 4;

@@ -25,11 +25,14 @@ namespace molva {
 
 class ProductMemory {
  public:
+  // Among more clusters than some tens one has always moved too far for a row to be settled.
+  static constexpr int kWidest = 32;
+
   // `width` products for every row of the matrix.
   ProductMemory(const PreparedMatrix& mat, int width) : width_(static_cast<std::size_t>(width)) {
     const std::int64_t count = std::int64_t{mat.nrows} * width;
-    if (width <= 32 && count <= 2 * std::int64_t{EntryCount(mat)})
-      kept_ = Array<float>::OrNone(count);
+    const bool is_lighter = count <= 2 * std::int64_t{EntryCount(mat)};
+    if (width <= kWidest && is_lighter) kept_ = Array<float>::OrNone(count);
     kept_.Fill(std::numeric_limits<float>::quiet_NaN());
   }
   explicit operator bool() const { return static_cast<bool>(kept_); }

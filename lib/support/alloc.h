@@ -72,7 +72,7 @@ class Array {
   static Array OrNone(std::int64_t n) {
     Array array;
     array.size_ = n > 0 ? static_cast<std::size_t>(n) : 0;
-    array.data_.reset(static_cast<T*>(RVmallocOrNull(array.size_ * sizeof(T))));
+    array.data_.reset(static_cast<T*>(RVmallocOrNull(BytesOf<T>(array.size_))));
     if (!array.data_) array.size_ = 0;
     return array;
   }
