@@ -9,6 +9,7 @@
 
 #include "tools/import.h"
 #include "tools/import_options.h"
+#include "tools/partial_files.h"
 
 namespace {
 
@@ -28,6 +29,7 @@ void RunImport(const mardle::tools::ImportOptions& options) {
 int main(int argc, char** argv) {
   mardle::tools::ImportOptions options;
   if (const std::optional<int> status = ParseImportOptions(argc, argv, options)) return *status;
+  mardle::tools::RemovePartialFilesWhenInterrupted();
   try {
     RunImport(options);
     return kSuccess;

@@ -10,7 +10,10 @@
 namespace mardle::tools {
 
 OutputFile::OutputFile(const std::string& name)
-    : name_(name), partial_(name + ".partial"), file_(molva::OpenFile(partial_.c_str(), "w")) {
+    : name_(name),
+      partial_(name + ".partial"),
+      until_kept_(partial_.c_str()),
+      file_(molva::OpenFile(partial_.c_str(), "w")) {
   if (!file_) Fail();
 }
 

@@ -7,11 +7,12 @@
 #include <string_view>
 
 #include "lib/support/files.h"
+#include "tools/partial_files.h"
 
 namespace mardle::tools {
 
-// Written under NAME.partial, and renamed when kept; removed at scope end when not. Failures throw
-// InputError with the name.
+// Written under NAME.partial, and renamed when kept; removed at scope end, or by an interrupt, when
+// not. Failures throw InputError with the name.
 class OutputFile {
  public:
   explicit OutputFile(const std::string& name);
@@ -32,6 +33,7 @@ class OutputFile {
 
   std::string name_;
   std::string partial_;
+  PartialFile until_kept_;
   molva::File file_;
   bool kept_ = false;
 };

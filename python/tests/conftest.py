@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import os
+import signal
 import subprocess
 from pathlib import Path
 
@@ -24,6 +25,14 @@ def topics(rows: int, seed: int) -> sparse.csr_matrix:
         topic = row % 3
         counts[row, 20 * topic : 20 * topic + 20] += random.poisson(0.7, 20)
     return sparse.csr_matrix(counts.astype(np.float32))
+
+
+@pytest.fixture(scope="session", autouse=True)
+def interrupts():
+    """Let SIGINT raise KeyboardInterrupt, which it does not where the tests run in the background."""
+    before = signal.signal(signal.SIGINT, signal.default_int_handler)
+    yield
+    signal.signal(signal.SIGINT, before)
 
 
 @pytest.fixture(scope="session")

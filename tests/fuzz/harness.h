@@ -35,11 +35,13 @@ void FuzzNumbers(Bytes bytes);      // one number of a matrix file
 void FuzzLibrary(Bytes bytes);      // the entry points of molva.h
 void FuzzProgram(Bytes bytes);      // whole runs
 void FuzzPlots(Bytes bytes);        // plot files
+void FuzzImport(Bytes bytes);       // inputs of mardle-import
+void FuzzExport(Bytes bytes);       // files for mardle-export
 
 inline constexpr Target kTargets[] = {
     {"matrix", FuzzMatrix},   {"labels", FuzzLabels},   {"command_line", FuzzCommandLine},
     {"numbers", FuzzNumbers}, {"library", FuzzLibrary}, {"program", FuzzProgram},
-    {"plots", FuzzPlots},
+    {"plots", FuzzPlots},     {"import", FuzzImport},   {"export", FuzzExport},
 };
 
 // A promise that was not kept.

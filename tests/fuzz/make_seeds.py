@@ -36,6 +36,44 @@ LABELS = {  # rows, columns, blocks, then three files
     "long": b"\2\1\0\0\0\2\xffx\xaa\xaaxx\nxx\n",
     "few-blocks": b"\3\2\4\2c one\nc two\n\xfe\2r1\nr2\nr3\n\xfe\2a\nb\na\n",
 }
+MTX = b"%%MatrixMarket matrix "
+IMPORTS = {  # format, empty rows left out, options, the input
+    "mtx": b"\0\0\0" + MTX + b"coordinate real general\n% note\n3 4 3\n1 1 .5\n3 4 -2\n3 4 1e3\n",
+    "mtx-pattern": b"\0\1\0" + MTX + b"coordinate pattern symmetric\n3 3 2\n2 1\n3 3\n",
+    "mtx-array": b"\0\0\0" + MTX + b"array integer general\n2 2\n1\n0\n3\n4\n",
+    "mtx-skew": b"\0\0\1" + MTX + b"array real skew-symmetric\n3 3\n1\n2\n3\n",
+    "mtx-short": b"\0\0\0" + MTX + b"coordinate real general\n3 4 3\n1 1 .5\n",
+    "svmlight": b"\1\0\0+1 qid:3 1:.5 7:2 # note\n-1 2:1e-3\n\nx 3:1\n",
+    "svmlight-zero-based": b"\1\1\1" + b"1 0:1 4:2\n2\n",
+    "svmlight-twice": b"\1\0\0" + b"1 2:1 2:2\n",
+    "csv": b"\2\0\3class,label,a,\"b, c\"\nx,one,1,2.5\ny,\"two \"\"2\"\"\",0,-3\n",
+    "csv-no-header": b"\2\1\x14" + b"1;2;3\r\n4;5;6\r\n",
+    "csv-texts": b"\2\0\x0b" + b"class,label,text\nx,one,the sea and the sea\n"
+                 + b"y,two,\"sea,\nland\"\n",
+    "csv-words": b"\2\0\0" + b"a,b\n1,two\n",
+    "lines": b"\3\0\0sea and land\nland and sky\n\nsky\n",
+    "lines-classes": b"\3\1\3x\tone\tsea and land\ny\ttwo\tland and sky\n",
+    "lines-script": "\3\0\0\u00c4rger \u00e4rger\n\u03a3\u03ac\u03c3 \u03c3\u03ac\u03c2\n".encode()
+                    + b"\xc3\x28\n",
+    "byte-order-mark": b"\3\0\0\xef\xbb\xbfsea sea\nsea\n",
+    "long-line": b"\3\0\0\xffa\xaa\xaa sea\nsea\n",
+}
+FILES = (b"4 3 6\n1 1 2 1\n1 2 2 1\n3 1\n3 4\n\xfe0 0.5 -0.5\n0 1 nan\n1 0 0\n1 0 0\n\xfe"
+         b"4 0.5\n4 0.5\n5 0.1\n5 0.2\n6 0.9\n6 0.8\n-1 0.1\n\xfe"
+         b"r 1\n</script>\n'q'\n\"q\"\n\xfea\nb&\n<c>\n\xfex\nx\ny\n\xc3\n\xfe")
+CLUSTER_TREE = FILES.split(b"\xfe")
+CLUSTER_TREE[2] = b"2 0.5\n2 0.25\n-1 0.1\n"
+EXPORTS = {  # format, options, the files
+    **{name: bytes([number, 63]) + FILES
+       for number, name in enumerate(["tsv", "json", "newick", "linkage", "dot", "page"])},
+    "page-no-options": b"\5\0" + FILES,
+    "page-cluster-tree": b"\5\x4f" + b"\xfe".join(CLUSTER_TREE),
+    "newick-numbers": b"\2\0" + FILES,
+    "dot-similarity": b"\4\x08" + b"\xfe".join(CLUSTER_TREE),
+    "page-dropped-rows": b"\5\x0b" + FILES.replace(b"\n1 0 0\n1 0 0\n", b"\n-1 0 0\n1 0 0\n"),
+    "short-clustering": b"\0\0" + FILES.replace(b"0 0.5 -0.5\n", b""),
+    "third-child": b"\3\0" + FILES.replace(b"\n5 0.1\n", b"\n4 0.1\n"),
+}
 COMMAND_LINES = [
     "m.mat 10", "-help", "", "m.mat", "a b c", "-crfun=3 -rb m 4", "m -sim 2 5 -zscores",
     "-showtree m 3", "-showtree=7 -writetree=t m 3", "-plotformat=%s m 2" % ("x" * 300),
@@ -112,6 +150,10 @@ def main() -> None:
         write("matrix", name, data)
     for name, data in LABELS.items():
         write("labels", name, data)
+    for name, data in IMPORTS.items():
+        write("import", name, data)
+    for name, data in EXPORTS.items():
+        write("export", name, data)
     for number, line in enumerate(COMMAND_LINES):
         write("command_line", f"line-{number:02}", line.replace(" ", "\n").encode())
     for number, word in enumerate(NUMBERS):

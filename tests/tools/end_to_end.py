@@ -13,6 +13,7 @@ import stat
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 TEXTS = pathlib.Path(__file__).resolve().parent / "data" / "texts"
@@ -71,6 +72,30 @@ class Importing(EndToEnd):
         clusters = self.lines("t.mat.clustering.2")
         self.assertEqual((len(set(clusters[:3])), len(set(clusters[3:]))), (1, 1))
         self.assertNotEqual(clusters[0], clusters[5])
+
+    def importing(self, number, disposition):
+        """An import that has begun and waits for its input."""
+        process = subprocess.Popen([IMPORT, "--format", "svmlight", "-", "s.mat"],
+                                   cwd=self.folder, stdin=subprocess.PIPE,
+                                   stdout=subprocess.DEVNULL,
+                                   preexec_fn=lambda: signal.signal(number, disposition))
+        while not (self.folder / "s.mat.partial").exists():
+            time.sleep(0.001)
+        return process
+
+    def test_an_interrupt_leaves_no_file_behind(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.importing(number, signal.SIG_DFL) as process:
+                process.send_signal(number)
+            self.assertEqual(process.returncode, -number)
+            self.assertEqual(os.listdir(self.folder), [])
+
+    def test_an_ignored_signal_stays_ignored(self):
+        with self.importing(signal.SIGHUP, signal.SIG_IGN) as process:
+            process.send_signal(signal.SIGHUP)
+            process.stdin.write(b"1 1:2\n")
+        self.assertEqual(process.returncode, 0)
+        self.assertEqual(self.lines("s.mat.rclass"), ["1"])
 
     def test_standard_input_is_read(self):
         made = subprocess.run([IMPORT, "-", "s.mat"], cwd=self.folder, input=b"1 1:2\n-1 2:3\n",
