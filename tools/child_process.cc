@@ -11,6 +11,8 @@
 
 #include <cstdlib>
 
+#include "tools/argument_vector.h"
+
 namespace mardle::tools {
 namespace {
 
@@ -25,13 +27,6 @@ sigset_t WatchedSignals() {
   return watched;
 }
 
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
 // Starts the program with the signal mask that this process had.
 int Start(const std::string& program, const std::vector<std::string>& arguments,
           const sigset_t& mask, pid_t& child) {
@@ -41,8 +36,8 @@ int Start(const std::string& program, const std::vector<std::string>& arguments,
   posix_spawnattr_init(&attributes);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
   posix_spawnattr_setsigmask(&attributes, &mask);
-  const int error =
-      posix_spawn(&child, program.c_str(), nullptr, &attributes, Pointers(texts).data(), environ);
+  const int error = posix_spawn(&child, program.c_str(), nullptr, &attributes,
+                                ArgumentVector(texts).data(), environ);
   posix_spawnattr_destroy(&attributes);
   return error;
 }

@@ -115,7 +115,7 @@ std::string Html(std::string_view text) {
   });
 }
 
-std::string ScriptJson(std::string json) {
+std::string ScriptJson(std::string_view json) {
   return Replace(json, [](char c) { return c == '<' ? "\\u003c" : nullptr; });
 }
 

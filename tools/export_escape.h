@@ -27,6 +27,6 @@ std::string DotString(std::string_view text);
 std::string Html(std::string_view text);
 
 // JSON text that can stand in a script element: it holds no "<", which could end it.
-std::string ScriptJson(std::string json);
+std::string ScriptJson(std::string_view json);
 
 }  // namespace mardle::exporting

@@ -44,8 +44,8 @@ std::string AsciiLowerCase(std::string_view text) {
 Symmetry SymmetryNamed(const std::string& name, const InputLines& input) {
   if (name == "general") return Symmetry::kGeneral;
   if (name == "symmetric") return Symmetry::kSymmetric;
-  if (name == "skew-symmetric") return Symmetry::kSkew;
-  input.Fail("symmetry " + Quoted(name) + " is not supported");
+  if (name != "skew-symmetric") input.Fail("symmetry " + Quoted(name) + " is not supported");
+  return Symmetry::kSkew;
 }
 
 Banner ReadBanner(InputLines& input) {

@@ -88,7 +88,7 @@ void MatrixWriter::AppendDense(std::span<const Entry> entries) {
 }
 
 void MatrixWriter::WriteName(std::optional<std::string_view> name, const char* suffix,
-                             std::unique_ptr<OutputFile>& file) {
+                             std::unique_ptr<OutputFile>& file) const {
   if (!name) return;
   if (!file) file = std::make_unique<OutputFile>(output_.path + suffix);
   file->Write(LabelText(*name) + '\n');
@@ -121,7 +121,7 @@ MatrixSummary MatrixWriter::Finish(std::int64_t columns,
   return summary_;
 }
 
-void MatrixWriter::KeepOrRemove(const std::unique_ptr<OutputFile>& file, const char* suffix) {
+void MatrixWriter::KeepOrRemove(const std::unique_ptr<OutputFile>& file, const char* suffix) const {
   if (file) {
     file->Keep();
   } else {

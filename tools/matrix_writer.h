@@ -64,9 +64,9 @@ class MatrixWriter {
   void AppendSparse(std::span<const Entry> entries);
   void AppendDense(std::span<const Entry> entries);
   void WriteName(std::optional<std::string_view> name, const char* suffix,
-                 std::unique_ptr<OutputFile>& file);
+                 std::unique_ptr<OutputFile>& file) const;
   std::string Header() const;
-  void KeepOrRemove(const std::unique_ptr<OutputFile>& file, const char* suffix);
+  void KeepOrRemove(const std::unique_ptr<OutputFile>& file, const char* suffix) const;
 
   MatrixOutput output_;
   MatrixSummary summary_;

@@ -11,6 +11,7 @@
 #include "programs/io/line_reader.h"
 #include "programs/io/read_matrix.h"
 #include "programs/options.h"
+#include "tools/argument_vector.h"
 #include "tools/input_error.h"
 #include "tools/input_lines.h"
 #include "tools/number_field.h"
@@ -33,18 +34,12 @@ int ArgumentRule(Option::Value value) {
 
 std::vector<option> ParserTable() {
   std::vector<option> table;
+  table.reserve(OptionTable().size() + 1);
   for (const Option& option : OptionTable()) {
     table.push_back({option.name, ArgumentRule(option.value), nullptr, 0});
   }
   table.push_back({});
   return table;
-}
-
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
 }
 
 // Whether mardle would run; its own parser ends the process when it would not.
@@ -53,7 +48,7 @@ Request Classify(std::vector<std::string> command_line) {
   optind = 0;
   opterr = 0;
   const int argc = static_cast<int>(command_line.size());
-  const std::vector<char*> argv = Pointers(command_line);
+  const std::vector<char*> argv = ArgumentVector(command_line);
   const std::vector<option> table = ParserTable();
   int position = 0;
   for (;;) {
@@ -146,7 +141,7 @@ Request ReadCommandLine(const std::vector<std::string>& command_line, RunParams&
   const Request request = Classify(command_line);
   if (request != Request::kRun) return request;
   std::vector<std::string> texts = command_line;
-  ParseCommandLine(params, static_cast<int>(texts.size()), Pointers(texts).data());
+  ParseCommandLine(params, static_cast<int>(texts.size()), ArgumentVector(texts).data());
   return request;
 }
 

@@ -58,7 +58,7 @@ bool AnswersItself(const std::vector<std::string>& arguments) {
 }
 
 std::optional<std::string> FindOther() {
-  const std::optional<std::string> program = FindMardle();
+  std::optional<std::string> program = FindMardle();
   std::error_code ignored;
   if (program && std::filesystem::equivalent(*program, OwnPath(), ignored)) return std::nullopt;
   return program;

@@ -16,6 +16,17 @@ icu::UnicodeString LowerCased(std::string_view text) {
   return lower.toLower(icu::Locale::getRoot());
 }
 
+std::unique_ptr<icu::RegexMatcher> Matcher(const std::string& pattern) {
+  UErrorCode status = U_ZERO_ERROR;
+  auto matcher =
+      std::make_unique<icu::RegexMatcher>(icu::UnicodeString::fromUTF8(pattern), 0, status);
+  if (U_FAILURE(status)) {
+    throw std::invalid_argument("the token pattern '" + pattern +
+                                "' is no regular expression: " + u_errorName(status));
+  }
+  return matcher;
+}
+
 }  // namespace
 
 std::string LowerCase(std::string_view text) {
@@ -23,14 +34,7 @@ std::string LowerCase(std::string_view text) {
   return LowerCased(text).toUTF8String(lower);
 }
 
-TextTokens::TextTokens(const std::string& pattern) {
-  UErrorCode status = U_ZERO_ERROR;
-  matcher_ = std::make_unique<icu::RegexMatcher>(icu::UnicodeString::fromUTF8(pattern), 0, status);
-  if (U_FAILURE(status)) {
-    throw std::invalid_argument("the token pattern '" + pattern +
-                                "' is no regular expression: " + u_errorName(status));
-  }
-}
+TextTokens::TextTokens(const std::string& pattern) : matcher_(Matcher(pattern)) {}
 
 void TextTokens::Start(std::string_view text, const Place& place) {
   constexpr std::size_t kLongestText = INT_MAX / 4;
