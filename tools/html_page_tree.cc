@@ -39,10 +39,19 @@ void WriteLeaf(const PageRun& run, const PageNumbers& numbers, const std::vector
   out << "</li>\n";
 }
 
-void OpenNode(const PageRun& run, const ClusterTree& tree, int x, std::ostream& out) {
-  out << "<li><details open><summary><b>Node " << x << "</b>";
+// Browsers nest some five hundred elements at most, and a branch is three: below this depth
+// branches are lines of the deepest list.
+constexpr int kDeepestBranch = 100;
+
+void OpenNode(const PageRun& run, const ClusterTree& tree, int x, int depth, std::ostream& out) {
+  const bool nests = depth < kDeepestBranch;
+  out << (nests ? "<li><details open><summary>" : "<li>") << "<b>Node " << x << "</b>";
   WriteText(run, tree, x, out);
-  out << "</summary>\n<ul>\n";
+  out << (nests ? "</summary>\n<ul>\n" : "</li>\n");
+}
+
+void CloseNode(int depth, std::ostream& out) {
+  if (depth < kDeepestBranch) out << "</ul></details></li>\n";
 }
 
 // Climbs by the parents, so a tree of any depth needs no stack.
@@ -52,12 +61,13 @@ void WriteNodes(const PageRun& run, const PageNumbers& numbers, std::ostream& ou
   const auto left = [&](int x) { return tree.children[2 * std::size_t(x)]; };
   const auto right = [&](int x) { return tree.children[2 * std::size_t(x) + 1]; };
   int x = tree.root;
+  int depth = 0;
   for (;;) {
-    for (; left(x) >= 0; x = left(x)) OpenNode(run, tree, x, out);
+    for (; left(x) >= 0; x = left(x)) OpenNode(run, tree, x, depth++, out);
     WriteLeaf(run, numbers, colours, x, out);
     while (x != tree.root && right(tree.ptree[x]) == x) {
       x = tree.ptree[x];
-      out << "</ul></details></li>\n";
+      CloseNode(--depth, out);
     }
     if (x == tree.root) return;
     x = right(tree.ptree[x]);

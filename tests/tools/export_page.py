@@ -284,6 +284,29 @@ class Parameters(unittest.TestCase):
         self.assertEqual(shown, told)
 
 
+class Chains(unittest.TestCase):
+    """Browsers nest no more than 512 elements, and a tree may be a chain."""
+
+    def test_lie_flat_below_the_hundredth_branch(self):
+        n = 300
+        with tempfile.TemporaryDirectory() as scratch:
+            folder = pathlib.Path(scratch)
+            (folder / "m").write_text(f"{n} 2 {2 * n}\n" + "1 1 2 2\n" * n)
+            (folder / "c").write_text("".join(f"{k}\n" for k in range(n)))
+            parents = [n + max(k - 1, 0) for k in range(n)] + [x + 1 for x in range(n, 2 * n - 2)] + [-1]
+            (folder / "t").write_text("".join(f"{parent} 0.5\n" for parent in parents))
+            page = make_page(folder, "--matrix", folder / "m", "--clustering", folder / "c",
+                             "--tree", folder / "t", "--colmodel", "1", "--noreorder")
+        tree = page.within(page.section("tree"))
+        self.assertLess(max(len(element["path"]) for element in tree), 400)
+        self.assertEqual(len([e for e in tree if e["tag"] == "details"]), 100)
+        nodes = [int(re.match(r"Node (\d+)", e["text"])[1]) for e in tree if e["tag"] == "b"]
+        self.assertEqual(nodes, list(range(2 * n - 2, n - 1, -1)))
+        leaves = [int(re.match(r"Cluster (\d+)", e["text"])[1]) for e in tree
+                  if e["at"].get("class") == "leaf"]
+        self.assertEqual(sorted(leaves), list(range(n)))
+
+
 class Labels(unittest.TestCase):
     """Labels that try to become markup, script or broken text."""
     HOSTILE = ["</script><script>alert(1)</script>", "<!--<script>", "\" onmouseover=\"alert(1)", "'&amp;<b>"]
