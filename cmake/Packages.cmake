@@ -42,4 +42,8 @@ endforeach()
 mardle_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog.gz)
 mardle_compressed(${PROJECT_SOURCE_DIR}/cmake/debian/changelog changelog.Debian.gz)
 
+# Whoever installs without a package gets the texts of the licences too; packages refer to Debian's.
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/LICENSES/GPL-2.0.txt
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/mardle COMPONENT licences)
+
 include(CPack)
