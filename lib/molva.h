@@ -37,8 +37,8 @@
  *
  *   Errors. Unless a handler says otherwise, every error prints a message to standard error and
  *   ends the process with status 0: an unknown code, a block that cannot be had (the message names
- * it), a column outside 0 to ncols-1, a rowptr that decreases, fewer rows than clusters, no trial
- * to keep.
+ *   it), a column outside 0 to ncols-1, a rowptr that decreases, fewer rows than clusters, no trial
+ *   to keep.
  *
  *   Numbers. Stored results are single precision, sums behind them are wider. The same arguments
  *   give the same bits on every build.
