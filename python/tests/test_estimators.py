@@ -145,21 +145,6 @@ class TestBoth:
         else:
             assert lines == [f"RepeatedBisection: bisection {done} of 2" for done in (1, 2)]
 
-    def test_an_interrupt_stops_a_run_within_a_second(self, estimator):
-        model = estimator(30, n_trials=2**30, random_state=1)
-        X = np.random.RandomState(0).normal(size=(3000, 60))
-        sent = []
-
-        def interrupt():
-            sent.append(time.monotonic())
-            _thread.interrupt_main(signal.SIGINT)
-
-        timer = threading.Timer(0.5, interrupt)
-        timer.start()  # The thread needs the lock, which the run must have let go.
-        with pytest.raises(KeyboardInterrupt):
-            model.fit(X)
-        assert time.monotonic() - sent[0] < 1
-
     def test_runs_go_on_in_several_threads(self, counts, estimator):
         expected = [estimator(4, random_state=seed).fit_predict(counts) for seed in range(4)]
         found = [None] * 4
@@ -173,6 +158,34 @@ class TestBoth:
         for thread in threads:
             thread.join()
         np.testing.assert_array_equal(found, expected)
+
+
+EACH = np.arange(3000)
+
+
+@pytest.mark.parametrize(
+    "run",
+    [
+        lambda X: molva.RepeatedBisection(30, n_trials=2**30).fit(X),
+        lambda X: molva.DirectKWay(30, n_trials=2**30).fit(X),
+        lambda X: molva.full_tree(X, np.zeros_like(EACH), "h1"),
+        lambda X: molva.cluster_tree(X, EACH, "h1"),
+    ],
+    ids=["RepeatedBisection", "DirectKWay", "full_tree", "cluster_tree"],
+)
+def test_an_interrupt_stops_a_run_within_a_second(run):
+    X = np.random.RandomState(0).normal(size=(len(EACH), 60))
+    sent = []
+
+    def interrupt():
+        sent.append(time.monotonic())
+        _thread.interrupt_main(signal.SIGINT)
+
+    timer = threading.Timer(0.5, interrupt)
+    timer.start()  # The thread needs the lock, which the run must have let go.
+    with pytest.raises(KeyboardInterrupt):
+        run(X)
+    assert time.monotonic() - sent[0] < 1
 
 
 def test_refinement_is_asked_for_by_a_flag(counts):
