@@ -216,7 +216,7 @@ _PARAMETERS = """
     col_model : {"auto", "none", "idf"}, default="auto"
         How columns are weighted. "auto" is "idf" for sparse matrices under the cosine, as long as
         not every cell is stored, and "none" otherwise, where IDF has nothing to tell apart.
-    prune : float, default=1.0
+    prune : float from 0 to 1, default=1.0
         Columns of a sparse matrix are kept, heaviest first, until the squares of their weights in
         the unit sum of all rows pass prune * prune. A column stored in one row is always dropped.
     n_trials : int, default=10
