@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "lib/molva.h"
 #include "lib/support/fatal.h"
@@ -42,15 +43,14 @@ class Watcher {
   bool raised() const { return raised_; }
 
   static int Hook(MOLVA_Event event, int done, int total, void* self) {
-    return static_cast<Watcher*>(self)->Watch(event, done, total) ? 0 : 1;
+    return static_cast<Watcher*>(self)->GoesOn(event, done, total) ? 0 : 1;
   }
 
  private:
   using Clock = std::chrono::steady_clock;
   static constexpr std::chrono::milliseconds kBetweenSignalChecks{50};
 
-  // Returns whether the run goes on.
-  bool Watch(MOLVA_Event event, int done, int total) {
+  bool GoesOn(MOLVA_Event event, int done, int total) {
     const bool tells = event != MOLVA_EVENT_POLL && !progress_.is_none();
     const auto now = Clock::now();
     if (!tells && now - last_check_ < kBetweenSignalChecks) return true;
@@ -82,6 +82,27 @@ std::string WithoutNewlines(std::string text) {
   return text;
 }
 
+// Has the library's runs in this thread watched. What Python does meanwhile, in a signal handler or
+// while it prints, may run the library again, so the watcher in place before comes back.
+class Watch {
+ public:
+  explicit Watch(Watcher& watcher) : before_(std::exchange(current_, &watcher)) { Hook(); }
+  ~Watch() {
+    current_ = before_;
+    Hook();
+  }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+
+ private:
+  static void Hook() {
+    MOLVA_SetProgressHook(current_ == nullptr ? nullptr : &Watcher::Hook, current_);
+  }
+
+  static inline thread_local Watcher* current_ = nullptr;
+  Watcher* before_;
+};
+
 template <typename Call>
 void Run(const py::object& progress, Call call) {
   Watcher watcher(progress);
@@ -89,10 +110,9 @@ void Run(const py::object& progress, Call call) {
   int failed = 0;
   {
     const py::gil_scoped_release unlocked;
-    MOLVA_SetProgressHook(&Watcher::Hook, &watcher);
+    const Watch watch(watcher);
     failed = MOLVA_Try([](void* argument) { (*static_cast<Call*>(argument))(); }, &call, message,
                        sizeof message);
-    MOLVA_SetProgressHook(nullptr, nullptr);
   }
   if (watcher.raised()) throw py::error_already_set();
   if (failed != 0) throw LibraryError(WithoutNewlines(message));

@@ -13,7 +13,7 @@ from sklearn.utils import check_random_state
 from sklearn.utils.validation import check_is_fitted
 
 from . import _engine, analysis, trees
-from ._matrix import borrow, stored_in_full
+from ._matrix import FORM, LARGEST_INT, borrow, check_count, without_tail
 from ._models import Models, criterion_code
 from ._space import Space
 
@@ -32,22 +32,45 @@ def _seed(random_state) -> int:
     """Return the seed of the library's random numbers; an integer is taken as it is."""
     if isinstance(random_state, Integral):
         seed = int(random_state)
-        if not -(2**31) <= seed < 2**31:
-            raise ValueError(f"random_state must fit 32 bits; got {seed}")
+        if not -LARGEST_INT - 1 <= seed <= LARGEST_INT:
+            raise ValueError(f"random_state must fit 32 bits with a sign; got {seed}")
         return seed
-    return int(check_random_state(random_state).randint(2**31 - 1))
+    return int(check_random_state(random_state).randint(LARGEST_INT))
 
 
-def _count(name: str, value, least: int) -> int:
-    if isinstance(value, (bool, np.bool_)) or not isinstance(value, Integral):
-        raise ValueError(f"{name} must be an integer; got {value!r}")
-    if not least <= value < 2**31:
-        raise ValueError(f"{name} must be at least {least} and fit 32 bits; got {value}")
-    return int(value)
+def _check_flag(name: str, value: object) -> bool:
+    if not isinstance(value, (bool, np.bool_)) and value not in (0, 1):
+        raise ValueError(f"{name} must be True or False; got {value!r}")
+    return bool(value)
 
 
 class _RowClusterer(ClusterMixin, BaseEstimator):
     """What both estimators share: everything but the run itself."""
+
+    def __init__(
+        self,
+        n_clusters: int = 8,
+        *,
+        criterion: str = "i2",
+        similarity: str = "cosine",
+        row_model: str = "none",
+        col_model: str = "auto",
+        prune: float = 1.0,
+        n_trials: int = 10,
+        n_iter: int = 10,
+        random_state=None,
+        verbose: int = 0,
+    ):
+        self.n_clusters = n_clusters
+        self.criterion = criterion
+        self.similarity = similarity
+        self.row_model = row_model
+        self.col_model = col_model
+        self.prune = prune
+        self.n_trials = n_trials
+        self.n_iter = n_iter
+        self.random_state = random_state
+        self.verbose = verbose
 
     def fit(self, X, y=None):
         """Cluster the rows of a matrix.
@@ -63,30 +86,49 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         -------
         self
         """
-        X = validate_data(self, X, accept_sparse="csr", dtype=np.float32, order="C")
-        n_clusters = _count("n_clusters", self.n_clusters, 1)
-        n_trials = _count("n_trials", self.n_trials, 1)
-        n_iter = _count("n_iter", self.n_iter, 0)
+        X = self._checked(X, reset=True)
+        n_clusters = check_count("n_clusters", self.n_clusters, 1)
         if X.shape[0] < n_clusters:
             raise ValueError(f"n_samples={X.shape[0]} should be >= n_clusters={n_clusters}.")
         crfun = criterion_code(self.criterion)
-        matrix, in_full = borrow(X), stored_in_full(X)
         models = Models.choose(
-            in_full, self.similarity, self.row_model, self.col_model, self.prune
+            X,
+            similarity=self.similarity,
+            row_model=self.row_model,
+            col_model=self.col_model,
+            prune=self.prune,
         )
-        settings = dict(crfun=crfun, ntrials=n_trials, niter=n_iter, seed=_seed(self.random_state))
-        self.labels_ = self._cluster(
-            matrix, models.codes(), nparts=n_clusters, progress=self._progress(), **settings
+        matrix, codes = borrow(X), models.codes()
+        labels = self._cluster(
+            matrix,
+            codes,
+            crfun=crfun,
+            ntrials=check_count("n_trials", self.n_trials, 1),
+            niter=check_count("n_iter", self.n_iter, 0),
+            seed=_seed(self.random_state),
+            nparts=n_clusters,
+            progress=self._progress(),
         )
+        found = matrix, codes, n_clusters, labels
+        statistics = analysis.ClusterStatistics(*_engine.cluster_statistics(*found))
+        value = _engine.criterion_value(*found, crfun)
+        space, prepared, rows = Space.fit(X, models)
+        centers = space.centroids(prepared, labels[rows], n_clusters)
+
+        # Together, so that a run that is stopped leaves what an earlier one found.
+        self.labels_ = labels
         self.models_ = models._asdict()
-        found = matrix, models.codes(), n_clusters, self.labels_
-        self.statistics_ = analysis.ClusterStatistics(*_engine.cluster_statistics(*found))
-        self.criterion_value_ = _engine.criterion_value(*found, crfun)
-        self._space, prepared, rows = Space.fit(X, models, in_full)
-        self.cluster_centers_ = self._space.centroids(prepared, self.labels_[rows], n_clusters)
+        self.statistics_ = statistics
+        self.criterion_value_ = value
+        self._space = space
+        self.cluster_centers_ = centers
         return self
 
-    def _cluster(self, matrix, models, *, refine=None, **settings) -> np.ndarray:
+    def _checked(self, X, reset: bool = False):
+        """Return X in the library's form; without `reset` it must have the fitted columns."""
+        return without_tail(validate_data(self, X, reset=reset, **FORM))
+
+    def _cluster(self, matrix, codes, **settings) -> np.ndarray:
         raise NotImplementedError
 
     def _progress(self) -> Callable[[int, int, int], None] | None:
@@ -106,8 +148,8 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
 
         The program has no such step. New rows are scaled by the fitted row model and the fitted
         column weights and reduced to the columns that were kept; of equally similar clusters the
-        first wins. On the rows of the fit the answers may differ from `labels_`, since only I2
-        without further constraints asks for the nearest centroid.
+        first wins. On the rows of the fit the answers may differ from `labels_`: no criterion asks
+        for the nearest centroid alone, and refinement may stop before every row is at its nearest.
 
         Parameters
         ----------
@@ -119,9 +161,8 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
             -1 for rows of which nothing is left.
         """
         check_is_fitted(self)
-        X = validate_data(
-            self, X, accept_sparse="csr", dtype=np.float32, order="C", reset=False
-        )
+        X = self._checked(X)
+        self._space.models.check_values(X)
         rows = self._space.transform(X)
         similarities = rows @ self.cluster_centers_.T
         if sparse.issparse(rows):
@@ -141,6 +182,7 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         check_is_fitted(self)
         if feature_names is None:
             feature_names = getattr(self, "feature_names_in_", None)
+        X = self._checked(X)
         return analysis.cluster_features(
             X, self.labels_, n_features, feature_names, **self.models_
         )
@@ -149,12 +191,14 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         """Build the tree over the clusters of the fitted rows; see `molva.cluster_tree`."""
         check_is_fitted(self)
         criterion = self.criterion if criterion is None else criterion
+        X = self._checked(X)
         return trees.cluster_tree(X, self.labels_, criterion, ordered=ordered, **self.models_)
 
     def full_tree(self, X, criterion: str | None = None, ordered: bool = False) -> trees.Tree:
         """Build the tree over all fitted rows; see `molva.full_tree`."""
         check_is_fitted(self)
         criterion = self.criterion if criterion is None else criterion
+        X = self._checked(X)
         return trees.full_tree(X, self.labels_, criterion, ordered=ordered, **self.models_)
 
 
@@ -172,7 +216,7 @@ _PARAMETERS = """
     col_model : {"auto", "none", "idf"}, default="auto"
         How columns are weighted. "auto" is "idf" for sparse matrices under the cosine, as long as
         not every cell is stored, and "none" otherwise, where IDF has nothing to tell apart.
-    prune : float, default=1.0
+    prune : float from 0 to 1, default=1.0
         Columns of a sparse matrix are kept, heaviest first, until the squares of their weights in
         the unit sum of all rows pass prune * prune. A column stored in one row is always dropped.
     n_trials : int, default=10
@@ -230,20 +274,23 @@ class RepeatedBisection(_RowClusterer):
         random_state=None,
         verbose: int = 0,
     ):
-        self.n_clusters = n_clusters
-        self.criterion = criterion
-        self.similarity = similarity
-        self.row_model = row_model
-        self.col_model = col_model
-        self.prune = prune
-        self.n_trials = n_trials
-        self.n_iter = n_iter
+        super().__init__(
+            n_clusters,
+            criterion=criterion,
+            similarity=similarity,
+            row_model=row_model,
+            col_model=col_model,
+            prune=prune,
+            n_trials=n_trials,
+            n_iter=n_iter,
+            random_state=random_state,
+            verbose=verbose,
+        )
         self.refine = refine
-        self.random_state = random_state
-        self.verbose = verbose
 
-    def _cluster(self, matrix, models, **settings) -> np.ndarray:
-        return _engine.cluster_by_bisection(matrix, models, refine=bool(self.refine), **settings)
+    def _cluster(self, matrix, codes, **settings) -> np.ndarray:
+        refine = _check_flag("refine", self.refine)
+        return _engine.cluster_by_bisection(matrix, codes, refine=refine, **settings)
 
     def _progress(self):
         if not self.verbose:
@@ -263,33 +310,8 @@ class DirectKWay(_RowClusterer):
         + _ATTRIBUTES
     )
 
-    def __init__(
-        self,
-        n_clusters: int = 8,
-        *,
-        criterion: str = "i2",
-        similarity: str = "cosine",
-        row_model: str = "none",
-        col_model: str = "auto",
-        prune: float = 1.0,
-        n_trials: int = 10,
-        n_iter: int = 10,
-        random_state=None,
-        verbose: int = 0,
-    ):
-        self.n_clusters = n_clusters
-        self.criterion = criterion
-        self.similarity = similarity
-        self.row_model = row_model
-        self.col_model = col_model
-        self.prune = prune
-        self.n_trials = n_trials
-        self.n_iter = n_iter
-        self.random_state = random_state
-        self.verbose = verbose
-
-    def _cluster(self, matrix, models, **settings) -> np.ndarray:
-        return _engine.cluster_directly(matrix, models, **settings)
+    def _cluster(self, matrix, codes, **settings) -> np.ndarray:
+        return _engine.cluster_directly(matrix, codes, **settings)
 
     def _progress(self):
         return self._report({_TRIAL: "trial"}) if self.verbose else None

@@ -3,9 +3,14 @@
 
 from __future__ import annotations
 
+from numbers import Real
 from typing import NamedTuple
 
+import numpy as np
+from scipy import sparse
+
 from . import _engine
+from ._matrix import stored_in_full
 
 CRITERIA = {"i1": 1, "i2": 2, "e1": 3, "g1": 4, "g1p": 5, "h1": 6, "h2": 7, "g3": 8, "h3": 9}
 SIMILARITIES = {"cosine": 1, "correlation": 2}
@@ -28,6 +33,12 @@ def criterion_code(criterion: str) -> int:
     return code("criterion", criterion, CRITERIA)
 
 
+def _check_prune(prune: object) -> float:
+    if isinstance(prune, (bool, np.bool_)) or not isinstance(prune, Real) or not 0 <= prune <= 1:
+        raise ValueError(f"prune must be a number from 0 to 1; got {prune!r}")
+    return float(prune)
+
+
 class Models(NamedTuple):
     """How rows are scaled, weighted and compared, with no default left open."""
 
@@ -38,14 +49,9 @@ class Models(NamedTuple):
 
     @classmethod
     def choose(
-        cls,
-        stored_in_full: bool,
-        similarity: str,
-        row_model: str,
-        col_model: str,
-        prune: float,
+        cls, X, *, similarity: str, row_model: str, col_model: str, prune: float
     ) -> Models:
-        """Check the names, and decide "auto" for a matrix as the program does.
+        """Check the models for a checked matrix, and decide "auto" as the program does.
 
         Every column of a matrix whose cells are all stored occurs in every row, which leaves
         nothing for IDF to tell apart; the correlation coefficient fills the cells as well.
@@ -53,10 +59,18 @@ class Models(NamedTuple):
         code("similarity", similarity, SIMILARITIES)
         code("row_model", row_model, ROW_MODELS)
         code("col_model", col_model, {"auto": 0, **COL_MODELS})
-        if isinstance(col_model, str) and col_model.lower() == "auto":
-            weighted = similarity.lower() == "cosine" and not stored_in_full
-            col_model = "idf" if weighted else "none"
-        return cls(similarity.lower(), row_model.lower(), col_model.lower(), float(prune))
+        models = cls(similarity.lower(), row_model.lower(), col_model.lower(), _check_prune(prune))
+        models.check_values(X)
+        if models.col_model != "auto":
+            return models
+        weighted = models.similarity == "cosine" and not stored_in_full(X)
+        return models._replace(col_model="idf" if weighted else "none")
+
+    def check_values(self, X) -> None:
+        """Refuse values that the row model makes not-a-number."""
+        values = X.data if sparse.issparse(X) else X
+        if self.row_model == "log" and values.min(initial=0) < 0:
+            raise ValueError("row_model 'log' takes no negative values: they have no logarithm")
 
     def codes(self) -> _engine.Models:
         """Return the record that the extension takes."""

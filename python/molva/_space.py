@@ -9,7 +9,7 @@ import numpy as np
 from scipy import sparse
 
 from . import _engine
-from ._matrix import borrow
+from ._matrix import borrow, stored_in_full
 from ._models import Models
 
 
@@ -22,8 +22,7 @@ def _scaled(values: np.ndarray, row_model: str, largest: np.ndarray) -> np.ndarr
             return 0.5 + 0.5 * values / largest
         if row_model == "sqrt":
             return np.sign(values) * (1 + np.sqrt(np.abs(values)))
-        # The logarithm of a negative value is taken of the value itself: not-a-number.
-        return np.where(values == 0, 0, np.sign(values) * (1 + np.log2(values)))
+        return np.where(values == 0, 0, 1 + np.log2(values))
 
 
 def _unit_rows(rows):
@@ -58,7 +57,7 @@ class Space:
     weights: np.ndarray
 
     @classmethod
-    def fit(cls, X, models: Models, in_full: bool):
+    def fit(cls, X, models: Models):
         """Return the space of a checked matrix, its prepared rows, and which rows they are."""
         nrows, ncols, indptr, indices, data, rows, columns = _engine.prepare(
             borrow(X), models.codes()
@@ -69,7 +68,7 @@ class Space:
         if models.col_model == "idf":
             stored = np.bincount(X.indices, minlength=X.shape[1])[columns]
             weights = -np.log(stored / X.shape[0])
-        in_full = in_full or models.similarity == "correlation"
+        in_full = stored_in_full(X) or models.similarity == "correlation"
         return cls(models, in_full, columns, weights), prepared, rows[:nrows].copy()
 
     def transform(self, X):

@@ -14,7 +14,7 @@ from typing import Iterator, NamedTuple, Sequence
 import numpy as np
 
 from . import _engine
-from ._matrix import borrow, check_labels, check_matrix, stored_in_full
+from ._matrix import borrow, check_count, check_labels, check_matrix
 from ._models import Models, criterion_code
 
 
@@ -22,13 +22,12 @@ def view(X, labels, models: dict):
     """Return what the entry points take: matrix, models, number of clusters, labels."""
     X = check_matrix(X)
     part, n_clusters = check_labels(labels, X.shape[0])
-    matrix = borrow(X)
     settings = dict(similarity="cosine", row_model="none", col_model="auto", prune=1.0)
     unknown = models.keys() - settings.keys()
     if unknown:
         raise TypeError(f"unexpected keyword argument {min(unknown)!r}")
-    chosen = Models.choose(stored_in_full(X), **{**settings, **models})
-    return matrix, chosen.codes(), n_clusters, part
+    chosen = Models.choose(X, **{**settings, **models})
+    return borrow(X), chosen.codes(), n_clusters, part
 
 
 class ClusterStatistics(NamedTuple):
@@ -79,12 +78,12 @@ class Feature(NamedTuple):
     share: float
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False, repr=False)
 class ClusterFeatures:
     """The columns that describe every cluster and those that tell it from the rest, best first.
 
-    Iterating gives `Feature` tuples, which ``pandas.DataFrame(features)`` makes a table of, and
-    printing gives the program's lists.
+    Iterating gives `Feature` tuples, which ``pandas.DataFrame(features)`` makes a table of;
+    printed it is a list of names for every cluster.
 
     Attributes
     ----------
@@ -130,6 +129,8 @@ class ClusterFeatures:
                 lines.append(f"{head:>24}:  " + ", ".join(shown))
         return "\n".join(lines)
 
+    __repr__ = __str__
+
 
 def column_names(feature_names, n_columns: int) -> Sequence | None:
     """Return names from a list of them or from what knows them, as a vectoriser does."""
@@ -137,9 +138,10 @@ def column_names(feature_names, n_columns: int) -> Sequence | None:
         return None
     if hasattr(feature_names, "get_feature_names_out"):
         feature_names = feature_names.get_feature_names_out()
-    if len(feature_names) != n_columns:
-        raise ValueError(f"{len(feature_names)} names for {n_columns} columns")
-    return feature_names
+    names = list(feature_names)
+    if len(names) != n_columns:
+        raise ValueError(f"{len(names)} names for {n_columns} columns")
+    return names
 
 
 def cluster_features(
@@ -152,12 +154,13 @@ def cluster_features(
     X : {array-like, sparse matrix} of shape (n_samples, n_features)
     labels : array-like of shape (n_samples,)
     n_features : int, default=5
-        Columns to name for each cluster.
+        Columns to name for each cluster, as far as there are so many.
     feature_names : sequence of str, or object with get_feature_names_out, optional
     **models
         similarity, row_model, col_model, prune.
     """
     matrix, codes, n_clusters, part = view(X, labels, models)
     names = column_names(feature_names, matrix.ncols)
-    lists = _engine.cluster_features(matrix, codes, n_clusters, part, n_features)
+    named = min(check_count("n_features", n_features, 1), matrix.ncols)
+    lists = _engine.cluster_features(matrix, codes, n_clusters, part, named)
     return ClusterFeatures(*lists, names)

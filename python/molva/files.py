@@ -13,7 +13,7 @@ import numpy as np
 from scipy import sparse
 
 from . import _engine
-from ._matrix import check_matrix
+from ._matrix import check_matrix, narrowed
 from .trees import Tree
 
 _TEXT = dict(encoding="utf-8", errors="surrogateescape", newline="\n")
@@ -27,11 +27,15 @@ def read_matrix(path: str | os.PathLike, dense: bool = False):
     csr_matrix, or ndarray when `dense`
         Of single precision. The entries of a row stand in the order of the file.
     """
-    with open(path, "rb"):
+    name = os.fsencode(path)
+    with open(name, "rb"):
         pass  # A missing file is Python's matter.
-    nrows, ncols, indptr, indices, data = _engine.read_matrix(os.fsencode(path), dense)
+    nrows, ncols, indptr, indices, data = _engine.read_matrix(name, dense)
     if dense:
         return data.reshape(nrows, ncols)
+    if indices.min(initial=0) < 0:
+        # The program meets these in its first run; scipy would write outside its arrays.
+        raise ValueError(f"{os.fspath(path)} has column numbers below 1; the first column is 1")
     return sparse.csr_matrix((data, indices, indptr), shape=(nrows, ncols), copy=False)
 
 
@@ -70,33 +74,45 @@ class Clustering(NamedTuple):
     """The contents of a clustering file; z-scores are None when it has none."""
 
     labels: np.ndarray
-    internal_zscores: np.ndarray | None
-    external_zscores: np.ndarray | None
+    internal_zscores: np.ndarray | None = None
+    external_zscores: np.ndarray | None = None
+
+
+def _read_numbers(path: str | os.PathLike, kind: str, *widths: int) -> list[np.ndarray]:
+    """Return the fields of all lines as columns, the first of integers and the others of floats.
+
+    All lines must have the same number of fields, one of `widths`.
+    """
+    with open(path, **_TEXT) as lines:
+        table = [line.split() for line in lines]
+    found = {len(fields) for fields in table} or {widths[0]}
+    try:
+        if len(found) > 1 or not found <= set(widths):
+            raise ValueError(f"lines have {' and '.join(map(str, sorted(found)))} fields")
+        columns = np.array(table, dtype=str).reshape(len(table), *found).T
+        return [narrowed(columns[0].astype(np.int64)), *columns[1:].astype(np.float32)]
+    except (ValueError, OverflowError) as error:
+        raise ValueError(f"{os.fspath(path)} is no {kind} file: {error}") from None
 
 
 def read_clustering(path: str | os.PathLike) -> Clustering:
     """Read a clustering file, with z-scores where it has them."""
-    with open(path, **_TEXT) as lines:
-        fields = [line.split() for line in lines]
-    widths = {len(line) for line in fields}
-    if not widths <= {1} and widths != {3}:
-        counts = " and ".join(map(str, sorted(widths)))
-        raise ValueError(f"{os.fspath(path)} is no clustering file: lines have {counts} fields")
-    labels = np.array([line[0] for line in fields]).astype(np.int32)
-    if widths != {3}:
-        return Clustering(labels, None, None)
-    scores = np.array([line[1:] for line in fields]).astype(np.float32)
-    return Clustering(labels, scores[:, 0], scores[:, 1])
+    return Clustering(*_read_numbers(path, "clustering", 1, 3))
 
 
 def write_clustering(path: str | os.PathLike, labels, statistics=None) -> None:
     """Write a clustering file, with the z-scores of `statistics` (ClusterStatistics) if given."""
+    labels = np.asarray(labels)
+    if labels.ndim != 1 or not np.issubdtype(labels.dtype, np.integer):
+        raise ValueError(f"Labels must be integers, one for each row; got {labels.dtype}")
+    columns = [labels]
+    if statistics is not None:
+        columns += [statistics.internal_zscores, statistics.external_zscores]
+    if {len(column) for column in columns} != {len(labels)}:
+        raise ValueError(f"{len(labels)} labels beside {len(columns[1])} z-scores")
     with open(path, "w", **_TEXT) as out:
-        if statistics is None:
-            out.writelines(f"{label}\n" for label in labels)
-            return
-        scores = zip(labels, statistics.internal_zscores, statistics.external_zscores)
-        out.writelines("%d %s %s\n" % (label, _fixed(iz), _fixed(ez)) for label, iz, ez in scores)
+        for label, *scores in zip(*columns):
+            out.write(" ".join([str(label), *map(_fixed, scores)]) + "\n")
 
 
 def _fixed(number) -> str:
@@ -108,10 +124,8 @@ def _fixed(number) -> str:
 
 def read_tree(path: str | os.PathLike) -> tuple[np.ndarray, np.ndarray]:
     """Read a tree file: the parent and the similarity of each of its 2n - 1 nodes."""
-    table = np.loadtxt(path, dtype=np.float64, ndmin=2)
-    if table.shape[1] != 2:
-        raise ValueError(f"{os.fspath(path)} is no tree file: lines have {table.shape[1]} fields")
-    return table[:, 0].astype(np.int32), table[:, 1].astype(np.float32)
+    parents, similarities = _read_numbers(path, "tree", 2)
+    return parents, similarities
 
 
 def write_tree(path: str | os.PathLike, tree: Tree) -> None:

@@ -7,6 +7,7 @@ from typing import NamedTuple
 
 import numpy as np
 
+from ._matrix import check_labels
 from .trees import Tree
 
 
@@ -70,14 +71,15 @@ def external_quality(labels, classes, tree: Tree | None = None) -> ExternalQuali
     tree : Tree, optional
         The tree over all rows (`molva.full_tree`); adds F-scores.
     """
-    labels = np.asarray(labels)
+    classes = np.asarray(classes)
+    if classes.ndim != 1:
+        raise ValueError(f"Expected a class for each row; got shape {classes.shape}")
+    labels, n_clusters = check_labels(labels, len(classes))
+    if tree is not None and len(tree.parents) != 2 * len(labels):
+        raise ValueError("The tree is not over the rows: F-scores take that of molva.full_tree")
     numbers, names = number_classes(classes)
-    if labels.shape != numbers.shape or labels.ndim != 1:
-        raise ValueError(f"Expected a label and a class for each row; got {labels.shape}")
     clustered = labels >= 0
-    if not clustered.any():
-        raise ValueError("No row has a cluster: every label is negative")
-    counts = np.zeros((labels.max() + 1, len(names)), dtype=np.int64)
+    counts = np.zeros((n_clusters, len(names)), dtype=np.int64)
     np.add.at(counts, (labels[clustered], numbers[clustered]), 1)
 
     sizes = counts.sum(axis=1)

@@ -16,7 +16,7 @@ from .analysis import view
 _OVER_CLUSTERS, _OVER_ROWS = 1, 2
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False)
 class Tree:
     """A binary tree over m leaves; node m + s is made by merge s.
 
@@ -118,22 +118,56 @@ def _sizes(children: np.ndarray, leaf_sizes: np.ndarray) -> np.ndarray:
     return sizes[len(leaf_sizes) :]
 
 
-def _sibling_similarities(rows: sparse.csr_matrix, children: np.ndarray) -> np.ndarray:
+def _larger_child_first(
+    children: np.ndarray, below: np.ndarray
+) -> tuple[np.ndarray, np.ndarray]:
+    """Lay out the leaves so that those of every merge's larger child stand before the others.
+
+    `below` counts the leaves below each node. Returns the larger child of every merge and the
+    place where the leaves of each node begin.
+    """
+    m = len(children) + 1
+    larger = np.where(below[children[:, 0]] < below[children[:, 1]], children[:, 1], children[:, 0])
+    smaller = children.sum(axis=1) - larger
+    begins = np.zeros(2 * m - 1, dtype=np.int64)
+    for merge in reversed(range(m - 1)):
+        begins[larger[merge]] = begins[m + merge]
+        begins[smaller[merge]] = begins[m + merge] + below[larger[merge]]
+    return larger, begins
+
+
+def _sibling_similarities(
+    rows: sparse.csr_matrix, children: np.ndarray, sizes: np.ndarray
+) -> np.ndarray:
     """Return the average similarity between the leaves of the two children of every merge.
 
-    Sums of rows are kept for the nodes whose parents are still to come only.
+    Merges whose leaves begin at the same place grow from one leaf. One running sum serves them:
+    the leaves of each smaller child are multiplied with it, then added to it. So a leaf is met
+    as often as it lies in a smaller child, which is at most the logarithm of their number.
     """
     m = rows.shape[0]
-    sums: dict[int, tuple[sparse.csr_matrix, int]] = {}
-    similarities = np.empty(len(children), dtype=np.float32)
+    below = np.append(np.ones(m, dtype=np.int64), sizes)
+    larger, begins = _larger_child_first(children, below)
+    rows = rows[np.argsort(begins[:m])]
+    running = np.zeros(rows.shape[1])
+    similarities = np.empty(m - 1, dtype=np.float32)
 
-    def take(node: int) -> tuple[sparse.csr_matrix, int]:
-        return (rows[node], 1) if node < m else sums.pop(node)
+    def entries(first: int, last: int) -> tuple[np.ndarray, np.ndarray]:
+        span = slice(rows.indptr[first], rows.indptr[last])
+        return rows.indices[span], rows.data[span]
 
-    for merge, (left, right) in enumerate(children):
-        (a, n_a), (b, n_b) = take(left), take(right)
-        similarities[merge] = a.multiply(b).sum() / (n_a * n_b)
-        sums[m + merge] = a + b, n_a + n_b
+    begin = end = 0
+    # The sort is stable: among merges of one leaf, children stay before their parents.
+    for merge in np.argsort(begins[m:], kind="stable"):
+        if begins[m + merge] != begin or end == 0:
+            running[entries(begin, end)[0]] = 0
+            begin = begins[m + merge]
+            np.add.at(running, *entries(begin, begin + 1))
+        middle, end = begin + below[larger[merge]], begin + below[m + merge]
+        columns, values = entries(middle, end)
+        pairs = (middle - begin) * (end - middle)
+        similarities[merge] = values @ running[columns] / pairs
+        np.add.at(running, columns, values)
     return similarities
 
 
@@ -188,6 +222,6 @@ def full_tree(X, labels, criterion: str = "i2", *, ordered: bool = False, **mode
     (matrix, codes, part), (parents, places), (leaves, children, _) = given, built, found
     nrows, ncols, indptr, indices, data, _, _ = _engine.prepare(matrix, codes)
     prepared = sparse.csr_matrix((data, indices, indptr), shape=(nrows, ncols), dtype=np.float64)
-    similarities = _sibling_similarities(prepared, children)
     sizes = _sizes(children, np.ones(len(leaves), dtype=np.int64))
+    similarities = _sibling_similarities(prepared, children, sizes)
     return Tree(leaves, children, similarities, sizes, parents, places)

@@ -9,6 +9,7 @@ from scipy import sparse
 from scipy.cluster import hierarchy
 
 import molva
+from molva.trees import _sibling_similarities
 
 # Two pairs of rows that share nothing: in a pair, the cosine is 24/25.
 PAIRS = np.array([[3, 4, 0, 0], [4, 3, 0, 0], [0, 0, 3, 4], [0, 0, 4, 3]], dtype=np.float32)
@@ -66,9 +67,34 @@ def test_features_take_names_from_a_vectoriser():
 
 
 def test_surplus_slots_have_no_feature(counts):
-    f = molva.cluster_features(counts, np.arange(60) % 3, 100)
+    f = molva.cluster_features(counts, np.arange(60) % 3, 50, prune=0.5)
+    assert f.descriptive.shape == (3, 50)
     assert (f.descriptive[:, -1] == -1).all()
     assert all(row.feature >= 0 for row in f)
+
+
+def test_no_more_features_are_made_room_for_than_there_are_columns(counts):
+    f = molva.cluster_features(counts, np.arange(60) % 3, 2**31 - 1)
+    assert f.descriptive.shape == (3, 60)
+
+
+@pytest.mark.parametrize("wrong", [0, 2.5, True, 2**31])
+def test_the_number_of_features_is_checked(wrong):
+    with pytest.raises(ValueError, match="n_features must be"):
+        molva.cluster_features(PAIRS, LABELS, wrong)
+
+
+def test_features_take_names_from_anything_in_order():
+    columns = dict.fromkeys("abcd")  # Its elements are found by name only.
+    names = {row.feature for row in molva.cluster_features(PAIRS, LABELS, 2, columns).rows(0)}
+    assert names == {"a", "b"}
+
+
+def test_tables_of_arrays_can_be_compared_and_shown():
+    f, again = (molva.cluster_features(PAIRS, LABELS, 2) for _ in range(2))
+    tree = molva.full_tree(PAIRS, LABELS)
+    assert f == f and f != again and tree == tree
+    assert repr(f) == str(f) != ""
 
 
 def brute_similarities(tree, X):
@@ -93,6 +119,27 @@ def test_full_tree_keeps_clusters_and_tells_similarities(dense, ordered):
     assert tree.sizes.tolist() == [len(rows) for rows in below[48:]]
     for cluster in range(4):
         assert sorted(np.flatnonzero(model.labels_ == cluster)) in [sorted(b) for b in below]
+
+
+@pytest.mark.parametrize("shape", ["chain", "balanced", "random"])
+def test_similarities_of_siblings_in_trees_of_any_shape(counts, shape):
+    random = np.random.RandomState(5)
+    free, children = list(range(60)), []
+    for merge in range(59):
+        if shape == "chain":
+            pair = [free.pop(), free.pop(0)]
+        elif shape == "balanced":
+            pair = [free.pop(0), free.pop(0)]
+        else:
+            pair = [free.pop(random.randint(len(free))) for _ in range(2)]
+        children.append(pair)
+        free.append(60 + merge)
+    children = np.array(children)
+    tree = molva.Tree(np.arange(60), children, *[np.empty(0)] * 4)
+    expected, below = brute_similarities(tree, counts.toarray())
+    sizes = np.array([len(rows) for rows in below[60:]])
+    found = _sibling_similarities(counts, children, sizes)
+    np.testing.assert_allclose(found, expected, rtol=1e-6)
 
 
 def test_cluster_tree_tells_similarities(dense):
@@ -184,11 +231,32 @@ class TestExternalQuality:
         ([0, 1], "Expected 4 labels"),
         ([0.0, 1.0, 0.0, 1.0], "Labels must be integers"),
         ([-1, -1, -1, -1], "No row has a cluster"),
+        ([0, 0, 1, 10**9], "The label 1000000000 is too large"),
+        ([0, 0, 1, 2**40], "The label 1099511627776 is too large"),
     ],
 )
 def test_labels_are_checked(labels, message):
     with pytest.raises(ValueError, match=message):
         molva.cluster_statistics(PAIRS, labels)
+    with pytest.raises(ValueError, match=message):
+        molva.external_quality(labels, ["a", "b", "b", "a"])
+
+
+def test_labels_of_any_integer_type_will_do():
+    sizes = [molva.cluster_statistics(PAIRS, LABELS.astype(t)).sizes.tolist() for t in "bBhHiIqQ"]
+    assert sizes == [[2, 2]] * 8
+
+
+def test_a_tree_over_clusters_gives_no_f_scores():
+    tree = molva.cluster_tree(PAIRS, LABELS)
+    with pytest.raises(ValueError, match="The tree is not over the rows"):
+        molva.external_quality(LABELS, ["x", "x", "x", "y"], tree)
+
+
+@pytest.mark.parametrize("bad", [-0.1, 1.5, np.nan, np.inf, True, None, "1"])
+def test_the_pruning_fraction_is_checked(bad):
+    with pytest.raises(ValueError, match="prune must be a number from 0 to 1"):
+        molva.cluster_statistics(PAIRS, LABELS, prune=bad)
 
 
 def test_unknown_keywords_are_refused():

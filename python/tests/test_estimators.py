@@ -43,6 +43,26 @@ class TestBoth:
         wide.indices, wide.indptr = wide.indices.astype(np.int64), wide.indptr.astype(np.int64)
         for form in (counts.tocsc(), counts.tocoo(), wide, counts.astype(np.int64)):
             np.testing.assert_array_equal(model.fit_predict(form), labels)
+        np.testing.assert_array_equal(model.fit_predict(sparse.csr_array(counts)), labels)
+
+    def test_indices_that_do_not_fit_are_refused(self, counts, estimator):
+        X = counts.copy()
+        X.indices = X.indices.astype(np.int64)
+        X.indices[0] += 2**32  # Cut to 32 bits it would be what it was.
+        for call in (estimator(3).fit, lambda X: molva.criterion_value(X, np.zeros(60, dtype=int))):
+            with pytest.raises(ValueError, match="does not fit 32 bits"):
+                call(X)
+
+    def test_what_lies_behind_the_last_entry_is_no_part_of_the_matrix(self, counts, estimator):
+        X = counts.copy()
+        X.data = np.append(X.data, np.float32([3, -7]))
+        X.indices = np.append(X.indices, np.int32([5, 99]))
+        model = estimator(3, row_model="log", random_state=1).fit(X)
+        expected = clone(model).fit(counts)
+        np.testing.assert_array_equal(model.labels_, expected.labels_)
+        np.testing.assert_array_equal(model._space.weights, expected._space.weights)
+        np.testing.assert_array_equal(model.predict(X), expected.predict(counts))
+        assert len(X.data) == counts.nnz + 2
 
     def test_the_matrix_is_left_as_it_was(self, counts, estimator):
         X = counts.copy()
@@ -98,6 +118,8 @@ class TestBoth:
             ({"n_clusters": 2.5}, "n_clusters must be an integer"),
             ({"n_trials": 0}, "n_trials must be at least 1"),
             ({"n_iter": -1}, "n_iter must be at least 0"),
+            ({"prune": np.nan}, "prune must be a number from 0 to 1; got nan"),
+            ({"prune": 2}, "prune must be a number from 0 to 1; got 2"),
             ({"n_clusters": 61}, "n_samples=60 should be >= n_clusters=61"),
             ({"random_state": 2**31}, "random_state must fit 32 bits"),
         ],
@@ -123,21 +145,6 @@ class TestBoth:
         else:
             assert lines == [f"RepeatedBisection: bisection {done} of 2" for done in (1, 2)]
 
-    def test_an_interrupt_stops_a_run_within_a_second(self, estimator):
-        model = estimator(30, n_trials=2**30, random_state=1)
-        X = np.random.RandomState(0).normal(size=(3000, 60))
-        sent = []
-
-        def interrupt():
-            sent.append(time.monotonic())
-            _thread.interrupt_main(signal.SIGINT)
-
-        timer = threading.Timer(0.5, interrupt)
-        timer.start()  # The thread needs the lock, which the run must have let go.
-        with pytest.raises(KeyboardInterrupt):
-            model.fit(X)
-        assert time.monotonic() - sent[0] < 1
-
     def test_runs_go_on_in_several_threads(self, counts, estimator):
         expected = [estimator(4, random_state=seed).fit_predict(counts) for seed in range(4)]
         found = [None] * 4
@@ -151,6 +158,83 @@ class TestBoth:
         for thread in threads:
             thread.join()
         np.testing.assert_array_equal(found, expected)
+
+
+EACH = np.arange(3000)
+
+
+@pytest.mark.parametrize(
+    "run",
+    [
+        lambda X: molva.RepeatedBisection(30, n_trials=2**30).fit(X),
+        lambda X: molva.DirectKWay(30, n_trials=2**30).fit(X),
+        lambda X: molva.full_tree(X, np.zeros_like(EACH), "h1"),
+        lambda X: molva.cluster_tree(X, EACH, "h1"),
+    ],
+    ids=["RepeatedBisection", "DirectKWay", "full_tree", "cluster_tree"],
+)
+def test_an_interrupt_stops_a_run_within_a_second(run):
+    X = np.random.RandomState(0).normal(size=(len(EACH), 60))
+    sent = []
+
+    def interrupt():
+        sent.append(time.monotonic())
+        _thread.interrupt_main(signal.SIGINT)
+
+    timer = threading.Timer(0.5, interrupt)
+    timer.start()  # The thread needs the lock, which the run must have let go.
+    with pytest.raises(KeyboardInterrupt):
+        run(X)
+    assert time.monotonic() - sent[0] < 1
+
+
+def test_refinement_is_asked_for_by_a_flag(counts):
+    for yes in (True, np.True_, 1):
+        molva.RepeatedBisection(3, refine=yes).fit(counts)
+    for wrong in ("no", None, 2):
+        with pytest.raises(ValueError, match="refine must be True or False"):
+            molva.RepeatedBisection(3, refine=wrong).fit(counts)
+
+
+@pytest.mark.parametrize("estimator", BOTH)
+def test_logarithms_of_negative_values_are_refused(dense, estimator):
+    model = estimator(3, row_model="log")
+    with pytest.raises(ValueError, match="no negative values"):
+        model.fit(dense)
+    with pytest.raises(ValueError, match="no negative values"):
+        model.fit(np.abs(dense)).predict(dense)
+
+
+def test_a_run_that_is_stopped_leaves_the_one_before(counts, monkeypatch):
+    model = molva.RepeatedBisection(3, random_state=1).fit(counts)
+    labels = model.labels_
+
+    def stop(*args):
+        raise KeyboardInterrupt
+
+    monkeypatch.setattr("molva._space.Space.fit", stop)
+    with pytest.raises(KeyboardInterrupt):
+        model.set_params(n_clusters=5).fit(counts)
+    assert model.labels_ is labels and len(model.statistics_.sizes) == 3
+
+
+@pytest.mark.parametrize("method", ["features", "cluster_tree", "full_tree", "predict"])
+def test_the_fitted_columns_are_asked_for(counts, method):
+    model = molva.RepeatedBisection(3, random_state=1).fit(counts)
+    with pytest.raises(ValueError, match="X has 40 features, but .* is expecting 60"):
+        getattr(model, method)(counts[:, :40])
+
+
+def test_a_run_within_a_run_takes_nothing_from_it(counts, capsys, monkeypatch):
+    show = print
+
+    def cluster_and_show(*args, **kwargs):
+        molva.DirectKWay(2, random_state=1).fit(counts)
+        show(*args, **kwargs)
+
+    monkeypatch.setattr("builtins.print", cluster_and_show)
+    molva.RepeatedBisection(4, random_state=1, verbose=1).fit(counts)
+    assert len(capsys.readouterr().out.splitlines()) == 3
 
 
 def test_more_verbose_bisection_tells_trials_too(counts, capsys):
@@ -194,7 +278,7 @@ class TestPredict:
         model = molva.RepeatedBisection(
             3, similarity=similarity, row_model=row_model, prune=prune, random_state=1
         ).fit(X)
-        _, prepared, rows = Space.fit(X, model._space.models, form == "dense")
+        _, prepared, rows = Space.fit(X, model._space.models)
         ours = model._space.transform(X)
         ours = ours.toarray() if sparse.issparse(ours) else ours
         np.testing.assert_allclose(ours[rows], prepared.toarray(), atol=1e-6)

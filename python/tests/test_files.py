@@ -51,10 +51,15 @@ def test_a_bad_matrix_is_refused_with_the_programs_message(tmp_path):
         molva.read_matrix(tmp_path / "none")
 
 
-def test_column_numbers_from_0_are_refused_by_the_first_run(tmp_path):
+def test_column_numbers_from_0_are_refused(tmp_path):
     (tmp_path / "m").write_text("2 4 2\n0 1.0\n1 1.0\n")
-    with pytest.raises(ValueError):
-        molva.RepeatedBisection(2).fit(molva.read_matrix(tmp_path / "m"))
+    with pytest.raises(ValueError, match="column numbers below 1"):
+        molva.read_matrix(tmp_path / "m")
+
+
+def test_a_number_is_no_path():
+    with pytest.raises(TypeError):
+        molva.read_matrix(0)
 
 
 def test_labels_lose_blanks_at_their_ends_only(tmp_path):
@@ -78,9 +83,32 @@ def test_clusterings_come_back(tmp_path):
     np.testing.assert_array_equal(internal, np.float32([-0.707107, 0]))
     assert np.isnan(external[1])
 
-    (tmp_path / "bad").write_text("1\n2 3\n")
-    with pytest.raises(ValueError, match="is no clustering file"):
+
+@pytest.mark.parametrize(
+    "text, told",
+    [
+        ("1\n2 3\n", "lines have 1 and 2 fields"),
+        ("1 2\n", "lines have 2 fields"),
+        ("1\n\n", "lines have 0 and 1 fields"),
+        ("1.5\n", "'1.5'"),
+        ("1 x 0\n", "'x'"),
+        ("4294967297\n", "does not fit 32 bits"),
+        ("99999999999999999999\n", "too large"),
+    ],
+)
+def test_other_files_are_no_clusterings(tmp_path, text, told):
+    (tmp_path / "bad").write_text(text)
+    with pytest.raises(ValueError, match=f"bad is no clustering file: .*{told}"):
         molva.read_clustering(tmp_path / "bad")
+
+
+def test_only_clusterings_are_written(tmp_path):
+    (tmp_path / "c").write_text("kept\n")
+    scores = molva.cluster_statistics(np.eye(2), [0, 0])
+    for wrong in (([0.5, 1.0],), ([[0], [1]],), ([0, 0, 0], scores)):
+        with pytest.raises(ValueError, match="labels|Labels"):
+            molva.write_clustering(tmp_path / "c", *wrong)
+    assert (tmp_path / "c").read_text() == "kept\n"
 
 
 def test_trees_come_back(tmp_path):
@@ -88,3 +116,7 @@ def test_trees_come_back(tmp_path):
     parents, similarities = molva.read_tree(tmp_path / "t")
     assert parents.tolist() == [4, 3, 3, 4, -1]
     assert similarities.tolist() == [0, 0, 0, 0.5, 0.125]
+    for text in ("1 0 0\n", "1.5 0\n", "# 1\n"):
+        (tmp_path / "bad").write_text(text)
+        with pytest.raises(ValueError, match="bad is no tree file"):
+            molva.read_tree(tmp_path / "bad")
