@@ -107,8 +107,9 @@ MOLVA_API int MOLVA_Try(void (*function)(void* argument), void* argument, char* 
                         size_t size);
 
 /* Progress, and a way to stop. The hook is called by MOLVA_VP_ClusterRB, MOLVA_VP_ClusterDirect and
- * the entry points that merge, in the thread that set it and for calls of that thread only. When it
- * returns non-zero the run ends as on an error, "The run was interrupted.". A null hook removes it.
+ * the entry points that merge, compare all clusters or order trees, in the thread that set it and
+ * for calls of that thread only. When it returns non-zero the run ends as on an error, "The run was
+ * interrupted.". A null hook removes it.
  *
  *   event        what happened
  *   done, total  how many of them are done, of how many; 0 for polls

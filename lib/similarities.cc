@@ -54,6 +54,7 @@ void ComputeCluster2ClusterSimilarities(const PreparedMatrix& mat, int nparts,
   AccumulateComposites(mat, part, pwgts, centers, {});
   const auto clusters = static_cast<std::size_t>(std::max(nparts, 0));
   for (std::size_t k = 0; k < clusters; ++k) {
+    Poll();
     for (std::size_t l = k; l < clusters; ++l) {
       smat[k * stride + l] = smat[l * stride + k] = DotFloats(centers[k], centers[l]);
     }

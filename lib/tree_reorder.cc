@@ -8,6 +8,7 @@
 #include "lib/control.h"
 #include "lib/molva.h"
 #include "lib/prepare.h"
+#include "lib/progress.h"
 #include "lib/similarities.h"
 #include "lib/support/pqueue.h"
 #include "lib/support/tree_arrays.h"
@@ -35,6 +36,7 @@ void SumUpwards(int n, std::span<const int> ptree, const NodeMatrix& s) {
   }
   for (int x = 0; x < nodes - 1; ++x) {
     if (!HasParent(ptree, static_cast<std::size_t>(x))) continue;
+    Poll();
     const int parent = ptree[static_cast<std::size_t>(x)];
     for (int y = 0; y < nodes; ++y) s.at(parent, y) += s.at(x, y);
     for (int y = 0; y < nodes; ++y) s.at(y, parent) += s.at(y, x);
@@ -45,6 +47,7 @@ void SumUpwards(int n, std::span<const int> ptree, const NodeMatrix& s) {
 // comparison reads it.
 void DivideByWeights(int n, std::span<const int> twgts, const NodeMatrix& s) {
   for (int x = 0; x < 2 * n - 2; ++x) {
+    Poll();
     for (int y = 0; y < 2 * n - 1; ++y) {
       const std::int64_t pairs =
           CountProduct(twgts[static_cast<std::size_t>(x)], twgts[static_cast<std::size_t>(y)]);

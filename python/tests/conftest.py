@@ -29,7 +29,7 @@ def topics(rows: int, seed: int) -> sparse.csr_matrix:
 
 @pytest.fixture(scope="session", autouse=True)
 def interrupts():
-    """Let SIGINT raise KeyboardInterrupt, which it does not where the tests run in the background."""
+    """Let SIGINT raise KeyboardInterrupt, as it does not in processes of the background."""
     before = signal.signal(signal.SIGINT, signal.default_int_handler)
     yield
     signal.signal(signal.SIGINT, before)

@@ -84,4 +84,22 @@ TEST_F(ProgressHook, StopsMerging) {
   }
 }
 
+TEST_F(ProgressHook, StopsTheComparisonOfClustersAndTheOrderingOfTrees) {
+  const std::vector<int> part = Cluster(4);
+  const int ptree[] = {4, 4, 5, 5, 6, 6, -1, -1};
+  int ftree[] = {-1, -1, -1, -1, -1, -1, -1, -1, 0, 1, 2, 3, 4, 5, -1, -1};
+  events_.stop_after = 0;
+  EXPECT_EQ(FatalMessage([&] {
+              MOLVA_V_ClusterTreeReorder(matrix_.nrows, matrix_.ncols, matrix_.rowptr.data(),
+                                         matrix_.rowind.data(), matrix_.rowval.data(),
+                                         MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0,
+                                         4, part.data(), ptree, ftree);
+            }),
+            "The run was interrupted.");
+  const int wgts[] = {1, 1, 1, 1};
+  std::vector<float> smat(16, 0.5F);
+  EXPECT_EQ(FatalMessage([&] { MOLVA_S_TreeReorder(4, wgts, smat.data(), 1, 0, ptree, ftree); }),
+            "The run was interrupted.");
+}
+
 }  // namespace
