@@ -8,10 +8,18 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "tests/fuzz/harness.h"
+
+namespace fuzzing {
+
+// How a test's name is told.
+static void PrintTo(const Target& target, std::ostream* out) { *out << target.name; }
+
+}  // namespace fuzzing
 
 namespace {
 
