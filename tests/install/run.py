@@ -4,8 +4,8 @@
 
     run.py BUILD SOURCE
 
-Once with CMake's find_package and once with pkg-config, each client run and its output compared;
-then looks at what the libraries show and need.
+Once with CMake's find_package and once with pkg-config, each client run and its output compared, and
+likewise the program of docs/library.md; then looks at what the libraries show and need.
 """
 import os
 import pathlib
@@ -70,6 +70,17 @@ def check_clients(folder, environment, how):
         check(output == expected, f"{client}, {how}")
 
 
+def check_page(folder, flags, environment):
+    """The program of docs/library.md, and what it says that it prints."""
+    page = (SOURCE / "docs/library.md").read_text()
+    program, printed = (re.sub("^    ", "", block, flags=re.M) for beginning in ("#include", "row 0:")
+                        for block in re.findall(rf"^    {beginning}.*?(?=^\S)", page, re.M | re.S))
+    (folder / "four.c").write_text(program)
+    run("cc", "-std=c11", "-Wall", "-Wextra", "-Werror", folder / "four.c", "-o", folder / "four",
+        *flags)
+    check(run(folder / "four", env=environment).strip() == printed.strip(), "docs/library.md")
+
+
 def main(work):
     prefix = work / "prefix"
     run("cmake", "--install", BUILD, "--prefix", prefix)
@@ -90,6 +101,8 @@ def main(work):
         compiler = ["cc", "-std=c11"] if source.suffix == ".c" else ["c++", "-std=c++17"]
         run(*compiler, "-Wall", "-Wextra", "-Werror", source, "-o", by_pkg_config / client, *flags)
     check_clients(by_pkg_config, environment, "by pkg-config")
+
+    check_page(by_pkg_config, flags, environment)
 
     shared = libdir / "libmolva.so.1"
     names = {line.split()[-1] for line in run("nm", "-D", "--defined-only", shared).splitlines()}
