@@ -5,7 +5,8 @@
     run.py BUILD SOURCE
 
 Once with CMake's find_package and once with pkg-config, each client run and its output compared, and
-likewise the program of docs/library.md; then looks at what the libraries show and need.
+likewise the program of docs/library.md; compares the bits of the shared and the static library; then
+looks at what the libraries show and need.
 """
 import os
 import pathlib
@@ -70,6 +71,20 @@ def check_clients(folder, environment, how):
         check(output == expected, f"{client}, {how}")
 
 
+def check_bits(folder, libdir, flags, environment):
+    """Every entry point gives the same bits, whichever library is linked."""
+    source = SOURCE / "tests/reliability/entry_points.c"
+    run("cc", "-std=c11", "-I", SOURCE, source, "-o", folder / "by-shared", *flags)
+    run("cc", "-std=c11", "-I", SOURCE, source, "-o", folder / "by-static", libdir / "libmolva.a",
+        "-lstdc++", "-lm")
+    run(BUILD / "tests/entry_points", folder / "internal.bits")
+    wanted = (folder / "internal.bits").read_bytes()
+    check(len(wanted) > 10000, "every entry point leaves results")
+    for program in ("by-shared", "by-static"):
+        run(folder / program, folder / "bits", env=environment)
+        check((folder / "bits").read_bytes() == wanted, f"the same bits, linked {program}")
+
+
 def check_page(folder, flags, environment):
     """The program of docs/library.md, and what it says that it prints."""
     page = (SOURCE / "docs/library.md").read_text()
@@ -103,6 +118,7 @@ def main(work):
     check_clients(by_pkg_config, environment, "by pkg-config")
 
     check_page(by_pkg_config, flags, environment)
+    check_bits(by_pkg_config, libdir, flags, environment)
 
     shared = libdir / "libmolva.so.1"
     names = {line.split()[-1] for line in run("nm", "-D", "--defined-only", shared).splitlines()}
