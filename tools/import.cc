@@ -78,6 +78,12 @@ std::string Count(std::int64_t count, const char* one, const char* many) {
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
+// What mardle needs to be told of the matrix. A sparse one whose cells are all stored has no IDF.
+const char* OptionsFor(const MatrixSummary& matrix) {
+  if (matrix.dense) return "-denseinput ";
+  return matrix.entries == matrix.rows * matrix.columns ? "-colmodel=1 " : "";
+}
+
 }  // namespace
 
 ImportResult Import(const ImportOptions& options) {
@@ -104,8 +110,7 @@ std::string Summary(const ImportOptions& options, const ImportResult& result) {
     text += Count(matrix.empty_rows, "row", "rows") + " without entries " +
             (options.output.drop_empty ? "left out" : "kept (--drop-empty leaves them out)") + "\n";
   }
-  return text + "Cluster with: mardle " + (matrix.dense ? "-denseinput " : "") + path +
-         " NCLUSTERS\n";
+  return text + "Cluster with: mardle " + OptionsFor(matrix) + path + " NCLUSTERS\n";
 }
 
 }  // namespace mardle::tools

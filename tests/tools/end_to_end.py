@@ -73,6 +73,13 @@ class Importing(EndToEnd):
         self.assertEqual((len(set(clusters[:3])), len(set(clusters[3:]))), (1, 1))
         self.assertNotEqual(clusters[0], clusters[5])
 
+    def test_the_summary_names_a_command_that_works(self):
+        self.write("l.txt", "".join(f"sea land sky {i}\n" for i in range(9)))
+        made = self.call(IMPORT, "l.txt", "l.mat")
+        command = made.stdout.splitlines()[-1].removeprefix("Cluster with: mardle ").split()
+        self.assertEqual(command, ["-colmodel=1", "l.mat", "NCLUSTERS"])
+        self.assertEqual(self.run_tool(*command[:-1], 2).returncode, 0)
+
     def importing(self, number, disposition):
         """An import that has begun and waits for its input."""
         process = subprocess.Popen([IMPORT, "--format", "svmlight", "-", "s.mat"],

@@ -57,6 +57,13 @@ TEST(Import, TellsWhatItMade) {
             "Cluster with: mardle -denseinput out.mat NCLUSTERS\n");
 }
 
+TEST(Import, TellsThatAMatrixOfStoredCellsAloneHasNoIdf) {
+  Imported imported("x.svm", "0 1:2 2:1\n1 1:1 2:3\n");
+  EXPECT_EQ(imported.WithoutFolder(Summary(imported.options, Import(imported.options))),
+            "out.mat: 2 rows, 2 columns, 4 entries, sparse, from x.svm (svmlight)\n"
+            "Cluster with: mardle -colmodel=1 out.mat NCLUSTERS\n");
+}
+
 TEST(Import, OptionsWithoutUseAreRefused) {
   using Change = std::function<void(ImportOptions&)>;
   const struct {

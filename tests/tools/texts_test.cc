@@ -183,7 +183,7 @@ TEST_F(TextFolder, OnlyVisibleTextsThatFitAreTaken) {
   EXPECT_EQ(imported_.WithoutFolder(Summary(imported_.options, result)),
             "out.mat: 1 row, 1 column, 1 entry, sparse, from texts (folder of texts)\n"
             "1 file is no text and left out\n"
-            "Cluster with: mardle out.mat NCLUSTERS\n");
+            "Cluster with: mardle -colmodel=1 out.mat NCLUSTERS\n");
 }
 
 TEST_F(TextFolder, AFolderWithoutTextsIsRefused) {
