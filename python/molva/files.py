@@ -7,7 +7,7 @@ docs/file-formats.md describes them. Texts are UTF-8; other bytes survive readin
 from __future__ import annotations
 
 import os
-from typing import Iterable, NamedTuple
+from typing import Iterable, Iterator, NamedTuple
 
 import numpy as np
 from scipy import sparse
@@ -15,6 +15,9 @@ from scipy import sparse
 from . import _engine
 from ._matrix import check_matrix, narrowed
 from .trees import Tree
+
+# Characters of a line that the program's reader takes whole.
+_LONGEST_LINE = 131_070
 
 _TEXT = dict(encoding="utf-8", errors="surrogateescape", newline="\n")
 
@@ -39,19 +42,34 @@ def read_matrix(path: str | os.PathLike, dense: bool = False):
     return sparse.csr_matrix((data, indices, indptr), shape=(nrows, ncols), copy=False)
 
 
+def _matrix_lines(X) -> Iterator[str]:
+    """Yield the header of a matrix and its rows, each as a line of its file."""
+    if not sparse.issparse(X):
+        yield f"{X.shape[0]} {X.shape[1]}"
+        for row in X:
+            yield " ".join(f"{value:.9g}" for value in row)
+        return
+    yield f"{X.shape[0]} {X.shape[1]} {X.nnz}"
+    columns, values = (X.indices + 1).tolist(), X.data.tolist()
+    for begin, end in zip(X.indptr[:-1], X.indptr[1:]):
+        pairs = zip(columns[begin:end], values[begin:end])
+        yield " ".join(f"{column} {value:.9g}" for column, value in pairs)
+
+
 def write_matrix(path: str | os.PathLike, X) -> None:
-    """Write a matrix so that reading gives the same numbers: sparse ones sparse, arrays dense."""
-    X = check_matrix(X)
+    """Write a matrix so that reading gives the same numbers: sparse ones sparse, arrays dense.
+
+    Rows that the program's reader would cut, of some ten thousand entries, are refused.
+    """
+    lines = list(_matrix_lines(check_matrix(X)))
+    for row, line in enumerate(lines, start=-1):
+        if len(line) > _LONGEST_LINE:
+            raise ValueError(
+                f"row {row} would be a line of {len(line)} characters, and the program reads no "
+                f"more than {_LONGEST_LINE}"
+            )
     with open(path, "w", **_TEXT) as out:
-        if not sparse.issparse(X):
-            out.write(f"{X.shape[0]} {X.shape[1]}\n")
-            out.writelines(" ".join(f"{value:.9g}" for value in row) + "\n" for row in X)
-            return
-        out.write(f"{X.shape[0]} {X.shape[1]} {X.nnz}\n")
-        columns, values = (X.indices + 1).tolist(), X.data.tolist()
-        for begin, end in zip(X.indptr[:-1], X.indptr[1:]):
-            pairs = zip(columns[begin:end], values[begin:end])
-            out.write(" ".join(f"{column} {value:.9g}" for column, value in pairs) + "\n")
+        out.writelines(line + "\n" for line in lines)
 
 
 def read_labels(path: str | os.PathLike) -> list[str]:

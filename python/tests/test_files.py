@@ -42,6 +42,19 @@ def test_matrices_come_back_to_the_last_bit(tmp_path, form):
         np.testing.assert_array_equal(again.data, X.data)
 
 
+def test_rows_up_to_the_length_of_the_readers_line_are_written(tmp_path):
+    # 65,535 zeros and as many blanks, less the last, make 131,069 characters.
+    X = np.zeros((2, 65_535), dtype=np.float32)
+    X[1, 0] = 12
+    molva.write_matrix(tmp_path / "m", X)
+    np.testing.assert_array_equal(molva.read_matrix(tmp_path / "m", dense=True), X)
+    written = (tmp_path / "m").read_bytes()
+    X[1, 0] = 123
+    with pytest.raises(ValueError, match="^row 1 would be a line of 131071 characters"):
+        molva.write_matrix(tmp_path / "m", X)
+    assert (tmp_path / "m").read_bytes() == written
+
+
 def test_a_bad_matrix_is_refused_with_the_programs_message(tmp_path):
     (tmp_path / "m").write_text("1 4 1\n5 1.0\n")
     with pytest.raises(molva.MolvaError) as refused:
