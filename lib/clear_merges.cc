@@ -13,6 +13,7 @@
 #include "lib/composites.h"
 #include "lib/merge_gains.h"
 #include "lib/progress.h"
+#include "lib/rough_looks.h"
 #include "lib/support/alloc.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
@@ -351,6 +352,7 @@ bool RunClear(const Merging& merging) {
 }  // namespace
 
 bool MergeWhileClear(int crfun, const Merging& merging) {
+  if (!RoughLooksAreUsed()) return false;
   if (!IsSymmetric(static_cast<std::size_t>(merging.n), merging.smat)) return false;
   switch (crfun) {
     case 1:

@@ -28,18 +28,31 @@ struct Smaller {
   static Wide Quality(Wide total, Wide nrows) { return nrows / total; }
 };
 
-// The best value that a term can have when squared length and similarity are known up to an error:
-// the terms without similarity grow with the squared length and are wanted large, the others fall
-// with it, grow with the similarity and are wanted small. Not-a-number where that does not hold.
+// All that a cluster can be, as a term sees it.
+struct MeasureBounds {
+  std::int64_t size;
+  Interval squared_length;
+  Interval similarity;
+};
+
+// The best value that a term can have, or not-a-number where its direction is not certain.
+//
+// I1 and I2 are wanted large and grow with the squared length, whatever its sign: a true squared
+// length below the most gives less, or a root that is not a number, which no comparison prefers.
+//
+// The four terms with a similarity are wanted small. Over a positive squared length and a
+// similarity that is not negative they fall with the one and grow with the other. Below zero they
+// turn: over a negative squared length three of them are negative, which is best of all, and so
+// they are under a negative similarity. Rows that cancel each other lead there, so the whole of
+// both intervals has to lie on the right side, and the squared length off zero, where the terms are
+// infinite.
 template <typename Term>
-double BestValue(const BasicMeasure<double>& c, double length_error, double similarity_error) {
-  const BasicMeasure<double> best{c.size, c.squared_length + length_error,
-                                  c.similarity - similarity_error};
+double BestValue(const MeasureBounds& c) {
   if constexpr (Term::kUsesSimilarity) {
-    const bool monotone = best.similarity >= 0 && c.squared_length > length_error;
-    if (!monotone) return std::numeric_limits<double>::quiet_NaN();
+    const bool is_monotone = c.similarity.least >= 0 && c.squared_length.least > 0;
+    if (!is_monotone) return std::numeric_limits<double>::quiet_NaN();
   }
-  return Term::Of(best);
+  return Term::Of(BasicMeasure<double>{c.size, c.squared_length.most, c.similarity.least});
 }
 
 // One sum of terms over the clusters.
@@ -52,10 +65,7 @@ class SingleSum {
 
   static Terms TermsOf(const ClusterMeasure& cluster) { return Term::Of(cluster); }
   static RoughTerms RoughTermsOf(const BasicMeasure<double>& cluster) { return Term::Of(cluster); }
-  static RoughTerms BestTerms(const BasicMeasure<double>& cluster, double length_error,
-                              double similarity_error) {
-    return BestValue<Term>(cluster, length_error, similarity_error);
-  }
+  static RoughTerms BestTerms(const MeasureBounds& cluster) { return BestValue<Term>(cluster); }
 
   void AddCluster(Terms terms) { total_ += terms; }
   void Start() {}
@@ -105,10 +115,8 @@ class TwoSums {
   static RoughTerms RoughTermsOf(const BasicMeasure<double>& cluster) {
     return {TermA::Of(cluster), TermB::Of(cluster)};
   }
-  static RoughTerms BestTerms(const BasicMeasure<double>& cluster, double length_error,
-                              double similarity_error) {
-    return {BestValue<TermA>(cluster, length_error, similarity_error),
-            BestValue<TermB>(cluster, length_error, similarity_error)};
+  static RoughTerms BestTerms(const MeasureBounds& cluster) {
+    return {BestValue<TermA>(cluster), BestValue<TermB>(cluster)};
   }
 
   void AddCluster(Terms terms) {

@@ -7,6 +7,7 @@
 
 #include "lib/lanes.h"
 #include "lib/progress.h"
+#include "lib/rough_looks.h"
 #include "lib/row_sizes.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
@@ -37,7 +38,7 @@ void Grow(int k, float squared_length, const RowSize& row, GrowingClusters& clus
   Growing& growing = clusters.growing[k];
   growing.squared_length = static_cast<double>(squared_length);
   growing.length = std::sqrt(growing.squared_length);
-  growing.bound.Add(row.largest);
+  growing.bound.Join(row.largest, row.additions);
 }
 
 // The entries are written, not added: a column stored twice in a seed keeps its last value here,
@@ -92,14 +93,12 @@ int FullChoice(const RowView& row, int nparts, const GrowingClusters& clusters) 
 // refinement; the full arithmetic rounds squares of c + v here, n of them by 2^-64 of at most
 // (max|c| + max|v|)^2, twice. A square j known up to e <= j has a root known up to e / sqrt(j).
 struct Growth {
-  RoughValue square;
-  RoughValue length;
+  Interval square;
+  Interval length;
 
-  double Least() const { return length.value - length.error; }
-  double Most() const { return length.value + length.error; }
   // Wild numbers, not-a-number among them, are left to the full arithmetic.
   bool IsComparable() const {
-    return square.error <= square.value && Least() > -0x1p500 && Most() < 0x1p500;
+    return square.least >= 0 && length.least > -0x1p500 && length.most < 0x1p500;
   }
 };
 
@@ -112,8 +111,8 @@ Growth RoughGrowth(const RowSize& row, double entries, double product, const Gro
       entries * 0x1p-62 * largest * largest;
   const double square = cluster.squared_length + 2 * product + row.square;
   const double root = std::sqrt(square);
-  return {{square, error},
-          {root - cluster.length, error / root + kSlack * (cluster.length + root)}};
+  return {Interval::Around(square, error),
+          Interval::Around(root - cluster.length, error / root + kSlack * (cluster.length + root))};
 }
 
 // The cluster that grows most and how much, if rough arithmetic can tell; otherwise cluster -1.
@@ -134,11 +133,11 @@ Choice RoughChoice(const RowView& row, const RowSize& size, int nparts, GrowingC
   for (int k = 1; k < nparts; ++k) {
     const Growth g = growth(k);
     all_comparable = all_comparable && g.IsComparable();
-    const bool better = g.Least() > best.growth.Least();
-    rival = std::max(rival, better ? best.growth.Most() : g.Most());
+    const bool better = g.length.least > best.growth.length.least;
+    rival = std::max(rival, better ? best.growth.length.most : g.length.most);
     if (better) best = {k, g};
   }
-  if (!all_comparable || best.growth.Least() <= rival) best.cluster = -1;
+  if (!all_comparable || best.growth.length.least <= rival) best.cluster = -1;
   return best;
 }
 
@@ -146,9 +145,8 @@ Choice RoughChoice(const RowView& row, const RowSize& size, int nparts, GrowingC
 // it can be rounds to one number.
 float StoredSquaredLength(const RowView& row, const GrowingClusters& clusters, int cluster,
                           const Choice& rough) {
-  const RoughValue& square = rough.growth.square;
-  const auto least = static_cast<float>(square.value - square.error);
-  const auto most = static_cast<float>(square.value + square.error);
+  const auto least = static_cast<float>(rough.growth.square.least);
+  const auto most = static_cast<float>(rough.growth.square.most);
   if (rough.cluster == cluster && least == most) return least;
   return static_cast<float>(
       SquaredLengthJoined(row, clusters.centers[cluster], clusters.dnorms[cluster]));
@@ -156,7 +154,8 @@ float StoredSquaredLength(const RowView& row, const GrowingClusters& clusters, i
 
 // Puts the row into the cluster that grows most and returns it.
 int Join(const RowView& row, const RowSize& size, int nparts, GrowingClusters& clusters) {
-  const Choice rough = RoughChoice(row, size, nparts, clusters);
+  const Choice rough =
+      RoughLooksAreUsed() ? RoughChoice(row, size, nparts, clusters) : Choice{-1, {}};
   const int cluster = rough.cluster >= 0 ? rough.cluster : FullChoice(row, nparts, clusters);
   const float squared_length = StoredSquaredLength(row, clusters, cluster, rough);
   clusters.centers.Add(row, cluster);

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "lib/rough_looks.h"
+
 namespace molva {
 namespace {
 
@@ -63,6 +65,12 @@ void Lanes::Subtract(const RowView& row, int lane) {
 // terms, none negative, m roundings of 2^-53 separate it from the true sum, and m of 2^-64 the wide
 // one.
 void Lanes::SquaredLengths(std::span<float> squares) const {
+  if (!RoughLooksAreUsed()) {
+    for (std::size_t lane = 0; lane < squares.size(); ++lane) {
+      squares[lane] = static_cast<float>(SquaredLength(lane));
+    }
+    return;
+  }
   const Array<double> rough = RoughSquares();
   const double unit = (static_cast<double>(ncols_) + 8) * 0x1p-52;
   for (std::size_t lane = 0; lane < squares.size(); ++lane) {

@@ -18,6 +18,13 @@
 // what joined the cluster and the rounding of every addition and subtraction. The similarity d.G is
 // bounded the same way. Where a number is infinite or not a number no comparison holds, and the
 // move is weighed in full.
+//
+// Both ends. What is remembered of a product is the one end that makes a move look best. The other
+// end matters too, as most terms turn where a squared length passes zero; it is |d| |D| at the
+// most. The squared length q that is carried along is |D|^2 up to an excess, which grows with every
+// move: by the rounding of q to single precision, by what q + 2 d.D + |d|^2 is rounded, by (|D| +
+// e)^2 less |D|^2 when the additions to D round by a vector of length e, and, where a column
+// repeats in a row, by the difference between the sum of v^2 and |d|^2.
 #pragma once
 
 #include <cmath>
@@ -26,6 +33,7 @@
 #include "lib/lanes.h"
 #include "lib/prepared_matrix.h"
 #include "lib/product_memory.h"
+#include "lib/rough_looks.h"
 #include "lib/value_bound.h"
 
 namespace molva {
@@ -42,24 +50,28 @@ class MoveScreen {
         products_(AllocDoubles(static_cast<std::int64_t>(lanes.stride()), name)),
         clusters_(nparts, name),
         hopeful_(nparts, name),
-        memory_(mat, nparts + (Objective::kUsesSimilarity ? 1 : 0)) {
+        looks_(RoughLooksAreUsed()),
+        memory_(mat, looks_ ? nparts + (Objective::kUsesSimilarity ? 1 : 0) : 0) {
     clusters_.Fill({});
   }
 
   // A row was added to a cluster's composite and, where similarities matter, to the whole, before
   // any row was weighed.
   void RowCounted(int cluster, const RowSize& row) {
-    clusters_[cluster].bound.Add(row.largest);
-    whole_bound_.Add(row.largest);
+    clusters_[cluster].bound.Join(row.largest, row.additions);
+    whole_bound_.Join(row.largest, row.additions);
   }
 
-  // Row i has moved between two composites.
+  // Row i has moved between two composites, whose numbers were set before.
   void RowMoved(int i, const RowSize& row, int from, int to) {
-    clusters_[from].bound.Add(0);
-    clusters_[to].bound.Add(row.largest);
-    const auto entries = static_cast<double>(Row(mat_, i).size());
+    clusters_[from].bound.Leave(row.additions);
+    clusters_[to].bound.Join(row.largest, row.additions);
     for (Cluster* c : {&clusters_[from], &clusters_[to]}) {
-      c->drift += row.length + entries * 0x1p-24 * c->bound.Value();
+      const double rounding = static_cast<double>(Row(mat_, i).size()) * 0x1p-24 * c->bound.Value();
+      c->drift = RoundedUpSum(c->drift, row.length + rounding);
+      c->LoseTrack(LengthError(UnitOf(i), row, *c) +
+                   (row.ColumnsDiffer() ? 0 : row.absolute * row.absolute));
+      c->LoseTrack(2 * (c->length + row.length) * rounding + rounding * rounding);
     }
     if (memory_) memory_.Forget(i, to);
   }
@@ -69,6 +81,7 @@ class MoveScreen {
     Cluster& c = clusters_[cluster];
     c.measure = {size, static_cast<double>(squared_length), static_cast<double>(similarity)};
     c.terms = Objective::RoughTermsOf(c.measure);
+    c.LoseTrack(0x1p-22 * std::fabs(c.measure.squared_length) + 0x1p-140);
   }
 
   // Row i will be visited soon.
@@ -80,27 +93,31 @@ class MoveScreen {
   bool IsSettled(const Objective& objective, int i, const RowSize& size, int from) const {
     if (!memory_) return false;
     const Move move{objective, size, UnitOf(i), from, RememberedSimilarity(i, size)};
-    const RoughTerms after = After(
-        move, from, -1, memory_.Least(i, size, static_cast<std::size_t>(from), DriftOf(from)));
+    const auto least = memory_.Least(i, size, static_cast<std::size_t>(from), DriftOf(from));
+    const RoughTerms after = After(move, from, -1, {least, LongestProduct(size, from)});
     for (int k = 0; k < nparts_; ++k) {
       if (k == from) continue;
-      const auto lane = static_cast<std::size_t>(k);
-      if (!IsHopeless(move, after, k, memory_.Most(i, size, lane, DriftOf(k)))) return false;
+      const double most = memory_.Most(i, size, static_cast<std::size_t>(k), DriftOf(k));
+      if (!IsHopeless(move, after, k, {-LongestProduct(size, k), most})) return false;
     }
     return true;
   }
 
   // Weighs all moves of row i out of its cluster.
   void Weigh(const Objective& objective, int i, const RowSize& size, int from) {
+    if (!looks_) {
+      for (int k = 0; k < nparts_; ++k) hopeful_[k] = k != from;
+      return;
+    }
     lanes_.DotRow(Row(mat_, i), products_.data());
     if (memory_) {
       memory_.Keep(i, size, from, products_.data(),
                    [this](std::size_t k) { return DriftOf(static_cast<int>(k)); });
     }
     const Move move{objective, size, UnitOf(i), from, WalkedSimilarity(i, size)};
-    const RoughTerms after = After(move, from, -1, {products_[from], 0});
+    const RoughTerms after = After(move, from, -1, {products_[from], products_[from]});
     for (int k = 0; k < nparts_; ++k) {
-      hopeful_[k] = k != from && !IsHopeless(move, after, k, {products_[k], 0});
+      hopeful_[k] = k != from && !IsHopeless(move, after, k, {products_[k], products_[k]});
     }
   }
 
@@ -114,7 +131,14 @@ class MoveScreen {
     BasicMeasure<double> measure{};
     RoughTerms terms{};
     ValueBound bound;
-    double drift = 0;  // the length of all moves into and out of it
+    double drift = 0;   // the length of all moves into and out of it
+    double excess = 0;  // how far |D|^2 can be above the squared length that is carried along
+    double length = 0;  // no less than |D|
+
+    void LoseTrack(double error) {
+      excess = RoundedUpSum(excess, error);
+      length = std::sqrt(measure.squared_length + excess) * (1 + kSlack);
+    }
   };
 
   // What is the same for all moves of one row.
@@ -123,7 +147,7 @@ class MoveScreen {
     const RowSize& row;
     double unit;  // (n + 8) 2^-52
     int from;
-    RoughValue similarity;  // d.G
+    Interval similarity;  // d.G
   };
 
   double UnitOf(int i) const { return static_cast<double>(Row(mat_, i).size() + 8) * 0x1p-52; }
@@ -131,34 +155,50 @@ class MoveScreen {
   // The composite of all rows does not drift.
   double DriftOf(int lane) const { return lane < nparts_ ? clusters_[lane].drift : 0; }
 
-  RoughValue WalkedSimilarity(int i, const RowSize& size) const {
+  Interval WalkedSimilarity(int i, const RowSize& size) const {
     if constexpr (!Objective::kUsesSimilarity) return {0, 0};
-    return {products_[nparts_], UnitOf(i) * size.absolute * whole_bound_.Value()};
+    return Interval::Around(products_[nparts_], UnitOf(i) * size.absolute * whole_bound_.Value());
   }
 
-  RoughValue RememberedSimilarity(int i, const RowSize& size) const {
+  // Nothing drifts here, so both ends are known from the one product that is kept.
+  Interval RememberedSimilarity(int i, const RowSize& size) const {
     if constexpr (!Objective::kUsesSimilarity) return {0, 0};
-    const RoughValue kept = memory_.Most(i, size, static_cast<std::size_t>(nparts_), 0);
-    return {kept.value, kept.error + UnitOf(i) * size.absolute * whole_bound_.Value()};
+    const double error = UnitOf(i) * size.absolute * whole_bound_.Value();
+    const auto whole = static_cast<std::size_t>(nparts_);
+    return {memory_.Least(i, size, whole, 0) - error, memory_.Most(i, size, whole, 0) + error};
+  }
+
+  // No product of the row with the composite is larger: the end that memory does not keep.
+  double LongestProduct(const RowSize& row, int cluster) const {
+    return row.length * clusters_[cluster].length;
+  }
+
+  // How far a squared length after a move can be from what the full arithmetic finds.
+  static double LengthError(double unit, const RowSize& row, const Cluster& c) {
+    return unit *
+           (std::fabs(c.measure.squared_length) + row.square + 2 * row.absolute * c.bound.Value());
   }
 
   // The best terms of a cluster that the row joins (sign 1) or leaves (-1).
-  RoughTerms After(const Move& move, int cluster, int sign, const RoughValue& product) const {
+  RoughTerms After(const Move& move, int cluster, int sign, const Interval& product) const {
     const Cluster& c = clusters_[cluster];
-    const RowSize& row = move.row;
-    const BasicMeasure<double> measure{
-        c.measure.size + sign, c.measure.squared_length + 2 * sign * product.value + row.square,
-        c.measure.similarity + sign * move.similarity.value};
-    const double length_error = move.unit * (std::fabs(c.measure.squared_length) + row.square +
-                                             2 * row.absolute * c.bound.Value()) +
-                                2 * product.error;
-    const double similarity_error =
-        move.similarity.error + move.unit * std::fabs(c.measure.similarity);
-    return Objective::BestTerms(measure, length_error, similarity_error);
+    const double length_error = LengthError(move.unit, move.row, c);
+    const double similarity_error = move.unit * std::fabs(c.measure.similarity);
+    const double base = c.measure.squared_length + move.row.square;
+    const auto [least, most] = Signed(sign, product);
+    const auto [least_similar, most_similar] = Signed(sign, move.similarity);
+    return Objective::BestTerms({c.measure.size + sign,
+                                 {base + 2 * least - length_error, base + 2 * most + length_error},
+                                 {c.measure.similarity + least_similar - similarity_error,
+                                  c.measure.similarity + most_similar + similarity_error}});
+  }
+
+  static Interval Signed(int sign, const Interval& x) {
+    return sign > 0 ? x : Interval{-x.most, -x.least};
   }
 
   bool IsHopeless(const Move& move, const RoughTerms& from_after, int k,
-                  const RoughValue& product) const {
+                  const Interval& product) const {
     return move.objective.IsHopeless(clusters_[move.from].terms, clusters_[k].terms, from_after,
                                      After(move, k, 1, product));
   }
@@ -170,6 +210,7 @@ class MoveScreen {
   Array<double> products_;
   Array<Cluster> clusters_;
   Array<char> hopeful_;
+  bool looks_;
   ProductMemory memory_;
 };
 

@@ -11,12 +11,15 @@
 
 namespace molva {
 
-// How large a row d is; each number is rounded up.
+// How large a row d is; each number is rounded up. A row may store a column more than once.
 struct RowSize {
-  double square = 0;    // |d|^2
+  double square = 0;    // the sum of v^2: |d|^2 where all columns differ
   double length = 0;    // |d|, entries in one column added up
   double absolute = 0;  // |d|_1, the sum of |v|
-  double largest = 0;   // max |v|
+  double largest = 0;   // the largest |value|, entries in one column added up
+  int additions = 1;    // the most entries that one column can have
+
+  bool ColumnsDiffer() const { return additions <= 1; }
 };
 
 struct PreparedMatrix {

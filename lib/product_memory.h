@@ -32,7 +32,7 @@ class ProductMemory {
   ProductMemory(const PreparedMatrix& mat, int width) : width_(static_cast<std::size_t>(width)) {
     const std::int64_t count = std::int64_t{mat.nrows} * width;
     const bool is_lighter = count <= 2 * std::int64_t{EntryCount(mat)};
-    if (width <= kWidest && is_lighter) kept_ = Array<float>::OrNone(count);
+    if (0 < width && width <= kWidest && is_lighter) kept_ = Array<float>::OrNone(count);
     kept_.Fill(std::numeric_limits<float>::quiet_NaN());
   }
   explicit operator bool() const { return static_cast<bool>(kept_); }
@@ -56,19 +56,23 @@ class ProductMemory {
   // Row i has moved to cluster `to`: what is kept of it holds no longer.
   void Forget(int i, int to) { Of(i)[to] = std::numeric_limits<float>::quiet_NaN(); }
 
-  // The most, and the least, that a product can be under today's drift. Beyond what is told as the
-  // error nothing is lost: keeping rounded once by 2^-24, the rest is double arithmetic.
-  RoughValue Most(int i, const RowSize& row, std::size_t k, double drift) const {
-    return With(Of(i)[k], row.length * drift);
+  // The most, and the least, that a product can be under today's drift, each for what it is kept
+  // for: the one of a cluster that the row may join, the other of the cluster that it stands in.
+  double Most(int i, const RowSize& row, std::size_t k, double drift) const {
+    const double reach = row.length * drift;
+    const auto kept = static_cast<double>(Of(i)[k]);
+    return kept + reach + Rounding(kept, reach);
   }
-  RoughValue Least(int i, const RowSize& row, std::size_t k, double drift) const {
-    return With(Of(i)[k], -row.length * drift);
+  double Least(int i, const RowSize& row, std::size_t k, double drift) const {
+    const double reach = row.length * drift;
+    const auto kept = static_cast<double>(Of(i)[k]);
+    return kept - reach - Rounding(kept, reach);
   }
 
  private:
-  static RoughValue With(float kept, double reach) {
-    const auto value = static_cast<double>(kept);
-    return {value + reach, 0x1p-23 * std::fabs(value) + kSlack * std::fabs(reach) + 0x1p-140};
+  // Keeping rounded once by 2^-24, the rest is double arithmetic.
+  static double Rounding(double kept, double reach) {
+    return 0x1p-23 * std::fabs(kept) + kSlack * reach + 0x1p-140;
   }
 
   float* Of(int i) { return kept_.data() + static_cast<std::size_t>(i) * width_; }

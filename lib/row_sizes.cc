@@ -13,9 +13,27 @@ namespace molva {
 
 namespace {
 
-// The length when all columns differ; otherwise |d|_1, which no vector of these entries exceeds.
-double BoundOfLength(const RowSize& size, bool columns_differ) {
-  return columns_differ ? std::sqrt(size.square) * (1 + kSlack) : size.absolute;
+// Where a column may repeat, |d|_1 stands in: no vector of these entries is longer, and none of its
+// values is larger.
+void BoundVector(const RowView& row, bool columns_differ, RowSize& size) {
+  size.additions = columns_differ ? 1 : static_cast<int>(row.size());
+  size.length = columns_differ ? std::sqrt(size.square) * (1 + kSlack) : size.absolute;
+  if (!columns_differ) size.largest = size.absolute;
+}
+
+RowSize SizeOf(const RowView& row, bool columns_differ) {
+  RowSize size;
+  for (const float value : row.values) {
+    const double v = std::fabs(static_cast<double>(value));
+    size.square += v * v;
+    size.absolute += v;
+    size.largest = std::max(size.largest, v);
+  }
+  // Rounded up, and left as it is when a value is not a number: comparisons then fail.
+  size.absolute *= 1 + kSlack;
+  if (std::isnan(size.square)) size.largest = size.square;
+  BoundVector(row, columns_differ, size);
+  return size;
 }
 
 bool Increases(std::span<const int> columns) {
@@ -32,28 +50,14 @@ bool ColumnsDiffer(std::span<const int> columns, int i, Array<int>& last_row) {
 
 }  // namespace
 
-RowSize SizeOf(const RowView& row) {
-  RowSize size;
-  for (const float value : row.values) {
-    const double v = std::fabs(static_cast<double>(value));
-    size.square += v * v;
-    size.absolute += v;
-    size.largest = std::max(size.largest, v);
-  }
-  // Rounded up, and left as it is when a value is not a number: comparisons then fail.
-  size.absolute *= 1 + kSlack;
-  if (std::isnan(size.square)) size.largest = size.square;
-  size.length = BoundOfLength(size, Increases(row.columns));
-  return size;
-}
+RowSize SizeOf(const RowView& row) { return SizeOf(row, Increases(row.columns)); }
 
 void MeasureRows(PreparedMatrix& mat, BlockName name) {
   mat.rowsize = Array<RowSize>(mat.nrows, name);
   Array<int> last_row = AllocIntsSet(mat.ncols, -1, name);
   for (int i = 0; i < mat.nrows; ++i) {
     const RowView row = Row(mat, i);
-    mat.rowsize[i] = SizeOf(row);
-    mat.rowsize[i].length = BoundOfLength(mat.rowsize[i], ColumnsDiffer(row.columns, i, last_row));
+    mat.rowsize[i] = SizeOf(row, ColumnsDiffer(row.columns, i, last_row));
   }
 }
 

@@ -12,6 +12,7 @@
 #include "lib/composites.h"
 #include "lib/refine_frame.h"
 #include "lib/row_sizes.h"
+#include "tests/testing/both_arithmetics.h"
 #include "tests/testing/matrices.h"
 
 namespace molva {
@@ -98,6 +99,32 @@ Counts OnManyMatrices() {
   return counts;
 }
 
+// Tables whose rows cancel each other, prepared under either similarity: a squared length may be
+// zero or less after a move, and a similarity negative.
+template <typename CriterionType>
+void ExpectSafeOnSignedTables(const CriterionType&) {
+  Counts counts;
+  for (std::uint32_t seed = 1; seed <= 400; ++seed) {
+    const testing_support::ClusteringRun run = testing_support::DrawRun(seed);
+    const auto mat = Prepared(run.matrix, {.simfun = run.simfun});
+    if (mat->nrows < run.nclusters) continue;
+    CompareWithFullArithmetic<typename CriterionType::Objective>(*mat, run.nclusters, seed, counts);
+  }
+  EXPECT_GT(counts.improving, 100);
+}
+
+TEST(MoveScreen, NeverHidesAnImprovementAmongRowsThatCancel) {
+  ExpectSafeOnSignedTables(kCriterionI1);
+  ExpectSafeOnSignedTables(kCriterionI2);
+  ExpectSafeOnSignedTables(kCriterionE1);
+  ExpectSafeOnSignedTables(kCriterionG1);
+  ExpectSafeOnSignedTables(kCriterionG1Prime);
+  ExpectSafeOnSignedTables(kCriterionH1);
+  ExpectSafeOnSignedTables(kCriterionH2);
+  ExpectSafeOnSignedTables(kCriterionCode8);
+  ExpectSafeOnSignedTables(kCriterionCode9);
+}
+
 template <typename CriterionType>
 void ExpectSafeAndSharp(const CriterionType&) {
   const Counts counts = OnManyMatrices<typename CriterionType::Objective>();
@@ -151,22 +178,86 @@ TEST(MoveScreen, NeverHidesAnImprovementAmongWildValues) {
   }
 }
 
-TEST(ValueBound, CoversTheValuesOfACompositeThatRowsJoinAndLeave) {
-  const auto mat = Prepared(RandomDocuments(8, 80, 30, 3, 8));
-  Lanes lanes(1, mat->ncols, "Test: lanes");
+void ExpectValuesWithinTheBound(const PreparedMatrix& mat) {
+  Lanes lanes(1, mat.ncols, "Test: lanes");
   ValueBound bound;
   for (int round = 0; round < 50; ++round) {
-    for (int i = 0; i < mat->nrows; ++i) {
-      lanes.Add(Row(*mat, i), 0);
-      bound.Add(SizeOf(Row(*mat, i)).largest);
-      for (std::size_t j = 0; j < static_cast<std::size_t>(mat->ncols); ++j) {
+    for (int i = 0; i < mat.nrows; ++i) {
+      const RowSize size = SizeOf(Row(mat, i));
+      lanes.Add(Row(mat, i), 0);
+      bound.Join(size.largest, size.additions);
+      for (std::size_t j = 0; j < static_cast<std::size_t>(mat.ncols); ++j) {
         ASSERT_LE(std::fabs(static_cast<double>(lanes[0][j])), bound.Value());
       }
       if (i % 3 != 0) continue;
-      lanes.Subtract(Row(*mat, i), 0);
-      bound.Add(0);
+      lanes.Subtract(Row(mat, i), 0);
+      bound.Leave(size.additions);
     }
   }
+}
+
+TEST(ValueBound, CoversTheValuesOfACompositeThatRowsJoinAndLeave) {
+  ExpectValuesWithinTheBound(*Prepared(RandomDocuments(8, 80, 30, 3, 8)));
+}
+
+// Each of these rows stores its one column three times, so that a value grows by the sum of three.
+TEST(ValueBound, CoversAColumnThatRepeatsInARow) {
+  testing_support::SparseMatrix matrix{3, 2, {0, 3, 6, 9}, {0, 0, 0, 1, 1, 1, 0, 0, 0}, {}};
+  matrix.rowval = {1, 1, 1, 2, 2, 2, 1, 1, 1};
+  ExpectValuesWithinTheBound(*Prepared(matrix));
+}
+
+// The terms with a similarity fall with the squared length and grow with the similarity as long as
+// the one is positive and the other is not negative, over all that they can be.
+template <typename Term>
+void ExpectMonotoneOrUndecided() {
+  const Interval length{2, 8}, similarity{1, 3};
+  const BasicMeasure<double> best{5, 8, 1};
+  EXPECT_EQ(BestValue<Term>({5, length, similarity}), Term::Of(best));
+  EXPECT_TRUE(std::isnan(BestValue<Term>({5, {0, 8}, similarity})));
+  EXPECT_TRUE(std::isnan(BestValue<Term>({5, {-0x1p-60, 8}, similarity})));
+  EXPECT_TRUE(std::isnan(BestValue<Term>({5, length, {-0x1p-60, 3}})));
+  EXPECT_TRUE(std::isnan(BestValue<Term>({5, {std::nan(""), 8}, similarity})));
+}
+
+TEST(BestValue, IsDecidedOverWholeIntervalsOnly) {
+  ExpectMonotoneOrUndecided<E1Term>();
+  ExpectMonotoneOrUndecided<G1Term>();
+  ExpectMonotoneOrUndecided<G1PrimeTerm>();
+  ExpectMonotoneOrUndecided<SizedG1Term>();
+}
+
+// Without a similarity a squared length may be anything: less of it is never better.
+TEST(BestValue, NeedsTheUpperEndAloneWithoutASimilarity) {
+  EXPECT_EQ(BestValue<I1Term>({4, {-9, 8}, {0, 0}}), 2);
+  EXPECT_EQ(BestValue<I2Term>({4, {-9, 16}, {0, 0}}), 4);
+}
+
+// Two clusters at right angles, D.D = 18 and D.G = 18 for both, |d|^2 = 2, d.G = 6: the row's move
+// makes 12/8 + 24/20 of 1 + 1, so it is settled. Once the other cluster has cancelled down to the
+// length of the row, D.D = D.G = 2, the move makes 12/8 + 8/4 of 1 + 1 if the two still are at right
+// angles; but the row may as well cancel it, and what is remembered does not say that it does not.
+TEST(MoveScreen, SettlesNothingThatMayCancelByNow) {
+  const auto mat = testing_support::PreparedOf({{1, 1}, {1, 1}, {1, 1}, {1, -1}, {1, -1}, {1, -1}});
+  MeasureRows(*mat, "Test: sizes");
+  constexpr int kClusters = 2;
+  Lanes lanes(kClusters + 1, mat->ncols, "Test: lanes");
+  using Objective = SingleSum<G1Term, Smaller>;
+  MoveScreen<Objective> screen(*mat, lanes, kClusters, "Test: screen");
+  for (int i = 0; i < mat->nrows; ++i) {
+    lanes.Add(Row(*mat, i), i / 3);
+    lanes.Add(Row(*mat, i), kClusters);
+    screen.RowCounted(i / 3, mat->rowsize[i]);
+  }
+  Objective objective;
+  for (const int k : {0, 1}) {
+    objective.AddCluster(Objective::TermsOf({3, 18, 18}));
+    screen.SetCluster(k, 3, 18, 18);
+  }
+  screen.Weigh(objective, 0, mat->rowsize[0], 0);
+  EXPECT_TRUE(screen.IsSettled(objective, 0, mat->rowsize[0], 0));
+  screen.SetCluster(1, 3, 2, 2);
+  EXPECT_FALSE(screen.IsSettled(objective, 0, mat->rowsize[0], 0));
 }
 
 }  // namespace

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+//
+// The program, its arithmetic chosen by hand:
+//   mardle_variant LOOKS KERNEL RECORD ARGUMENTS...
+// LOOKS is "rough", as the program decides, or "plain", by the full arithmetic alone. KERNEL is the
+// vector unit that the rough products are formed with, "avx512f", "avx2" or "default"; status 3
+// where this processor has none of the name. RECORD is a file to which a line is added at the end:
+// the kernel and how many rows went through it.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "lib/dot_kernels.h"
+#include "lib/rough_looks.h"
+#include "programs/run.h"
+
+namespace {
+
+molva::DotKernel chosen{};
+unsigned long rows = 0;
+std::string record;
+
+void CountAndDot(const molva::RowView& row, const float* lanes, std::size_t stride,
+                 double* products) {
+  ++rows;
+  chosen.dot(row, lanes, stride, products);
+}
+
+bool Choose(const char* target) {
+  for (const molva::DotKernel& kernel : molva::AvailableDotKernels()) {
+    if (std::strcmp(kernel.target, target) == 0) chosen = kernel;
+  }
+  return chosen.dot != nullptr;
+}
+
+void WriteRecord() {
+  std::FILE* file = std::fopen(record.c_str(), "a");
+  if (file == nullptr) return;
+  std::fprintf(file, "%s %lu rows\n", chosen.target, rows);
+  std::fclose(file);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  constexpr int kOwn = 3;
+  if (argc <= kOwn || !Choose(argv[2])) return 3;
+  molva::UseRoughLooks(std::strcmp(argv[1], "plain") != 0);
+  molva::SetDotKernel(CountAndDot);
+  record = argv[3];
+  std::atexit(WriteRecord);
+  argv[kOwn] = argv[0];
+  return mardle::Run(argc - kOwn, argv + kOwn);
+}
