@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "bench/corpus.h"
-#include "lib/agglomerate.h"
+#include "lib/matrix/prepare.h"
+#include "lib/matrix/similarities.h"
 #include "lib/molva.h"
-#include "lib/prepare.h"
-#include "lib/similarities.h"
+#include "lib/tree/agglomerate.h"
 #include "tests/testing/plain_merging.h"
 
 namespace {

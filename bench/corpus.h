@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "lib/control.h"
+#include "lib/matrix/control.h"
 
 namespace bench {
 

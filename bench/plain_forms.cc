@@ -5,11 +5,11 @@
 #include <span>
 #include <utility>
 
-#include "lib/cluster_rb.h"
-#include "lib/control.h"
-#include "lib/prepare.h"
-#include "lib/reorder_clusters.h"
-#include "lib/submatrix.h"
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepare.h"
+#include "lib/matrix/submatrix.h"
+#include "lib/partition/cluster_rb.h"
+#include "lib/partition/reorder_clusters.h"
 #include "lib/support/random.h"
 #include "lib/support/sort.h"
 #include "lib/support/wide.h"

@@ -8,7 +8,7 @@
 #include "bench/corpus.h"
 #include "bench/paired.h"
 #include "bench/plain_forms.h"
-#include "lib/prepare.h"
+#include "lib/matrix/prepare.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 
 #include "bench/corpus.h"
 #include "bench/paired.h"
-#include "lib/initial_clustering.h"
-#include "lib/prepare.h"
-#include "lib/refine.h"
+#include "lib/matrix/prepare.h"
+#include "lib/partition/initial_clustering.h"
+#include "lib/partition/refine.h"
 #include "lib/support/random.h"
 #include "tests/testing/oracles.h"
 

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "lib/build_tree.h"
-#include "lib/control.h"
+#include "lib/matrix/control.h"
 #include "lib/molva.h"
+#include "lib/tree/build_tree.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 

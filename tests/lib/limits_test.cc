@@ -12,12 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "lib/agglomerate.h"
-#include "lib/build_tree.h"
-#include "lib/control.h"
+#include "lib/matrix/control.h"
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/tree_arrays.h"
+#include "lib/tree/agglomerate.h"
+#include "lib/tree/build_tree.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 

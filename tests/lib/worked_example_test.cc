@@ -6,7 +6,7 @@
 #include <cmath>
 #include <vector>
 
-#include "lib/control.h"
+#include "lib/matrix/control.h"
 #include "lib/molva.h"
 #include "tests/testing/matrices.h"
 

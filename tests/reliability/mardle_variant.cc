@@ -11,8 +11,8 @@
 #include <cstring>
 #include <string>
 
-#include "lib/dot_kernels.h"
-#include "lib/rough_looks.h"
+#include "lib/rough/dot_kernels.h"
+#include "lib/rough/rough_looks.h"
 #include "programs/run.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <random>
 
 #include "lib/molva.h"
-#include "lib/rough_looks.h"
+#include "lib/rough/rough_looks.h"
 
 namespace testing_support {
 namespace {

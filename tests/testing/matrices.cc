@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <set>
 
-#include "lib/prepare.h"
+#include "lib/matrix/prepare.h"
 
 namespace testing_support {
 

@@ -8,8 +8,8 @@
 #include <random>
 #include <vector>
 
-#include "lib/control.h"
-#include "lib/prepared_matrix.h"
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepared_matrix.h"
 
 namespace testing_support {
 

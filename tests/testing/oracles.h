@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "lib/prepared_matrix.h"
+#include "lib/matrix/prepared_matrix.h"
 #include "lib/support/wide.h"
 
 namespace testing_support {

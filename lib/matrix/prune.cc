@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "lib/matrix/prune.h"
+
+#include "lib/support/sort.h"
+#include "lib/support/vectors.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+namespace {
+
+// Adds every row to `center` and every stored entry to the count of its column.
+void SumColumns(const PreparedMatrix& mat, std::span<float> center, std::span<int> counts) {
+  for (int i = 0; i < mat.nrows; ++i) {
+    const RowView row = Row(mat, i);
+    for (std::size_t p = 0; p < row.size(); ++p) {
+      const auto j = static_cast<std::size_t>(row.columns[p]);
+      center[j] += row.values[p];
+      ++counts[j];
+    }
+  }
+}
+
+// The columns as (weight in the unit-length center, column), heaviest first.
+Array<KeyValue> RankColumns(std::span<float> center) {
+  const float length = NormFloats(center);
+  Array<KeyValue> fcand = AllocKeyValues(static_cast<std::int64_t>(center.size()),
+                                         "SimilarityBasedFeatureSelection: fcand");
+  for (std::size_t j = 0; j < center.size(); ++j) {
+    fcand[j] = {center[j] / length, static_cast<int>(j)};
+  }
+  SortKeyValuesDecreasing(fcand);
+  return fcand;
+}
+
+}  // namespace
+
+void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat,
+                                     std::span<int> cperm) {
+  // Counts start at 1, so every column that the walk does not reach is marked for removal.
+  Array<int> rmvec = AllocIntsSet(mat.ncols, 1, "SimilarityBasedFeatureSelection: rmvec");
+  Array<float> center = AllocFloatsSet(mat.ncols, 0, "SimilarityBasedFeatureSelection: center");
+  SumColumns(mat, center, rmvec);
+
+  const Array<KeyValue> fcand = RankColumns(center);
+  const Wide target = static_cast<Wide>(control.prune) * control.prune;
+  Wide reached = 0;
+  for (std::size_t position = 0; position < fcand.size() && reached <= target; ++position) {
+    const auto [weight, j] = fcand[position];
+    const bool occurs_twice = rmvec[j] > 2;
+    rmvec[j] = occurs_twice ? 0 : 1;
+    if (occurs_twice) reached += static_cast<Wide>(weight) * weight;
+  }
+  EliminateColumns(mat, rmvec, cperm);
+}
+
+void EliminateColumns(PreparedMatrix& mat, std::span<const int> rmvec, std::span<int> cperm) {
+  Array<int> cmap = AllocIntsSet(mat.ncols, -1, "EliminateColumns: cmap");
+  int kept_columns = 0;
+  for (int j = 0; j < mat.ncols; ++j) {
+    const auto column = static_cast<std::size_t>(j);
+    if (rmvec[column] != 0) continue;
+    cperm[static_cast<std::size_t>(kept_columns)] = j;
+    cmap[j] = kept_columns++;
+  }
+  mat.ncols = kept_columns;
+
+  int kept_entries = 0;
+  int begin = 0;
+  for (int i = 0; i < mat.nrows; ++i) {
+    const int end = mat.rowptr[i + 1];
+    for (int p = begin; p < end; ++p) {
+      const int column = cmap[mat.rowind[p]];
+      if (column < 0) continue;
+      mat.rowind[kept_entries] = column;
+      mat.rowval[kept_entries++] = mat.rowval[p];
+    }
+    begin = end;
+    mat.rowptr[i + 1] = kept_entries;
+  }
+}
+
+}  // namespace molva

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "lib/matrix/vector_model.h"
+
+#include <cmath>
+
+#include "lib/support/fatal.h"
+#include "lib/support/vectors.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+namespace {
+
+// The largest absolute value. A row of zeros gives 0, so its entries become 0/0, not-a-number, and
+// no guard is wanted.
+float LargestMagnitude(std::span<const float> row) {
+  float largest = 0;
+  for (const float v : row) {
+    if (std::fabs(v) > largest) largest = std::fabs(v);
+  }
+  return largest;
+}
+
+void ScaleByMaxTf(std::span<float> row) {
+  const Wide largest = LargestMagnitude(row);
+  for (float& v : row) v = static_cast<float>(0.5L + 0.5L * v / largest);
+}
+
+void ScaleBySqrt(std::span<float> row) {
+  for (float& v : row) {
+    const Wide wide = v;
+    if (v > 0) v = static_cast<float>(1 + std::sqrt(wide));
+    if (v < 0) v = static_cast<float>(1 - std::sqrt(-wide));
+  }
+}
+
+// The logarithm of a negative entry is taken of the entry itself, so it becomes not-a-number; that
+// is how this model treats negative data.
+void ScaleByLog(std::span<float> row) {
+  const Wide ln2 = std::log(static_cast<Wide>(2));
+  for (float& v : row) {
+    const Wide wide = v;
+    if (v > 0) {
+      v = static_cast<float>(1 + std::log(wide) / ln2);
+    } else if (v < 0) {
+      v = static_cast<float>(1 - std::log(wide) / ln2);
+    }
+  }
+}
+
+// An entry counts whatever its value.
+Array<int> ColumnLengths(const PreparedMatrix& mat) {
+  Array<int> collen = AllocIntsSet(mat.ncols, 0, "ComputeScaleFactors: collen");
+  for (int i = 0; i < mat.nrows; ++i) {
+    for (const int j : Row(mat, i).columns) ++collen[j];
+  }
+  return collen;
+}
+
+void ScaleByIdf(PreparedMatrix& mat) {
+  const Array<int> collen = ColumnLengths(mat);
+  Array<float> vscale = AllocFloatsSet(mat.ncols, 0, "ComputeScaleFactors: vscale");
+  for (int j = 0; j < mat.ncols; ++j) {
+    // A column of every row gets -0.0, the negated logarithm of 1.
+    if (collen[j] > 0) {
+      vscale[j] = static_cast<float>(-std::log(static_cast<Wide>(collen[j]) / mat.nrows));
+    }
+  }
+  for (int i = 0; i < mat.nrows; ++i) {
+    const std::span<const int> columns = Row(mat, i).columns;
+    const std::span<float> values = RowValues(mat, i);
+    for (std::size_t p = 0; p < values.size(); ++p) values[p] *= vscale[columns[p]];
+  }
+}
+
+void ScaleToUnitLength(std::span<float> row) {
+  Wide squares = 0;
+  for (const Wide v : row) squares += v * v;
+  if (squares > 0) ScaleFloats(static_cast<float>(1 / std::sqrt(squares)), row);
+}
+
+void SubtractMean(std::span<float> row, int ncols) {
+  Wide mean = 0;
+  for (const float v : row) mean += v;
+  mean /= ncols;
+  for (float& v : row) v = static_cast<float>(v - mean);
+}
+
+template <typename Scale>
+void ForEachRow(PreparedMatrix& mat, Scale scale) {
+  for (int i = 0; i < mat.nrows; ++i) scale(RowValues(mat, i));
+}
+
+}  // namespace
+
+void ApplyRowModel(const Control& control, PreparedMatrix& mat) {
+  switch (control.rowmodel) {
+    case kRowNone:
+      return;
+    case kRowMaxTf:
+      return ForEachRow(mat, ScaleByMaxTf);
+    case kRowSqrt:
+      return ForEachRow(mat, ScaleBySqrt);
+    case kRowLog:
+      return ForEachRow(mat, ScaleByLog);
+    default:
+      FatalError("Unknown RowModel value of %d\n", control.rowmodel);
+  }
+}
+
+void ComputeScaleFactors(const Control& control, PreparedMatrix& mat) {
+  switch (control.colmodel) {
+    case kColumnNone:
+      return;
+    case kColumnIdf:
+      if (mat.sparse == 0) {
+        FatalError(
+            "IDF column model only applies to sparse matrices and non-correlation-coefficient similarities!\n");
+      }
+      return ScaleByIdf(mat);
+    default:
+      FatalError("Unknown ColModel value of %d\n", control.colmodel);
+  }
+}
+
+void NormalizeRows(const Control& control, PreparedMatrix& mat) {
+  switch (control.simfun) {
+    case kCosine:
+      return ForEachRow(mat, ScaleToUnitLength);
+    case kCorrelation:
+      return ForEachRow(mat, [ncols = mat.ncols](std::span<float> row) {
+        SubtractMean(row, ncols);
+        ScaleToUnitLength(row);
+      });
+    default:
+      FatalError("Unknown similarity function: %d\n", control.simfun);
+  }
+}
+
+}  // namespace molva

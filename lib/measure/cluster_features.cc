@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "lib/measure/cluster_features.h"
+
+#include <algorithm>
+
+#include "lib/matrix/composites.h"
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepare.h"
+#include "lib/molva.h"
+#include "lib/support/vectors.h"
+
+namespace molva {
+
+void GetClusterFeatures(const PreparedMatrix& mat, int nparts, std::span<const int> part,
+                        const FeatureLists& internal, const FeatureLists& external) {
+  Rows<float> centers = AllocFloatMatrix(nparts, mat.ncols, 0, "GetClusterFeatures: centers");
+  Array<float> gcenter = AllocFloatsSet(mat.ncols, 0, "GetClusterFeatures: gcenter");
+  Array<float> vec = AllocFloatsSet(mat.ncols, 0, "GetClusterFeatures: vec");
+  Array<KeyValue> fcand = AllocKeyValues(mat.ncols, "GetClusterFeatures: fcand");
+  Array<int> pwgts = AllocIntsSet(nparts, 0, "GetClusterFeatures: pwgts");
+  Array<float> dnorms = AllocFloats(nparts, "GetClusterFeatures: dnorms");
+
+  AccumulateComposites(mat, part, pwgts, centers, gcenter);
+  for (int k = 0; k < nparts; ++k) dnorms[k] = DotFloats(centers[k], centers[k]);
+  for (int k = 0; k < nparts; ++k) RankDescriptive(centers[k], dnorms[k], fcand, k, internal);
+  for (int k = 0; k < nparts; ++k) {
+    // From here on the composite is a unit vector; nothing else needs it.
+    const std::span<float> composite = centers[k];
+    std::transform(gcenter.begin(), gcenter.end(), composite.begin(), vec.begin(),
+                   [](float whole, float own) { return whole - own; });
+    ScaleToUnitLength(vec);
+    ScaleToUnitLength(composite);
+    RankDiscriminating(composite, vec, fcand, k, external);
+  }
+}
+
+}  // namespace molva
+
+void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
+                                const float* rowval, int simfun, int rowmodel, int colmodel,
+                                float colprune, int nparts, const int* part, int nfeatures,
+                                int* internalids, float* internalwgts, int* externalids,
+                                float* externalwgts) {
+  using namespace molva;
+  const Control control{
+      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
+  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
+                                       "MOLVA_V_GetClusterFeatures");
+  MapPartIn(copy, part);
+  GetClusterFeatures(*copy.mat, nparts, copy.part(),
+                     {copy.cperm, nfeatures, internalids, internalwgts},
+                     {copy.cperm, nfeatures, externalids, externalwgts});
+}

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+//
+// Every per-cluster and per-row value is single precision after each step. Clusters of one row, of
+// no row and of all rows divide by zero; infinite and not-a-number results are wanted there.
+#include "lib/measure/cluster_stats.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lib/matrix/composites.h"
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepare.h"
+#include "lib/molva.h"
+#include "lib/support/vectors.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+namespace {
+
+float Rounded(Wide value) { return static_cast<float>(value); }
+
+float Quotient(Wide value, std::int64_t count) { return Rounded(value / static_cast<Wide>(count)); }
+
+// isim[k] = D_k.D_k / n_k^2, esim[k] = (D_k.G - D_k.D_k) / ((N - n_k) n_k)
+void MeasureClusters(const Rows<float>& centers, std::span<const float> gcenter, int nrows,
+                     const ClusterStats& stats) {
+  for (std::size_t k = 0; k < stats.pwgts.size(); ++k) {
+    const int size = stats.pwgts[k];
+    const float internal = DotFloats(centers[k], centers[k]);
+    const float external = DotFloats(centers[k], gcenter) - internal;
+    stats.isim[k] = Quotient(internal, CountProduct(size, size));
+    stats.esim[k] = Quotient(external, CountProduct(nrows - size, size));
+  }
+}
+
+struct RowAverages {
+  float internal, external;
+};
+
+// The average similarity of a row to its own cluster, itself included, and to all other rows.
+RowAverages MeasureRow(const RowView& row, std::span<const float> composite,
+                       std::span<const float> whole, int size, int nrows) {
+  Wide internal = 0;
+  Wide external = 0;
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    const auto j = static_cast<std::size_t>(row.columns[p]);
+    const Wide v = row.values[p];
+    internal += v * composite[j];
+    external += (static_cast<Wide>(whole[j]) - composite[j]) * v;
+  }
+  return {Quotient(internal, size), Quotient(external, nrows - size)};
+}
+
+void AddSquaredDifference(float a, float b, float& sum) {
+  const Wide difference = static_cast<Wide>(a) - b;
+  sum = Rounded(sum + difference * difference);
+}
+
+// The external deviation is divided by n_k - 1 as well, on purpose.
+void FinishDeviations(const ClusterStats& stats) {
+  for (std::size_t k = 0; k < stats.pwgts.size(); ++k) {
+    const Wide degrees = stats.pwgts[k] - 1;
+    stats.isdev[k] = Rounded(std::sqrt(stats.isdev[k] / degrees));
+    stats.esdev[k] = Rounded(std::sqrt(stats.esdev[k] / degrees));
+  }
+}
+
+float ZScore(float value, float mean, float deviation) {
+  return Rounded((static_cast<Wide>(value) - mean) / deviation);
+}
+
+}  // namespace
+
+void GetClusterStats(const PreparedMatrix& mat, std::span<const int> part,
+                     const ClusterStats& stats) {
+  const auto nparts = static_cast<int>(stats.pwgts.size());
+  Rows<float> centers = AllocFloatMatrix(nparts, mat.ncols, 0, "GetClusterStats: centers");
+  Array<float> gcenter = AllocFloatsSet(mat.ncols, 0, "GetClusterStats: gcenter");
+  Array<float> isims = AllocFloatsSet(mat.nrows, 0, "GetClusterStats: isims");
+  Array<float> esims = AllocFloatsSet(mat.nrows, 0, "GetClusterStats: esims");
+
+  SetInts(stats.pwgts, 0);
+  AccumulateComposites(mat, part, stats.pwgts, centers, gcenter);
+  MeasureClusters(centers, gcenter, mat.nrows, stats);
+
+  SetFloats(stats.isdev, 0);
+  SetFloats(stats.esdev, 0);
+  const auto for_each_clustered_row = [&](auto&& visit) {
+    for (std::size_t i = 0; i < part.size(); ++i) {
+      if (part[i] >= 0 && part[i] < nparts) visit(i, static_cast<std::size_t>(part[i]));
+    }
+  };
+  for_each_clustered_row([&](std::size_t i, std::size_t k) {
+    const RowAverages averages =
+        MeasureRow(Row(mat, static_cast<int>(i)), centers[k], gcenter, stats.pwgts[k], mat.nrows);
+    isims[i] = averages.internal;
+    esims[i] = averages.external;
+    AddSquaredDifference(stats.isim[k], isims[i], stats.isdev[k]);
+    AddSquaredDifference(stats.esim[k], esims[i], stats.esdev[k]);
+  });
+  FinishDeviations(stats);
+
+  for_each_clustered_row([&](std::size_t i, std::size_t k) {
+    if (!stats.izscores.empty())
+      stats.izscores[i] = ZScore(isims[i], stats.isim[k], stats.isdev[k]);
+    if (!stats.ezscores.empty())
+      stats.ezscores[i] = ZScore(esims[i], stats.esim[k], stats.esdev[k]);
+  });
+}
+
+}  // namespace molva
+
+namespace {
+
+// The label names the internal scores also for the external ones; it is shared on purpose.
+molva::Array<float> PrivateScores(const float* wanted, int nrows) {
+  if (wanted == nullptr) return {};
+  return molva::AllocFloatsSet(nrows, -100.0F, "MOLVA_V_GetClusterStats: pizscores");
+}
+
+void MapScoresOut(const molva::PreparedCopy& copy, const molva::Array<float>& scores,
+                  float* caller_scores) {
+  if (caller_scores == nullptr) return;
+  for (int i = 0; i < copy.mat->nrows; ++i) caller_scores[copy.rperm[i]] = scores[i];
+}
+
+}  // namespace
+
+void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int* rowind,
+                             const float* rowval, int simfun, int rowmodel, int colmodel,
+                             float colprune, int nparts, const int* part, int* pwgts,
+                             float* cintsim, float* cintsdev, float* izscores, float* cextsim,
+                             float* cextsdev, float* ezscores) {
+  using namespace molva;
+  const Control control{
+      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
+  PreparedCopy copy =
+      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_GetClusterStats");
+  Array<float> pizscores = PrivateScores(izscores, nrows);
+  Array<float> pezscores = PrivateScores(ezscores, nrows);
+  MapPartIn(copy, part);
+  const auto clusters = static_cast<std::size_t>(std::max(nparts, 0));
+  GetClusterStats(*copy.mat, copy.part(),
+                  {.pwgts = {pwgts, clusters},
+                   .isim = {cintsim, clusters},
+                   .isdev = {cintsdev, clusters},
+                   .izscores = pizscores,
+                   .esim = {cextsim, clusters},
+                   .esdev = {cextsdev, clusters},
+                   .ezscores = pezscores});
+  MapScoresOut(copy, pizscores, izscores);
+  MapScoresOut(copy, pezscores, ezscores);
+}

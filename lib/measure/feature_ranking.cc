@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "lib/measure/feature_ranking.h"
+
+#include <algorithm>
+
+#include "lib/support/sort.h"
+#include "lib/support/vectors.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+namespace {
+
+// Sorts the candidates and writes the best into list k, each weight being key * scale.
+void WriteRanked(std::span<KeyValue> fcand, Wide scale, std::int64_t k, const FeatureLists& lists) {
+  SortKeyValuesDecreasing(fcand);
+  const std::int64_t begin = k * lists.nfeatures;
+  const int filled = std::min(lists.nfeatures, static_cast<int>(fcand.size()));
+  for (int i = 0; i < filled; ++i) {
+    const KeyValue& candidate = fcand[static_cast<std::size_t>(i)];
+    lists.ids[begin + i] = lists.cperm[static_cast<std::size_t>(candidate.value)];
+    lists.weights[begin + i] = static_cast<float>(candidate.key * scale);
+  }
+  for (int i = filled; i < lists.nfeatures; ++i) lists.ids[begin + i] = -1;
+}
+
+}  // namespace
+
+void RankDescriptive(std::span<const float> composite, float squared_length,
+                     std::span<KeyValue> fcand, std::int64_t k, const FeatureLists& lists) {
+  for (std::size_t j = 0; j < composite.size(); ++j) {
+    const Wide d = composite[j];
+    fcand[j] = {static_cast<float>(d * d / squared_length), static_cast<int>(j)};
+  }
+  WriteRanked(fcand, 1, k, lists);
+}
+
+void RankDiscriminating(std::span<const float> a, std::span<const float> b,
+                        std::span<KeyValue> fcand, std::int64_t k, const FeatureLists& lists) {
+  // The keys are added as they are stored.
+  Wide sum = 0;
+  for (std::size_t j = 0; j < a.size(); ++j) {
+    const Wide difference = static_cast<Wide>(a[j]) - b[j];
+    fcand[j] = {static_cast<float>(difference * difference), static_cast<int>(j)};
+    sum += fcand[j].key;
+  }
+  WriteRanked(fcand, 1 / sum, k, lists);
+}
+
+void ScaleToUnitLength(std::span<float> vector) {
+  const Wide factor = 1 / static_cast<Wide>(NormFloats(vector));
+  for (float& v : vector) v = static_cast<float>(v * factor);
+}
+
+}  // namespace molva

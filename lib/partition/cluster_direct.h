@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+//
+// Direct k-way clustering, the worker under MOLVA_VP_ClusterDirect.
+#pragma once
+
+#include <span>
+
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepared_matrix.h"
+
+namespace molva {
+
+// Writes the best k-way clustering of control.ntrials trials.
+void PartitionMatKWay(const Control& control, const PreparedMatrix& mat, int nparts,
+                      std::span<int> part);
+
+}  // namespace molva

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "lib/partition/cluster_rb.h"
+
+#include <algorithm>
+
+#include "lib/matrix/prepare.h"
+#include "lib/matrix/submatrix.h"
+#include "lib/molva.h"
+#include "lib/partition/refine.h"
+#include "lib/partition/reorder_clusters.h"
+#include "lib/partition/trials.h"
+#include "lib/rough/row_sizes.h"
+#include "lib/support/fatal.h"
+#include "lib/support/progress.h"
+#include "lib/support/random.h"
+#include "lib/support/vectors.h"
+
+namespace molva {
+namespace {
+
+// Half 0 of cluster c keeps its number and half 1 takes the new one; `halves` has one element per
+// row of the cluster, in row order.
+void ApplyHalves(int c, int new_cluster, std::span<const int> halves, std::span<int> part) {
+  auto half = halves.begin();
+  for (int& k : part) {
+    if (k == c && *half++ == 1) k = new_cluster;
+  }
+}
+
+void Bisect(const Control& control, const PreparedMatrix& mat, int c, int new_cluster,
+            std::span<int> part) {
+  // The first cluster is the whole, which need not be copied to be split.
+  if (new_cluster == 1 && EveryColumnOccurs(mat)) return BisectKMeans(control, mat, part);
+  const Owned<PreparedMatrix> cluster = Cluster2Matrix(mat, c, part);
+  Array<int> cpart = AllocInts(cluster->nrows, "PartitionMatRecursive: cpart");
+  BisectKMeans(control, *cluster, cpart);
+  ApplyHalves(c, new_cluster, cpart, part);
+}
+
+}  // namespace
+
+void PartitionMatRecursive(const Control& control, const PreparedMatrix& mat, int nparts,
+                           std::span<int> part) {
+  // A single cluster needs no seed, so it may even be empty.
+  if (nparts != 1) CheckClusterCount(nparts, mat.nrows);
+  std::fill(part.begin(), part.end(), 0);
+  for (int ncl = 1; ncl < nparts; ++ncl) {
+    Bisect(control, mat, SelectACluster(ncl, part), ncl, part);
+    ReportBisection(ncl, nparts - 1);
+  }
+}
+
+int SelectACluster(int ncl, std::span<const int> part) {
+  Array<int> pwgts = AllocIntsSet(ncl, 0, "SelectACluster:pwgts ");
+  for (const int k : part) ++pwgts[k];
+  return ArgMaxInt(pwgts);
+}
+
+void BisectKMeans(const Control& control, const PreparedMatrix& mat, std::span<int> part) {
+  // The blank before "Sim" differs from the tab of direct clustering, and both stay.
+  BestOfTrials(control, mat, 2, part, {"BisectKMeans: bpart", "Bisecting a cluster of size", " "});
+}
+
+}  // namespace molva
+
+void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowind,
+                        const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
+                        float prune, int ntrials, int niter, int seed, int refine, int dbglvl,
+                        int nparts, int* part) {
+  using namespace molva;
+  const Control control{.simfun = simfun,
+                        .crfun = crfun,
+                        .rowmodel = rowmodel,
+                        .colmodel = colmodel,
+                        .prune = prune,
+                        .ntrials = ntrials,
+                        .niter = niter,
+                        .dbglvl = dbglvl,
+                        .seed = seed};
+  PreparedCopy copy =
+      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_VP_ClusterRB");
+  MeasureRows(*copy.mat, "SetUpMatrix: mat->rowptr");
+  SeedGenerator(seed);
+  PartitionMatRecursive(control, *copy.mat, nparts, copy.part());
+  if (refine != 0) RefineClusteringKWay(control, *copy.mat, nparts, copy.part());
+  ReorderClusters(*copy.mat, nparts, copy.part());
+  MapPartOut(copy, part);
+}

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+//
+// Greedy k-way refinement under each of the nine criteria.
+#pragma once
+
+#include <span>
+
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepared_matrix.h"
+
+namespace molva {
+
+// Improves `part` (a cluster 0 to nparts-1 for every row) in place by moving single rows, for at
+// most control.niter passes, and returns the criterion per row in the form that is better when
+// larger: T/nrows for codes 1, 2 and 8, nrows/T for 3, 4, 5 and 9, the ratio for 6 and 7. Picks the
+// routine by control.crfun; any other code is fatal:
+// "Unknown clustering criterion function (CRFun) of %d\n".
+float RefineClusteringKWay(const Control& control, const PreparedMatrix& mat, int nparts,
+                           std::span<int> part);
+
+float RefineClusteringKWayI1(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+float RefineClusteringKWayI2(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+float RefineClusteringKWayE1(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+float RefineClusteringKWayG1(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+float RefineClusteringKWayG1Prime(const Control& control, const PreparedMatrix& mat, int nparts,
+                                  std::span<int> part);
+float RefineClusteringKWayH1(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+float RefineClusteringKWayH2(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+// Code 9, although the help calls that one H3.
+float RefineClusteringKWayG3(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+// Code 8, although the help calls that one G3.
+float RefineClusteringKWayH3(const Control& control, const PreparedMatrix& mat, int nparts,
+                             std::span<int> part);
+
+}  // namespace molva

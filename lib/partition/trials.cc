@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "lib/partition/trials.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "lib/partition/initial_clustering.h"
+#include "lib/partition/refine.h"
+#include "lib/support/fatal.h"
+#include "lib/support/progress.h"
+
+namespace molva {
+namespace {
+
+constexpr char kRule[] =
+    "------------------------------------------------------------------------------\n";
+
+void ReportStart(const Control& control, const PreparedMatrix& mat, const char* heading) {
+  if (HasDebugBit(control, kDebugClustering)) {
+    std::printf("\n%s%s [nrows:%d ncols:%d nnz:%d]", kRule, heading, mat.nrows, mat.ncols,
+                EntryCount(mat));
+    std::fflush(stdout);
+  }
+  if (HasDebugBit(control, kDebugRefinement)) std::printf("\n");
+}
+
+void ReportEnd(const Control& control, const char* lead, float quality) {
+  if (!HasDebugBit(control, kDebugClustering)) return;
+  std::printf("%sSim: %.4f\n%s", lead, static_cast<double>(quality), kRule);
+}
+
+}  // namespace
+
+void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts,
+                  std::span<int> part, const TrialTexts& texts) {
+  CheckClusterCount(nparts, mat.nrows);
+  if (control.ntrials < 1) {
+    FatalError("At least one trial is needed to find a clustering! NTrials=%d\n", control.ntrials);
+  }
+  ReportStart(control, mat, texts.heading);
+  Array<int> bpart = AllocInts(mat.nrows, texts.block);
+  float best = 0;
+  for (int trial = 0; trial < control.ntrials; ++trial) {
+    InitialClustering(mat, nparts, part);
+    const float quality = RefineClusteringKWay(control, mat, nparts, part);
+    if (trial == 0 || quality > best) {
+      best = quality;
+      std::copy(part.begin(), part.end(), bpart.begin());
+    }
+    ReportTrial(trial + 1, control.ntrials);
+  }
+  std::copy(bpart.begin(), bpart.end(), part.begin());
+  ReportEnd(control, texts.lead, best);
+}
+
+void CheckClusterCount(int nparts, int nrows) {
+  if (nparts < 1 || nparts > nrows) {
+    FatalError("Cannot make %d clusters out of %d rows with entries!\n", nparts, nrows);
+  }
+}
+
+}  // namespace molva

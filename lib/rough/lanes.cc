@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "lib/rough/lanes.h"
+
+#include <algorithm>
+
+#include "lib/rough/rough_looks.h"
+
+namespace molva {
+namespace {
+
+// Few lanes stand without padding, so that two clusters take 8 bytes a column; many are padded to
+// vectors of 8.
+std::size_t PaddedCount(int count) {
+  const auto lanes = static_cast<std::size_t>(count > 0 ? count : 1);
+  if (lanes <= 2) return lanes;
+  return lanes <= 4 ? 4 : (lanes + 7) / 8 * 8;
+}
+
+// Adds the squares of kLanes neighbouring lanes over some columns.
+template <std::size_t kLanes>
+void AddSquares(const float* columns, std::size_t count, std::size_t stride, double* squares) {
+  double sums[kLanes];
+  std::copy_n(squares, kLanes, sums);
+  for (std::size_t j = 0; j < count; ++j) {
+    for (std::size_t l = 0; l < kLanes; ++l) {
+      const auto c = static_cast<double>(columns[j * stride + l]);
+      sums[l] += c * c;
+    }
+  }
+  std::copy_n(sums, kLanes, squares);
+}
+
+}  // namespace
+
+Lanes::Lanes(int count, int ncols, BlockName name)
+    : ncols_(ncols),
+      stride_(PaddedCount(count)),
+      name_(name),
+      // One column at least: lanes have addresses in a matrix without columns too.
+      values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * std::max(ncols, 1), 0, name)),
+      dot_(CurrentDotKernel()) {}
+
+void Lanes::Set(const RowView& row, int lane) {
+  float* values = values_.data() + lane;
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    values[static_cast<std::size_t>(row.columns[p]) * stride_] = row.values[p];
+  }
+}
+
+void Lanes::Add(const RowView& row, int lane) {
+  float* values = values_.data() + lane;
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    values[static_cast<std::size_t>(row.columns[p]) * stride_] += row.values[p];
+  }
+}
+
+void Lanes::Subtract(const RowView& row, int lane) {
+  float* values = values_.data() + lane;
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    values[static_cast<std::size_t>(row.columns[p]) * stride_] -= row.values[p];
+  }
+}
+
+// Most sums of squares are settled by double arithmetic. Each product is exact there, so of m
+// terms, none negative, m roundings of 2^-53 separate it from the true sum, and m of 2^-64 the wide
+// one.
+void Lanes::SquaredLengths(std::span<float> squares) const {
+  if (!RoughLooksAreUsed()) {
+    for (std::size_t lane = 0; lane < squares.size(); ++lane) {
+      squares[lane] = static_cast<float>(SquaredLength(lane));
+    }
+    return;
+  }
+  const Array<double> rough = RoughSquares();
+  const double unit = (static_cast<double>(ncols_) + 8) * 0x1p-52;
+  for (std::size_t lane = 0; lane < squares.size(); ++lane) {
+    const double error = unit * rough[lane];
+    const auto least = static_cast<float>(rough[lane] - error);
+    const auto most = static_cast<float>(rough[lane] + error);
+    squares[lane] = least == most ? least : static_cast<float>(SquaredLength(lane));
+  }
+}
+
+Array<double> Lanes::RoughSquares() const {
+  // Few hundred columns stay in the cache while block after block of lanes is summed over them.
+  constexpr int kColumns = 256;
+  Array<double> squares = AllocDoublesSet(static_cast<std::int64_t>(stride_), 0, name_);
+  for (int begin = 0; begin < ncols_; begin += kColumns) {
+    const auto count = static_cast<std::size_t>(std::min(kColumns, ncols_ - begin));
+    const float* columns = values_.data() + static_cast<std::size_t>(begin) * stride_;
+    switch (stride_) {
+      case 1:
+        AddSquares<1>(columns, count, stride_, squares.data());
+        break;
+      case 2:
+        AddSquares<2>(columns, count, stride_, squares.data());
+        break;
+      case 4:
+        AddSquares<4>(columns, count, stride_, squares.data());
+        break;
+      default:
+        for (std::size_t lane = 0; lane < stride_; lane += 8) {
+          AddSquares<8>(columns + lane, count, stride_, squares.data() + lane);
+        }
+    }
+  }
+  return squares;
+}
+
+Wide Lanes::SquaredLength(std::size_t lane) const {
+  Wide sum = 0;
+  const float* value = values_.data() + lane;
+  for (int j = 0; j < ncols_; ++j, value += stride_) sum += static_cast<Wide>(*value) * *value;
+  return sum;
+}
+
+// Some hundred columns are taken at a time, so that they stay in the cache while each lane is
+// summed over them; within a lane the columns come in their order all the same.
+void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const {
+  constexpr std::size_t kColumns = 256;
+  auto sums = Array<Wide>::Zeroed(static_cast<std::int64_t>(dots.size()), name_);
+  for (std::size_t begin = 0; begin < vector.size(); begin += kColumns) {
+    const std::size_t end = std::min(begin + kColumns, vector.size());
+    for (std::size_t lane = 0; lane < sums.size(); ++lane) {
+      const LaneView composite{values_.data() + lane, stride_};
+      for (std::size_t j = begin; j < end; ++j) {
+        sums[lane] += static_cast<Wide>(composite[j]) * vector[j];
+      }
+    }
+  }
+  std::transform(sums.begin(), sums.end(), dots.begin(),
+                 [](Wide sum) { return static_cast<float>(sum); });
+}
+
+void Lanes::DotRow(const RowView& row, double* products) const {
+  dot_(row, values_.data(), stride_, products);
+}
+
+}  // namespace molva

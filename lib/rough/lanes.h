@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+//
+// The composites of all clusters side by side: the values of one column stand together, one lane
+// per cluster, so that a single walk over a row gives its dot products with every cluster.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "lib/matrix/prepared_matrix.h"
+#include "lib/rough/dot_kernels.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+
+// One composite in its lane, indexed by column.
+struct LaneView {
+  const float* first;
+  std::size_t stride;
+  float operator[](std::size_t column) const { return first[column * stride]; }
+};
+
+class Lanes {
+ public:
+  // `count` zero vectors of ncols elements, in one block of the given name, which the sums over
+  // them carry as well.
+  Lanes(int count, int ncols, BlockName name);
+
+  LaneView operator[](int lane) const { return {values_.data() + lane, stride_}; }
+  // Writes the row's entries; a column stored twice keeps its last value.
+  void Set(const RowView& row, int lane);
+  void Add(const RowView& row, int lane);
+  void Subtract(const RowView& row, int lane);
+
+  // The dot products of lanes 0 to n-1 with themselves and with another vector, as DotFloats gives
+  // them: wide, in column order, rounded once. One walk over the block serves all lanes.
+  void SquaredLengths(std::span<float> squares) const;
+  void DotsWith(std::span<const float> vector, std::span<float> dots) const;
+
+  // Lanes are padded to whole vectors; DotRow fills this many numbers.
+  std::size_t stride() const { return stride_; }
+
+  // products[lane] = row . lane, in double arithmetic, for every lane. The sums may be formed in
+  // any order: they are rough values whose error is bounded by the number of entries.
+  void DotRow(const RowView& row, double* products) const;
+
+ private:
+  Array<double> RoughSquares() const;
+  Wide SquaredLength(std::size_t lane) const;
+
+  int ncols_;
+  std::size_t stride_;
+  BlockName name_;
+  Array<float> values_;
+  DotFunction dot_;
+};
+
+}  // namespace molva

@@ -1,0 +1,427 @@
+// SPDX-License-Identifier: MIT
+#include "lib/tree/agglomerate.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "lib/criteria/merge_gains.h"
+#include "lib/matrix/composites.h"
+#include "lib/molva.h"
+#include "lib/support/alloc.h"
+#include "lib/support/fatal.h"
+#include "lib/support/progress.h"
+#include "lib/support/tree_arrays.h"
+#include "lib/support/vectors.h"
+#include "lib/support/wide.h"
+#include "lib/tree/clear_merges.h"
+#include "lib/tree/hac_pqueue.h"
+
+namespace molva {
+namespace {
+
+// The items as both engines see them: a table of rows of smat, weights and row sums.
+struct Items {
+  Array<int> pwgts;    // rows in each item
+  Array<float> tsim;   // D_i.D, D the composite of all items
+  Array<float*> smat;  // row i of the matrix
+
+  ClusterMeasure Measure(int i) const { return {pwgts[i], smat[i][i], tsim[i]}; }
+
+  // The two items as one.
+  ClusterMeasure Merged(int i, int j) const {
+    return {std::int64_t{pwgts[i]} + pwgts[j],
+            static_cast<Wide>(smat[i][i]) + smat[j][j] + 2 * static_cast<Wide>(smat[i][j]),
+            static_cast<Wide>(tsim[i]) + tsim[j]};
+  }
+
+  // The average similarity between a row of one item and a row of the other.
+  Wide AverageSimilarity(int i, int j) const {
+    return static_cast<Wide>(smat[i][j]) / static_cast<Wide>(CountProduct(pwgts[i], pwgts[j]));
+  }
+
+  // Adds item j to item i: the rows first, then the columns, so that s_ii ends as
+  // s_ii + 2 s_ij + s_jj.
+  template <typename Active>
+  void Fold(int i, int j, const Active& active) {
+    for (const int k : active) smat[i][k] += smat[j][k];
+    for (const int k : active) smat[k][i] += smat[k][j];
+    tsim[i] += tsim[j];
+    pwgts[i] = AddValues(pwgts[i], pwgts[j]);
+  }
+};
+
+void FillItems(const Merging& merging, Items& items) {
+  const auto n = static_cast<std::size_t>(merging.n);
+  for (std::size_t i = 0; i < n; ++i) {
+    items.pwgts[i] = merging.pwgts[i];
+    items.smat[i] = merging.smat + i * n;
+    items.tsim[i] = SumFloats(merging.n, items.smat[i], 1);
+  }
+}
+
+// Single precision tells about 10^8 gains of one magnitude apart. The best merges of some thousand
+// items lie so close that two of them are equal somewhere in most runs, and trying is time lost.
+constexpr int kMostClearItems = 4096;
+
+// A merge as the queue engine carries it out.
+struct Merge {
+  int i, j;
+  float gain;
+};
+
+void ReportMerge(const Control& control, const Items& items, const Array<int>& imap,
+                 const Merge& merge, int node, Wide crvalue) {
+  if (!HasDebugBit(control, kDebugMerging)) return;
+  std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f %f\n", imap[merge.i], imap[merge.j],
+              node, AddValues(items.pwgts[merge.i], items.pwgts[merge.j]),
+              static_cast<double>(crvalue), static_cast<double>(merge.gain),
+              static_cast<double>(items.AverageSimilarity(merge.i, merge.j)));
+}
+
+// The items that are still to be merged: the first `count` of rowids. rmap is its inverse.
+struct ActiveList {
+  Array<int> rowids;
+  Array<int> rmap;
+  int count = 0;
+
+  std::span<const int> items() const { return {rowids.data(), static_cast<std::size_t>(count)}; }
+
+  // The last one takes the place of the one that leaves.
+  void Remove(int item) {
+    const int last = rowids[--count];
+    rowids[rmap[item]] = last;
+    rmap[last] = rmap[item];
+  }
+};
+
+// The queue engine for one term.
+template <typename Value>
+class LocalGains {
+  using Term = typename Value::Term;
+
+ public:
+  LocalGains(const Control& control, const Merging& merging)
+      : control_(control), merging_(merging) {
+    const int n = merging.n;
+    items_.pwgts = AllocInts(n, "BuildSimHAC_LocalGains: pwgts");
+    imap_ = AllocInts(n, "BuildSimHAC_LocalGains: imap");
+    active_.rmap = AllocInts(n, "BuildSimHAC_LocalGains: rmap");
+    items_.tsim = AllocFloats(n, "BuildSimHAC_LocalGains: tsim");
+    active_.rowids = AllocInts(n, "BuildSimHAC_LocalGains: rowids");
+    items_.smat = Array<float*>(n, "BuildSimHAC_LocalGains: smat");
+    terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: tsim");
+    FillItems(merging, items_);
+    for (int i = 0; i < n; ++i) {
+      terms_[i] = Term::Of(items_.Measure(i));
+      imap_[i] = active_.rmap[i] = active_.rowids[i] = i;
+    }
+    active_.count = n;
+  }
+
+  void Run() {
+    FillQueue();
+    for (int i = 0; i < merging_.n; ++i) crvalue_ += Value::Signed(terms_[i]);
+    for (int node = merging_.n; active_.count >= 2; ++node) {
+      Poll();
+      MergeBest(node);
+    }
+  }
+
+ private:
+  float Gain(int i, int j) const {
+    return static_cast<float>(Value::Gain(Term::Of(items_.Merged(i, j)), terms_[i], terms_[j]));
+  }
+
+  void FillQueue() {
+    HACPQueueInit(queue_, merging_.n);
+    if (HasDebugBit(control_, kDebugClustering)) {
+      std::printf("Populating the priority queue...");
+      std::fflush(stdout);
+    }
+    for (int i = 0; i < merging_.n; ++i) {
+      for (int j = i + 1; j < merging_.n; ++j) HACPQueueInsert(queue_, i, j, Gain(i, j));
+    }
+    if (HasDebugBit(control_, kDebugClustering)) std::printf(" Done!\n");
+  }
+
+  Merge TakeBest() {
+    HACPair top{};
+    if (HACPQueueGetTop(queue_, top) == -1) {
+      FatalError("Internal Error. HACPqueue should not be empty!\n");
+    }
+    return {top.first, top.second, top.key};
+  }
+
+  void MergeBest(int node) {
+    const Merge merge = TakeBest();
+    crvalue_ += merge.gain;
+    ReportMerge(control_, items_, imap_, merge, node, crvalue_);
+    Record(merge, node);
+    items_.Fold(merge.i, merge.j, active_.items());
+    terms_[merge.i] = Term::Of(items_.Measure(merge.i));
+    imap_[merge.i] = node;
+    active_.Remove(merge.j);
+    Requeue(merge);
+  }
+
+  void Record(const Merge& merge, int node) const {
+    const auto x = static_cast<std::size_t>(node);
+    merging_.ptree[static_cast<std::size_t>(imap_[merge.i])] = node;
+    merging_.ptree[static_cast<std::size_t>(imap_[merge.j])] = node;
+    merging_.gains[x] = merge.gain;
+    merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(merge.i, merge.j));
+  }
+
+  // First every pair of the two merged items leaves the queue, then the pairs of the new item
+  // enter, in the same order: the heap's positions decide ties.
+  void Requeue(const Merge& merge) {
+    for (const int k : active_.items()) {
+      if (k == merge.i) continue;
+      HACPQueueDelete(queue_, k, merge.i);
+      HACPQueueDelete(queue_, k, merge.j);
+    }
+    for (const int k : active_.items()) {
+      if (k != merge.i) HACPQueueInsert(queue_, k, merge.i, Gain(k, merge.i));
+    }
+  }
+
+  const Control& control_;
+  const Merging& merging_;
+  Items items_;
+  Array<Wide> terms_;
+  Array<int> imap_;  // the node that each item stands for
+  ActiveList active_;
+  HACPQueue queue_;
+  Wide crvalue_ = 0;
+};
+
+template <typename Value>
+void RunLocalGains(const Control& control, const Merging& merging) {
+  LocalGains<Value>(control, merging).Run();
+}
+
+// The slots 0 to n-1, to loop over.
+struct FirstSlots {
+  struct Iterator {
+    int slot;
+    int operator*() const { return slot; }
+    void operator++() { ++slot; }
+    bool operator==(const Iterator&) const = default;
+  };
+  int n;
+  Iterator begin() const { return {0}; }
+  Iterator end() const { return {n}; }
+};
+
+// The exhaustive engine: the ratio of a sum of terms over E1's sum.
+template <typename Numerator>
+class RatioGains {
+ public:
+  RatioGains(const Control& control, const Merging& merging)
+      : control_(control), merging_(merging), active_(merging.n) {
+    const int n = merging.n;
+    items_.pwgts = AllocInts(n, "BuildSimHAC_I1I2E1G1G1P: pwgts");
+    items_.tsim = AllocFloats(n, "BuildSimHAC_I1I2E1G1G1P: tsim");
+    rowids_ = AllocInts(n, "BuildSimHAC_I1I2E1G1G1P: rowids");
+    items_.smat = Array<float*>(n, "BuildSimHAC_I1I2E1G1G1P: smat");
+    FillItems(merging, items_);
+    terms_ = Array<Sums>(n, "BuildSimHAC_I1I2E1G1G1P: tsim");
+    for (int i = 0; i < n; ++i) {
+      rowids_[i] = i;
+      terms_[i] = TermsOf(items_.Measure(i));
+      sums_.numerator += terms_[i].numerator;
+      sums_.denominator += terms_[i].denominator;
+    }
+  }
+
+  void Run() {
+    for (int node = merging_.n; active_ > 1; ++node) {
+      Poll();
+      MergeBest(node);
+    }
+  }
+
+ private:
+  struct Sums {
+    Wide numerator;
+    Wide denominator;
+    Wide Ratio() const { return numerator / denominator; }
+  };
+
+  static Sums TermsOf(const ClusterMeasure& item) {
+    return {Numerator::Of(item), E1Term::Of(item)};
+  }
+
+  Sums After(int i, int j) const {
+    const Sums merged = TermsOf(items_.Merged(i, j));
+    return {
+        sums_.numerator + (merged.numerator - terms_[i].numerator - terms_[j].numerator),
+        sums_.denominator + (merged.denominator - terms_[i].denominator - terms_[j].denominator)};
+  }
+
+  // The first pair of the largest ratio.
+  void MergeBest(int node) {
+    int best_i = 0, best_j = 1;
+    Sums best = After(best_i, best_j);
+    Wide best_ratio = best.Ratio();
+    for (int i = 0; i < active_; ++i) {
+      for (int j = i + 1; j < active_; ++j) {
+        const Sums after = After(i, j);
+        const Wide ratio = after.Ratio();
+        if (!(ratio > best_ratio)) continue;
+        best_i = i;
+        best_j = j;
+        best = after;
+        best_ratio = ratio;
+      }
+    }
+    Record(best_i, best_j, node, best_ratio, best_ratio - sums_.Ratio());
+    sums_ = best;
+    Join(best_i, best_j, node);
+  }
+
+  void Record(int i, int j, int node, Wide ratio, Wide gain) const {
+    const auto x = static_cast<std::size_t>(node);
+    merging_.gains[x] = static_cast<float>(gain);
+    merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(i, j));
+    if (HasDebugBit(control_, kDebugMerging)) {
+      std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f\n", rowids_[i], rowids_[j], node,
+                  AddValues(items_.pwgts[i], items_.pwgts[j]), static_cast<double>(ratio),
+                  static_cast<double>(gain));
+    }
+    merging_.ptree[static_cast<std::size_t>(rowids_[i])] = node;
+    merging_.ptree[static_cast<std::size_t>(rowids_[j])] = node;
+  }
+
+  // Slot j is folded into slot i and the last slot moves into its place: row, column, the rest.
+  void Join(int i, int j, int node) {
+    items_.Fold(i, j, FirstSlots{active_});
+    terms_[i] = TermsOf(items_.Measure(i));
+    rowids_[i] = node;
+
+    const int last = --active_;
+    for (int k = 0; k <= last; ++k) items_.smat[j][k] = items_.smat[last][k];
+    for (int k = 0; k <= last; ++k) items_.smat[k][j] = items_.smat[k][last];
+    items_.tsim[j] = items_.tsim[last];
+    items_.pwgts[j] = items_.pwgts[last];
+    terms_[j] = terms_[last];
+    rowids_[j] = rowids_[last];
+  }
+
+  const Control& control_;
+  const Merging& merging_;
+  int active_;
+  Items items_;
+  Array<int> rowids_;  // the node that each active slot stands for
+  Array<Sums> terms_;
+  Sums sums_{0, 0};
+};
+
+[[noreturn]] void RefuseCode(int crfun) {
+  FatalError("Internal Error!. Criterion function %d, cannot be handled by this code.\n", crfun);
+}
+
+}  // namespace
+
+void BuildSimHAC(const Control& control, const Merging& merging) {
+  SetFloats(merging.tsims, 0);
+  if (control.crfun < 1 || control.crfun > 7) {
+    FatalError("Unknown clustering criterion function (CRFun) of %d\n", control.crfun);
+  }
+  if (control.crfun <= 5) {
+    BuildSimHAC_LocalGains(control, merging);
+  } else {
+    BuildSimHAC_I1I2E1G1G1P(control, merging);
+  }
+}
+
+void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
+  // A run that reports on its queue has one.
+  const bool reports =
+      HasDebugBit(control, kDebugClustering) || HasDebugBit(control, kDebugMerging);
+  if (!reports && merging.n <= kMostClearItems && MergeWhileClear(control.crfun, merging)) return;
+  switch (control.crfun) {
+    case 1:
+      return RunLocalGains<Maximised<I1Term>>(control, merging);
+    case 2:
+      return RunLocalGains<Maximised<I2Term>>(control, merging);
+    case 3:
+      return RunLocalGains<Minimised<E1Term>>(control, merging);
+    case 4:
+      return RunLocalGains<Minimised<G1Term>>(control, merging);
+    case 5:
+      return RunLocalGains<Minimised<G1PrimeTerm>>(control, merging);
+    default:
+      RefuseCode(control.crfun);
+  }
+}
+
+void BuildSimHAC_I1I2E1G1G1P(const Control& control, const Merging& merging) {
+  switch (control.crfun) {
+    case 6:
+      return RatioGains<I1Term>(control, merging).Run();
+    case 7:
+      return RatioGains<I2Term>(control, merging).Run();
+    default:
+      RefuseCode(control.crfun);
+  }
+}
+
+void InduceClusteringFromHAC(int n, int nparts, std::span<const int> ptree, std::span<int> part) {
+  if (n < 1) return;
+  Array<int> ftree = MakeChildTable(ptree.first(2 * static_cast<std::size_t>(n)),
+                                    "InduceClusteringFromHAC: ftree");
+  const ChildTable children(ftree);
+  Array<int> queue = AllocInts(nparts, "InduceClusteringFromHAC: queue");
+  queue[0] = 2 * n - 2;
+  for (int listed = 1; listed < nparts; ++listed) {
+    const int highest = ArgMaxInt({queue.data(), static_cast<std::size_t>(listed)});
+    const int node = queue[highest];
+    queue[highest] = queue[listed - 1];
+    queue[listed - 1] = children.first(node);
+    queue[listed] = children.second(node);
+  }
+  for (int c = 0; c < nparts; ++c) {
+    ForEachLeafBelow(queue[c], ptree, children,
+                     [part, c](int leaf) { part[static_cast<std::size_t>(leaf)] = c; });
+  }
+}
+
+void MergeItems(const Control& control, const Merging& merging, int nparts, std::span<int> part) {
+  CheckItemCount(merging.n);
+  if (nparts < 1 || nparts > std::max(merging.n, 1)) {
+    FatalError("Cannot cut a tree over %d items into %d clusters!\n", merging.n, nparts);
+  }
+  SetInts(merging.ptree, -1);
+  BuildSimHAC(control, merging);
+  InduceClusteringFromHAC(merging.n, nparts, merging.ptree, part);
+}
+
+void CheckItemCount(int n) {
+  if (n > kMostItems) {
+    FatalError("A tree over %d items cannot be built, the most is %d!\n", n, kMostItems);
+  }
+}
+
+}  // namespace molva
+
+void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handling, int dbglvl,
+                      int nparts, int* part, int* ptree, float* tsims, float* gains) {
+  using namespace molva;
+  CheckItemCount(n);
+  const auto items = static_cast<std::size_t>(std::max(n, 0));
+  Array<float> nsmat;
+  if (handling == 1) {
+    nsmat = AllocFloats(static_cast<std::int64_t>(items * items), "MOLVA_SA_Cluster: nsmat");
+    std::copy_n(smat, items * items, nsmat.data());
+  }
+  const Control control{.crfun = crfun, .dbglvl = dbglvl};
+  MergeItems(control,
+             {static_cast<int>(items),
+              pwgts,
+              handling == 1 ? nsmat.data() : smat,
+              {ptree, 2 * items},
+              {tsims, 2 * items},
+              {gains, 2 * items}},
+             nparts, {part, items});
+}

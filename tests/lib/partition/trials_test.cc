@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "lib/partition/trials.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "lib/partition/initial_clustering.h"
+#include "lib/partition/refine.h"
+#include "tests/testing/fatal.h"
+#include "tests/testing/files.h"
+#include "tests/testing/matrices.h"
+#include "tests/testing/oracles.h"
+
+namespace molva {
+namespace {
+
+using testing_support::OutputOf;
+using testing_support::Prepared;
+using testing_support::PreparedOf;
+using testing_support::RandomDocuments;
+using testing_support::SeedBoth;
+
+constexpr TrialTexts kTexts{"Test: bpart", "Testing", ">"};
+
+std::vector<int> Best(const Control& control, const PreparedMatrix& mat, int nparts) {
+  std::vector<int> part(static_cast<std::size_t>(mat.nrows));
+  SeedBoth(control.seed);
+  BestOfTrials(control, mat, nparts, part, kTexts);
+  return part;
+}
+
+TEST(Trials, KeepTheFirstOfTheBest) {
+  const auto mat = Prepared(RandomDocuments(4, 70, 60, 5, 6));
+  // All trials again, one by one from the same seed.
+  const Control control{.crfun = 2, .ntrials = 6, .niter = 1, .seed = 3};
+  SeedBoth(control.seed);
+  std::vector<int> part(static_cast<std::size_t>(mat->nrows));
+  std::vector<int> best;
+  float best_quality = -1;
+  for (int trial = 0; trial < control.ntrials; ++trial) {
+    InitialClustering(*mat, 5, part);
+    const float quality = RefineClusteringKWay(control, *mat, 5, part);
+    if (quality > best_quality) {
+      best_quality = quality;
+      best = part;
+    }
+  }
+  EXPECT_EQ(Best(control, *mat, 5), best);
+}
+
+TEST(Trials, ATieKeepsTheEarlierTrial) {
+  // Every split of orthogonal rows into one and two has the same value, so trial one stays.
+  const auto mat = PreparedOf({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
+  const std::vector<int> first = Best({.crfun = 2, .ntrials = 1, .niter = 5, .seed = 2}, *mat, 2);
+  EXPECT_EQ(Best({.crfun = 2, .ntrials = 20, .niter = 5, .seed = 2}, *mat, 2), first);
+}
+
+TEST(Trials, ReportTheSizesAndTheBestQuality) {
+  const auto mat = PreparedOf({{1, 0}, {0, 1}});
+  EXPECT_EQ(OutputOf([&] {
+              Best({.crfun = 2, .ntrials = 2, .niter = 5, .dbglvl = kDebugClustering}, *mat, 2);
+            }),
+            "\n------------------------------------------------------------------------------\n"
+            "Testing [nrows:2 ncols:2 nnz:2]>Sim: 1.0000\n"
+            "------------------------------------------------------------------------------\n");
+}
+
+TEST(Trials, StartRefinementProgressOnALineOfItsOwn) {
+  const auto mat = PreparedOf({{1, 0}, {0, 1}});
+  EXPECT_EQ(OutputOf([&] {
+              Best({.crfun = 2, .ntrials = 1, .niter = 5, .dbglvl = kDebugRefinement}, *mat, 2);
+            }),
+            "\n\nInit: 1.0000, 0 1.0000, \n");
+}
+
+TEST(Trials, EndTheRunWhenNoneIsAskedFor) {
+  const auto mat = PreparedOf({{1, 0}, {0, 1}});
+  EXPECT_FATAL(Best({.crfun = 2, .ntrials = 0}, *mat, 2),
+               "At least one trial is needed to find a clustering! NTrials=0\n");
+}
+
+TEST(Trials, EndTheRunWhenThereAreMoreClustersThanRows) {
+  const auto mat = PreparedOf({{1, 0}, {0, 1}});
+  EXPECT_FATAL(Best({.crfun = 2, .ntrials = 1}, *mat, 3),
+               "Cannot make 3 clusters out of 2 rows with entries!\n");
+  EXPECT_FATAL(Best({.crfun = 2, .ntrials = 1}, *mat, 0),
+               "Cannot make 0 clusters out of 2 rows with entries!\n");
+}
+
+}  // namespace
+}  // namespace molva
