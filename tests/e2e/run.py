@@ -4,19 +4,9 @@
 
 Usage: run.py PROGRAM [NAME...]
 
-A case is a folder of cases/, named after what it shows. It holds
-
-  args            the arguments, one a line; an empty file means none
-  stdout, stderr  what the program prints, byte for byte
-  status          its exit status: 84 after a completed run, 0 after anything else
-  inputs/         optional: the files of the working folder before the run
-  make_inputs.py  optional: run with the working folder as its argument, for inputs too long to keep
-  outputs/        optional: every file the run must write or change; no other may appear
-  env             optional: variables of the environment, NAME=VALUE a line
-  note            optional: how the expected numbers were found; for the reader alone
-
-Every case runs in a fresh folder, under the program name PROG. Only what no two runs or platforms
-share is evened out: the three processor times and the order of the option parser's suggestions.
+A case is a file of cases/, named after what it shows; README.md tells what it says. Every case
+runs in a fresh folder, under the program name PROG. Only what no two runs or platforms share is
+evened out: the three processor times and the order of the option parser's suggestions.
 """
 
 import argparse
@@ -24,12 +14,12 @@ import difflib
 import os
 import pathlib
 import re
-import shutil
 import subprocess
 import sys
 import tempfile
 
-CASES = pathlib.Path(__file__).resolve().parent / "cases"
+import case_file
+
 TIME_LIMIT = 300  # seconds; only a program that hangs comes near it
 
 PROCESSOR_TIME = re.compile(
@@ -48,18 +38,8 @@ def mask_stderr(text):
     return SUGGESTIONS.sub(lambda words: b"".join(sorted(re.findall(rb" '[^']*'", words[0]))), text)
 
 
-def read_optional(path):
-    return path.read_bytes() if path.exists() else b""
-
-
-def lines_of(path):
-    text = read_optional(path).decode()
-    return text.removesuffix("\n").split("\n") if text else []
-
-
 def environment(case):
-    variables = dict(os.environ)
-    variables.update(line.split("=", 1) for line in lines_of(case / "env"))
+    variables = os.environ | case.env
     # A refused allocation is the program's to report, in sanitizer builds too.
     asan = [variables.get("ASAN_OPTIONS"), "allocator_may_return_null=1"]
     variables["ASAN_OPTIONS"] = ":".join(filter(None, asan))
@@ -71,16 +51,9 @@ def files_under(folder):
     return {str(path.relative_to(folder)): path.read_bytes() for path in paths}
 
 
-def make_inputs(case, folder):
-    if (case / "inputs").is_dir():
-        shutil.copytree(case / "inputs", folder, dirs_exist_ok=True)
-    if (case / "make_inputs.py").exists():
-        subprocess.run([sys.executable, case / "make_inputs.py", folder], check=True)
-
-
 def run_program(program, case, folder):
     """Returns what the run printed and its status, as texts by name."""
-    run = subprocess.run(["PROG", *lines_of(case / "args")], executable=program, cwd=folder,
+    run = subprocess.run(["PROG", *case.args], executable=program, cwd=folder,
                          env=environment(case), stdin=subprocess.DEVNULL, capture_output=True,
                          timeout=TIME_LIMIT)
     return {"stdout": mask_stdout(run.stdout), "stderr": mask_stderr(run.stderr),
@@ -97,16 +70,16 @@ def changed_files(before, after):
 def actual_results(program, case):
     with tempfile.TemporaryDirectory(prefix="mardle-e2e-") as name:
         folder = pathlib.Path(name)
-        make_inputs(case, folder)
+        case.write_inputs(folder)
         before = files_under(folder)
         printed = run_program(program, case, folder)
         return printed | changed_files(before, files_under(folder))
 
 
 def expected_results(case):
-    printed = {name: (case / name).read_bytes() for name in ("stdout", "stderr", "status")}
-    printed["stderr"] = mask_stderr(printed["stderr"])
-    return printed | {"outputs/" + name: text for name, text in files_under(case / "outputs").items()}
+    printed = {"stdout": case.stdout, "stderr": mask_stderr(case.stderr),
+               "status": b"%d\n" % case.status}
+    return printed | {"outputs/" + name: text for name, text in case.outputs.items()}
 
 
 def split_lines(text):
@@ -132,20 +105,21 @@ def differences(expected, actual):
             for name in names if expected.get(name) != actual.get(name)]
 
 
-def check(program, case):
+def check(program, name):
     """Returns the differences of one case as texts, none when it passes."""
     try:
+        case = case_file.read_case(name)
         return differences(expected_results(case), actual_results(program, case))
-    except (OSError, subprocess.SubprocessError) as error:
+    except (OSError, subprocess.SubprocessError, case_file.Malformed) as error:
         return [f"{error}\n"]
 
 
 def select(names):
-    cases = [CASES / name for name in names] or sorted(p for p in CASES.iterdir() if p.is_dir())
-    missing = [case.name for case in cases if not case.is_dir()]
-    if missing or not cases:
+    present = case_file.case_names()
+    missing = [name for name in names if name not in present]
+    if missing or not present:
         sys.exit(f"no such case: {' '.join(missing)}" if missing else "no cases")
-    return cases
+    return names or present
 
 
 def main():
@@ -156,14 +130,14 @@ def main():
     program = arguments.program.resolve()
     if not program.is_file():
         parser.error(f"no such program: {program}")
-    cases = select(arguments.names)
+    names = select(arguments.names)
     failed = 0
-    for case in cases:
-        found = check(program, case)
+    for name in names:
+        found = check(program, name)
         failed += bool(found)
         if found:
-            print(f"FAILED {case.name}", *found, sep="\n", flush=True)
-    print(f"{len(cases) - failed} passed, {failed} failed")
+            print(f"FAILED {name}", *found, sep="\n", flush=True)
+    print(f"{len(names) - failed} passed, {failed} failed")
     return 1 if failed else 0
 
 

@@ -15,19 +15,21 @@ import sys
 import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
-CASES = HERE.parent / "e2e" / "cases"
+sys.path.insert(0, str(HERE.parent / "e2e"))
+from case_file import read_case
+
 ESSAYS = HERE.parent.parent / "examples" / "federalist"
 COMPLETED, FOUND = 84, 99
 VALGRIND = ["valgrind", "--quiet", f"--error-exitcode={FOUND}", "--leak-check=full",
             "--errors-for-leak-kinds=definite,possible", "--track-origins=yes",
             "--num-callers=20", f"--suppressions={HERE / 'libplot.supp'}"]
 
-# What a run shows: the folder of its inputs and its arguments.
+# What a run shows: where its inputs are, a folder or an end-to-end case, and its arguments.
 RUNS = {
     "sparse": (ESSAYS, "federalist.mat 5"),
-    "dense": (CASES / "dense-input" / "inputs", "-denseinput m.txt 2"),
-    "correlation": (CASES / "correlation" / "inputs", "-sim=2 m.txt 2"),
-    "direct": (CASES / "direct-into-three" / "inputs", "-denseinput -direct m.txt 3"),
+    "dense": ("dense-input", "-denseinput m.txt 2"),
+    "correlation": ("correlation", "-sim=2 m.txt 2"),
+    "direct": ("direct-into-three", "-denseinput -direct m.txt 3"),
     "refine": (ESSAYS, "-refine -crfun=6 -rowmodel=4 -prune=0.8 federalist.mat 4"),
     "zscores": (ESSAYS, "-zscores -rowmodel=2 federalist.mat 3"),
     "features": (ESSAYS, "-showfeatures -nfeatures=6 federalist.mat 4"),
@@ -37,10 +39,18 @@ RUNS = {
                       "federalist.mat 4"),
     "plots-svg": (ESSAYS, "-clustercolumns -plotformat=svg -plotmatrix=m.svg -plotclusters=c.svg "
                           "federalist.mat 4"),
-    "dense-plots-gif": (CASES / "dense-input" / "inputs",
+    "dense-plots-gif": ("dense-input",
                         "-denseinput -fulltree -zeroblack -plotformat=gif -plotmatrix=m.gif "
                         "-plotclusters=c.gif m.txt 2"),
 }
+
+
+def write_inputs(inputs, folder):
+    if isinstance(inputs, pathlib.Path):
+        shutil.copytree(inputs, folder)
+    else:
+        folder.mkdir()
+        read_case(inputs).write_inputs(folder)
 
 
 def findings(program, inputs, arguments):
@@ -48,7 +58,7 @@ def findings(program, inputs, arguments):
     with tempfile.TemporaryDirectory(prefix="mardle-memcheck-") as name:
         folder = pathlib.Path(name)
         log = folder / "valgrind.log"
-        shutil.copytree(inputs, folder / "run")
+        write_inputs(inputs, folder / "run")
         run = subprocess.run([*VALGRIND, f"--log-file={log}", program, *arguments.split()],
                              cwd=folder / "run", stdin=subprocess.DEVNULL, capture_output=True)
         told = log.read_text()
