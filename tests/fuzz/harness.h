@@ -24,7 +24,7 @@ namespace fuzzing {
 using Bytes = std::span<const std::uint8_t>;
 
 struct Target {
-  const char* name;  // also of its folder in corpus/
+  const char* name;  // also of its file in corpus/
   void (*run)(Bytes);
 };
 

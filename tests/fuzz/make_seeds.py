@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 #
-# Writes the first files of each corpus: what a person would try first. The fuzzers made the others
+# Adds the first inputs to each corpus: what a person would try first. The fuzzers made the others
 # from them.
 #   tests/fuzz/make_seeds.py FOLDER
 import pathlib
 import random
 import sys
+
+from corpus import add_inputs
 
 MATRICES = {  # the first byte: bit 0 dense
     "sparse": b"\0004 5 8\n1 1 2 .5\n2 3 3 1\n4 2 5 1e-3\n4 1 1 -2\n",
@@ -139,32 +141,31 @@ def program(dense: int, clusters: int, words: str) -> bytes:
     return bytes(data + [6, 5] + cells) + labels
 
 
-def main() -> None:
-    folder = pathlib.Path(sys.argv[1])
-
-    def write(target: str, name: str, data: bytes) -> None:
-        (folder / target).mkdir(parents=True, exist_ok=True)
-        (folder / target / name).write_bytes(data)
-
-    for name, data in MATRICES.items():
-        write("matrix", name, data)
-    for name, data in LABELS.items():
-        write("labels", name, data)
-    for name, data in IMPORTS.items():
-        write("import", name, data)
-    for name, data in EXPORTS.items():
-        write("export", name, data)
-    for number, line in enumerate(COMMAND_LINES):
-        write("command_line", f"line-{number:02}", line.replace(" ", "\n").encode())
-    for number, word in enumerate(NUMBERS):
-        write("numbers", f"word-{number:02}", word.encode())
-    for number, run in enumerate(RUNS):
-        write("program", f"run-{number:02}", program(*run))
+def random_inputs() -> dict[str, list[bytes]]:
     dice = random.Random(1)
-    for target, count in BYTES.items():
-        for first in range(count):
-            data = [first] + [dice.randrange(0xe0) for _ in range(250)]
-            write(target, f"bytes-{first:02}", bytes(data))
+    return {target: [bytes([first] + [dice.randrange(0xe0) for _ in range(250)])
+                     for first in range(count)]
+            for target, count in BYTES.items()}
+
+
+def seeds() -> dict[str, list[bytes]]:
+    drawn = random_inputs()
+    return {
+        "matrix": [*MATRICES.values()],
+        "labels": [*LABELS.values()],
+        "import": [*IMPORTS.values()],
+        "export": [*EXPORTS.values()],
+        "command_line": [line.replace(" ", "\n").encode() for line in COMMAND_LINES],
+        "numbers": [word.encode() for word in NUMBERS],
+        "library": drawn["library"],
+        "program": [program(*run) for run in RUNS] + drawn["program"],
+        "plots": drawn["plots"],
+    }
+
+
+def main() -> None:
+    for target, inputs in seeds().items():
+        add_inputs(pathlib.Path(sys.argv[1], f"{target}.txt"), inputs)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Every corpus file through every target, without a fuzzer, on every build. FUZZ_CORPUS is the
-// folder of the corpora.
+// Every input of the corpora through every target, without a fuzzer, on every build. FUZZ_CORPUS is
+// the folder into which the build unpacks them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
