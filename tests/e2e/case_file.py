@@ -56,7 +56,7 @@ def lines_of(text):
     for number, line in enumerate(lines, 1):
         unseen = UNSEEN.search(line)
         if unseen:
-            raise Malformed(f"line {number}: {unseen[0]!r} must be written as an escape")
+            raise Malformed(f"line {number}: {unseen[0]!r} is not seen and must be escaped")
     return lines
 
 
@@ -86,7 +86,7 @@ def sections_of(lines):
 
 
 def data_of(line):
-    """The bytes of one line. A backslash at its end, one of an odd number, stands for no line end."""
+    """The bytes of one line. The last of an odd number of backslashes takes the line end away."""
     open_end = (len(line) - len(line.rstrip("\\"))) % 2
     return unescape(line[:-1]) if open_end else unescape(line) + b"\n"
 
@@ -114,8 +114,8 @@ def words_of(data):
 
 
 def variables_of(data):
-    lines = data.decode().splitlines()
-    if not all(re.match(r"\w+=", line) for line in lines):
+    lines = [line for line in data.decode().split("\n") if line]
+    if not all(re.fullmatch(r"\w+=[^\0]*", line) for line in lines):
         raise ValueError("a line that is not NAME=VALUE")
     return dict(line.split("=", 1) for line in lines)
 
@@ -146,7 +146,8 @@ def parse(name, text):
     values = {section: parsed(section, content)
               for section, content in contents.items() if "/" not in section}
     for folder in FOLDERS:
-        values[folder] = {section[len(folder) + 1:]: content for section, content in contents.items()
+        values[folder] = {section[len(folder) + 1:]: content
+                          for section, content in contents.items()
                           if section.startswith(folder + "/")}
     return Case(name, **values)
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Tests the reader of the cases: what a file says is read to the byte, what says nothing is refused."""
+"""Tests the reader of the cases: what a file says is read to the byte, all else is refused."""
 
 import pathlib
 import tempfile
@@ -12,7 +12,8 @@ from escapes import escape, unescape
 
 def stdout_of(*lines):
     """What a case whose stdout section has these lines expects to be printed."""
-    return case_file.parse("it", "-- args --\n-- stdout --\n" + "".join(f"{line}\n" for line in lines)).stdout
+    text = "".join(f"{line}\n" for line in ("-- args --", "-- stdout --", *lines))
+    return case_file.parse("it", text).stdout
 
 
 def args_of(line):
@@ -39,7 +40,8 @@ class Sections(unittest.TestCase):
         self.assertEqual(case.inputs, {"none": b"", "line": b"\n"})
 
     def test_lines_like_a_section_without_its_form_are_content(self):
-        self.assertEqual(stdout_of("-- stdout", "--- x ---", " -- args --"), b"-- stdout\n--- x ---\n -- args --\n")
+        self.assertEqual(stdout_of("-- stdout", "--- x ---", " -- args --"),
+                         b"-- stdout\n--- x ---\n -- args --\n")
         self.assertEqual(stdout_of("\\x2d- args --"), b"-- args --\n")
 
 
@@ -85,9 +87,11 @@ class Refusals(unittest.TestCase):
             self.refuses(f"-- inputs/{name} --\n", f"line 1: no section is called inputs/{name}")
 
     def test_what_an_editor_would_change_or_nobody_sees(self):
-        self.refuses("-- args --\n-- stdout --\na \n", "line 3: ' ' must be written as an escape")
-        self.refuses("-- args --\n-- stdout --\na\tb\n", "line 3: '\\t' must be written as an escape")
-        self.refuses("-- args --\r\n", "line 1: '\\r' must be written as an escape")
+        for text, message in (("-- args --\n-- stdout --\na \n", "line 3: ' '"),
+                              ("-- args --\n-- stdout --\na\tb\n", "line 3: '\\t'"),
+                              ("-- args --\r\n", "line 1: '\\r'"),
+                              ("Why. \n-- args --\n", "line 1: ' '")):
+            self.refuses(text, f"{message} is not seen and must be escaped")
         self.refuses("-- args --", "no line end behind the last line")
         self.refuses("", "no line end behind the last line")
 
@@ -100,15 +104,15 @@ class Refusals(unittest.TestCase):
         self.refuses("-- args --\n'm 2\n", "args: No closing quotation")
         self.refuses("-- args --\n\\x00\n", "args: no argument can hold a NUL")
         self.refuses("-- args --\n-- env --\nA\n", "env: a line that is not NAME=VALUE")
+        self.refuses("-- args --\n-- env --\nA=\\x00\n", "env: a line that is not NAME=VALUE")
         self.refuses("-- args --\n-- status --\n", "status: not one number")
         self.refuses("-- args --\n-- status --\n0\n84\n", "status: not one number")
 
 
 class Files(unittest.TestCase):
     def test_inputs_are_written_and_then_made(self):
-        case = case_file.Case("it", inputs={"sub/a": b"\x00\r\n"},
-                              make_inputs="import pathlib, sys\n"
-                                          "pathlib.Path(sys.argv[1], 'sub', 'b').write_bytes(b'made')\n")
+        made = "import pathlib, sys\npathlib.Path(sys.argv[1], 'sub', 'b').write_bytes(b'made')\n"
+        case = case_file.Case("it", inputs={"sub/a": b"\x00\r\n"}, make_inputs=made)
         with tempfile.TemporaryDirectory() as folder:
             case.write_inputs(folder)
             files = {path.name: path.read_bytes() for path in pathlib.Path(folder, "sub").iterdir()}

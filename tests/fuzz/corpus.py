@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""A corpus as one file of text: an input on each line, escaped as in tests/testing/escapes.py, in order.
+"""A corpus as one file of text: an input on each line, sorted, escaped as testing/escapes.py tells.
 
-  corpus.py unpack FOLDER CORPUS...   FOLDER/NAME gets the inputs of NAME.txt as files, and no others
+  corpus.py unpack FOLDER CORPUS...   FOLDER/NAME gets the inputs of NAME.txt as files
   corpus.py add CORPUS FILE...        the corpus gets the contents of these files too
 
 The files unpacked are named as libFuzzer names those it makes, so that no input is kept twice.

@@ -30,11 +30,12 @@ class Corpus(unittest.TestCase):
     def test_the_text_of_some_inputs(self):
         corpus.write_corpus(self.file, [b"b \n", b"", b"a\\\0", b"\xff\r\t", b"two ", b""])
         self.assertEqual(self.file.read_text(), "\n\\xff\\r\\t\na\\\\\\x00\nb \\n\ntwo\\s\n")
-        self.assertEqual(corpus.read_corpus(self.file), [b"", b"\xff\r\t", b"a\\\0", b"b \n", b"two "])
+        self.assertEqual(corpus.read_corpus(self.file),
+                         [b"", b"\xff\r\t", b"a\\\0", b"b \n", b"two "])
 
     def test_every_byte_survives_unpacking_and_adding(self):
-        inputs = sorted([b"", bytes(range(256)), *(bytes([first, 0x5c, second])
-                                                   for first in range(256) for second in (10, 32, 120))])
+        threes = [bytes([first, 0x5c, last]) for first in range(256) for last in (10, 32, 120)]
+        inputs = sorted([b"", bytes(range(256)), *threes])
         corpus.write_corpus(self.file, inputs)
         self.assertEqual(self.run_command("unpack", self.folder, self.file).returncode, 0)
         self.assertEqual(self.unpacked(), inputs)
@@ -62,9 +63,10 @@ class Corpus(unittest.TestCase):
         self.assertEqual(name.name, "a9993e364706816aba3e25717850c26c9cd0d89d")
 
     def test_lines_that_are_no_input(self):
-        for text, message in ((b"a\nb \n", "2: not a whole line"), (b"a", "1: not a whole line"),
-                              (b"\xff\n", "1: not a whole line"), (b"a\r\n", "1: not a whole line"),
-                              (b"a\n\\q\n", "2: unknown escape \\q"), (b"\\x4\n", "1: unknown escape \\x4")):
+        for text, message in (
+                (b"a\nb \n", "2: not a whole line"), (b"a", "1: not a whole line"),
+                (b"\xff\n", "1: not a whole line"), (b"a\r\n", "1: not a whole line"),
+                (b"a\n\\q\n", "2: unknown escape \\q"), (b"\\x4\n", "1: unknown escape \\x4")):
             self.file.write_bytes(text)
             told = self.run_command("unpack", self.folder, self.file)
             self.assertEqual(told.returncode, 1, text)
