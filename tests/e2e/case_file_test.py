@@ -131,6 +131,10 @@ class Files(unittest.TestCase):
                 with self.assertRaisesRegex(case_file.Malformed, message):
                     case_file.read_case(name)
 
+    def test_nothing_lies_among_the_cases_that_no_run_would_see(self):
+        files = {path.name for path in case_file.CASES.iterdir()}
+        self.assertEqual(files, {f"{name}.case" for name in case_file.case_names()})
+
     def test_every_case_is_well_formed(self):
         for name in case_file.case_names():
             with self.subTest(name):

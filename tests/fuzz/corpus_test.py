@@ -74,7 +74,7 @@ class Corpus(unittest.TestCase):
 
     def test_the_corpora_hold_inputs_and_the_seeds(self):
         corpora = sorted((HERE / "corpus").glob("*.txt"))
-        self.assertTrue(corpora)
+        self.assertEqual(corpora, sorted((HERE / "corpus").iterdir()))
         for path in corpora:
             corpus.write_corpus(self.folder / path.name, corpus.read_corpus(path))
         before = {path.name: (self.folder / path.name).read_text() for path in corpora}
