@@ -28,7 +28,10 @@ void Seed(benchmark::State& state) {
       return part;
     };
   };
-  bench::RunPaired(state, molva::EntryCount(*copy.mat), seeded_by(molva::InitialClustering),
+  bench::RunPaired(state, molva::EntryCount(*copy.mat),
+                   seeded_by([](const molva::PreparedMatrix& mat, int n, std::span<int> part) {
+                     molva::InitialClustering(mat, n, part);
+                   }),
                    seeded_by(testing_support::PlainSeeding), std::equal_to<>());
 }
 BENCHMARK(Seed)

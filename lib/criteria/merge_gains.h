@@ -34,4 +34,14 @@ struct Minimised {
   }
 };
 
+// A criterion that is a ratio of two sums: its value is global, and every pair is tried.
+template <typename NumeratorTerm, typename DenominatorTerm>
+struct RatioMerging {
+  using Numerator = NumeratorTerm;
+  using Denominator = DenominatorTerm;
+};
+
+// Trees are not built under the criterion.
+struct NoMerging {};
+
 }  // namespace molva

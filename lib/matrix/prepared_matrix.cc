@@ -7,23 +7,6 @@ Owned<PreparedMatrix> CreateMatrix() { return AllocRecord<PreparedMatrix>("Creat
 
 void FreeMatrix(Owned<PreparedMatrix>& mat) { mat.reset(); }
 
-void AskForRows(const PreparedMatrix& mat, std::span<const int> order, int position) {
-  constexpr int kCacheLine = 64 / sizeof(int);
-  const auto next = static_cast<std::size_t>(position) + kRowsAhead;
-  if (next + kRowsAhead < order.size()) {
-    const int i = order[next + kRowsAhead];
-    __builtin_prefetch(mat.rowptr.data() + i);
-    if (mat.rowsize) __builtin_prefetch(mat.rowsize.data() + i);
-  }
-  if (next < order.size()) {
-    const int i = order[next];
-    for (int p = mat.rowptr[i]; p < mat.rowptr[i + 1]; p += kCacheLine) {
-      __builtin_prefetch(mat.rowind.data() + p);
-      __builtin_prefetch(mat.rowval.data() + p);
-    }
-  }
-}
-
 std::span<float> RowValues(PreparedMatrix& mat, int i) {
   const int begin = mat.rowptr[i];
   return {mat.rowval.data() + begin, static_cast<std::size_t>(mat.rowptr[i + 1] - begin)};

@@ -46,7 +46,6 @@ Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span
   cluster->rowind = AllocInts(shape.entries, "Concept2Matrix: crowind");
   cluster->rowval = AllocFloats(shape.entries, "Concept2Matrix: crowval");
 
-  if (mat.rowsize) cluster->rowsize = Array<RowSize>(shape.nrows, "Concept2Matrix: crowptr");
 
   int rows = 0;
   int entries = 0;
@@ -58,7 +57,6 @@ Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span
                    [&cmap](int j) { return cmap[j]; });
     std::copy(row.values.begin(), row.values.end(), cluster->rowval.data() + entries);
     entries += static_cast<int>(row.size());
-    if (mat.rowsize) cluster->rowsize[rows] = mat.rowsize[i];
     cluster->rowptr[++rows] = entries;
   }
   return cluster;

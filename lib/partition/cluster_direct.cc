@@ -5,7 +5,6 @@
 #include "lib/molva.h"
 #include "lib/partition/reorder_clusters.h"
 #include "lib/partition/trials.h"
-#include "lib/rough/row_sizes.h"
 #include "lib/support/random.h"
 
 namespace molva {
@@ -34,7 +33,6 @@ void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* 
                         .seed = seed};
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_VP_ClusterDirect");
-  MeasureRows(*copy.mat, "SetUpMatrix: mat->rowptr");
   SeedGenerator(seed);
   PartitionMatKWay(control, *copy.mat, nparts, copy.part());
   ReorderClusters(*copy.mat, nparts, copy.part());

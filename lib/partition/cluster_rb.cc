@@ -9,7 +9,6 @@
 #include "lib/partition/refine.h"
 #include "lib/partition/reorder_clusters.h"
 #include "lib/partition/trials.h"
-#include "lib/rough/row_sizes.h"
 #include "lib/support/fatal.h"
 #include "lib/support/progress.h"
 #include "lib/support/random.h"
@@ -79,7 +78,6 @@ void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowi
                         .seed = seed};
   PreparedCopy copy =
       MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_VP_ClusterRB");
-  MeasureRows(*copy.mat, "SetUpMatrix: mat->rowptr");
   SeedGenerator(seed);
   PartitionMatRecursive(control, *copy.mat, nparts, copy.part());
   if (refine != 0) RefineClusteringKWay(control, *copy.mat, nparts, copy.part());

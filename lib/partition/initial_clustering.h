@@ -7,6 +7,7 @@
 
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/rough/row_records.h"
 
 namespace molva {
 
@@ -14,5 +15,8 @@ namespace molva {
 // every other row, in that order, joins the cluster whose composite grows most in length, the
 // lowest-numbered one on ties. nparts must not exceed mat.nrows.
 void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> part);
+
+// The same over rows that were measured before.
+void InitialClustering(const RowRecords& rows, int nparts, std::span<int> part);
 
 }  // namespace molva

@@ -7,6 +7,7 @@
 
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/rough/row_records.h"
 
 namespace molva {
 
@@ -18,25 +19,8 @@ namespace molva {
 float RefineClusteringKWay(const Control& control, const PreparedMatrix& mat, int nparts,
                            std::span<int> part);
 
-float RefineClusteringKWayI1(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-float RefineClusteringKWayI2(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-float RefineClusteringKWayE1(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-float RefineClusteringKWayG1(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-float RefineClusteringKWayG1Prime(const Control& control, const PreparedMatrix& mat, int nparts,
-                                  std::span<int> part);
-float RefineClusteringKWayH1(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-float RefineClusteringKWayH2(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-// Code 9, although the help calls that one H3.
-float RefineClusteringKWayG3(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
-// Code 8, although the help calls that one G3.
-float RefineClusteringKWayH3(const Control& control, const PreparedMatrix& mat, int nparts,
-                             std::span<int> part);
+// The same over rows that were measured before.
+float RefineClusteringKWay(const Control& control, RowRecords& rows, int nparts,
+                           std::span<int> part);
 
 }  // namespace molva

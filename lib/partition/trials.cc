@@ -39,10 +39,11 @@ void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts,
   }
   ReportStart(control, mat, texts.heading);
   Array<int> bpart = AllocInts(mat.nrows, texts.block);
+  RowRecords rows(mat, texts.block);
   float best = 0;
   for (int trial = 0; trial < control.ntrials; ++trial) {
-    InitialClustering(mat, nparts, part);
-    const float quality = RefineClusteringKWay(control, mat, nparts, part);
+    InitialClustering(rows, nparts, part);
+    const float quality = RefineClusteringKWay(control, rows, nparts, part);
     if (trial == 0 || quality > best) {
       best = quality;
       std::copy(part.begin(), part.end(), bpart.begin());

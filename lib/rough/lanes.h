@@ -8,7 +8,8 @@
 #include <span>
 
 #include "lib/matrix/prepared_matrix.h"
-#include "lib/rough/dot_kernels.h"
+#include "lib/rough/rounding.h"
+#include "lib/rough/vector_kernels.h"
 #include "lib/support/wide.h"
 
 namespace molva {
@@ -40,9 +41,12 @@ class Lanes {
   // Lanes are padded to whole vectors; DotRow fills this many numbers.
   std::size_t stride() const { return stride_; }
 
-  // products[lane] = row . lane, in double arithmetic, for every lane. The sums may be formed in
-  // any order: they are rough values whose error is bounded by the number of entries.
-  void DotRow(const RowView& row, double* products) const;
+  // products[lane] = row . lane, in single precision, for every lane. The sums may be formed in any
+  // order: they are rough values whose error is bounded by the number of entries.
+  void DotRow(const RowView& row, float* products) const;
+
+  // Fetches what a row that will be visited soon meets.
+  void Prefetch(const RowView& row) const;
 
  private:
   Array<double> RoughSquares() const;

@@ -11,24 +11,24 @@
 #include <cstring>
 #include <string>
 
-#include "lib/rough/dot_kernels.h"
 #include "lib/rough/rough_looks.h"
+#include "lib/rough/vector_kernels.h"
 #include "programs/run.h"
 
 namespace {
 
-molva::DotKernel chosen{};
+molva::VectorKernel chosen{};
 unsigned long rows = 0;
 std::string record;
 
 void CountAndDot(const molva::RowView& row, const float* lanes, std::size_t stride,
-                 double* products) {
+                 float* products) {
   ++rows;
   chosen.dot(row, lanes, stride, products);
 }
 
 bool Choose(const char* target) {
-  for (const molva::DotKernel& kernel : molva::AvailableDotKernels()) {
+  for (const molva::VectorKernel& kernel : molva::AvailableKernels()) {
     if (std::strcmp(kernel.target, target) == 0) chosen = kernel;
   }
   return chosen.dot != nullptr;
@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
   constexpr int kOwn = 3;
   if (argc <= kOwn || !Choose(argv[2])) return 3;
   molva::UseRoughLooks(std::strcmp(argv[1], "plain") != 0);
-  molva::SetDotKernel(CountAndDot);
+  molva::SetKernel({chosen.target, CountAndDot, chosen.gain});
   record = argv[3];
   std::atexit(WriteRecord);
   argv[kOwn] = argv[0];

@@ -5,7 +5,6 @@
 
 #include <vector>
 
-#include "lib/rough/row_sizes.h"
 #include "tests/testing/matrices.h"
 
 namespace molva {
@@ -35,16 +34,6 @@ TEST(Submatrix, OfAnEmptyClusterHasNoRows) {
   const auto cluster = Cluster2Matrix(*mat, 3, part);
   EXPECT_EQ(cluster->nrows, 0);
   EXPECT_EQ(cluster->ncols, 0);
-}
-
-TEST(Submatrix, KeepsTheSizesOfItsRows) {
-  auto mat = PreparedOf({{1, 0, 2}, {0, 5, 0}, {3, 0, 4}});
-  MeasureRows(*mat, "Test: sizes");
-  const std::vector<int> part = {1, 0, 1};
-  const auto cluster = Cluster2Matrix(*mat, 1, part);
-  ASSERT_EQ(cluster->rowsize.size(), 2U);
-  EXPECT_EQ(cluster->rowsize[0].absolute, mat->rowsize[0].absolute);
-  EXPECT_EQ(cluster->rowsize[1].absolute, mat->rowsize[2].absolute);
 }
 
 TEST(EveryColumnOccurs, TellsWhetherACopyOfAllRowsWouldKeepAllColumns) {

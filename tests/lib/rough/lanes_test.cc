@@ -89,7 +89,7 @@ TEST(Lanes, GiveTheRoughDotProductsOfARowWithAllOfThem) {
   Lanes lanes(2, 3, "Test: lanes");
   lanes.Add(Row(*mat, 0), 0);
   lanes.Add(Row(*mat, 1), 1);
-  std::vector<double> products(lanes.stride());
+  std::vector<float> products(lanes.stride());
   lanes.DotRow(Row(*mat, 1), products.data());
   EXPECT_EQ(products[0], 8);
   EXPECT_EQ(products[1], 25);

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+#include "lib/rough/growth_screen.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lib/rough/cluster_bounds.h"
+
+namespace molva {
+
+GrowthScreen::GrowthScreen(const Lanes& lanes, int nparts, const RowExtremes& rows, BlockName name)
+    : lanes_(lanes),
+      nparts_(nparts),
+      rows_(rows),
+      kernel_(CurrentKernel()),
+      clusters_(nparts, name),
+      products_(AllocFloatsSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
+      most_(AllocDoublesSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
+      bounds_(lanes.stride(), name) {
+  clusters_.Fill({});
+}
+
+void GrowthScreen::Start(int k, float squared_length) {
+  clusters_[k].squared_length = static_cast<double>(squared_length);
+  clusters_[k].length.Start(clusters_[k].squared_length);
+  SetBound(k);
+}
+
+void GrowthScreen::Change(int k, const RowRecord& row, float squared_length) {
+  clusters_[k].squared_length = static_cast<double>(squared_length);
+  clusters_[k].length.Change(row, clusters_[k].squared_length);
+  SetBound(k);
+}
+
+void GrowthScreen::SetBound(int k) {
+  Cluster& c = clusters_[k];
+  c.root = std::sqrt(c.squared_length);
+  const BoundedCluster bounded{{1, c.squared_length, 0}, c.length.Length(), rows_};
+  c.error = bounded.ErrorPerEntry();
+  GainBound bound;
+  if (bounded.IsTame()) {
+    const double by_length = 0.5 / c.root;
+    bound = {kSlack * (c.root + by_length * bounded.MostChange()), 0, by_length, 0};
+  }
+  bounds_.Set(static_cast<std::size_t>(k), bound, c.error, kNoLeast);
+}
+
+// The row's sum of squares is kept in single precision, rounded up.
+Interval GrowthScreen::Growth(int k, const RowFactors& row) const {
+  const Cluster& c = clusters_[k];
+  const double x = 2 * static_cast<double>(products_[k]) + row.square;
+  const double square = c.squared_length + x;
+  const double error = row.entries * c.error + 4 * kUnitSingle * row.square +
+                       kSlack * (c.squared_length + std::fabs(x)) + kVanishing;
+  // A square known up to e <= square has a root known up to e / sqrt(square).
+  if (!(error <= square)) return {-kForEver, kForEver};
+  const double root = std::sqrt(square);
+  return Interval::Around(root - c.root, error / root + kSlack * (root + c.root));
+}
+
+int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
+  lanes_.DotRow(entries, products_.data());
+  const RowFactors factors = FactorsOf(row);
+  kernel_.gain(bounds_.Lanes(), products_.data(), factors, most_.data());
+  int best = 0;
+  for (int k = 0; k < nparts_; ++k) {
+    if (!(most_[k] < kForEver)) return -1;
+    if (most_[k] > most_[best]) best = k;
+  }
+  // The first composite stands even where its growth is not a number.
+  if (Growth(0, factors).most == kForEver) return -1;
+  Interval growth = Growth(best, factors);
+  double rival = -kForEver;  // the most that any other can grow
+  for (int k = 0; k < nparts_; ++k) {
+    if (most_[k] < growth.least || k == best) continue;
+    Interval other = Growth(k, factors);
+    if (other.least > growth.least) {
+      std::swap(other, growth);
+      best = k;
+    }
+    rival = std::max(rival, other.most);
+  }
+  return growth.least > rival ? best : -1;
+}
+
+// In double arithmetic, which rounds (c + v) twice an entry and the sums once, of magnitudes that
+// add up to (|D| + |d|)^2 at the most.
+GrowthScreen::MaybeSquare GrowthScreen::SquaredLengthWith(const RowView& entries,
+                                                          const RowRecord& row, int k) const {
+  const LaneView composite = lanes_[k];
+  double change = 0;
+  for (std::size_t p = 0; p < entries.size(); ++p) {
+    const auto v = static_cast<double>(entries.values[p]);
+    const auto c = static_cast<double>(composite[static_cast<std::size_t>(entries.columns[p])]);
+    change += v * (2 * c + v);
+  }
+  const Cluster& cluster = clusters_[k];
+  const double most = cluster.length.Length() + static_cast<double>(row.length);
+  const double error = 4 * kUnitDouble * FactorsOf(row).entries * most * most + kVanishing;
+  const double square = cluster.squared_length + change;
+  const auto least = static_cast<float>(square - error);
+  return {least == static_cast<float>(square + error), least};
+}
+
+}  // namespace molva

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+//
+// What a visit to a row needs to know, packed into half a cache line, and how large rows can be at
+// the most. Rows do not change while they are clustered, so they are measured once for all trials.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "lib/matrix/prepared_matrix.h"
+
+namespace molva {
+
+// Each size is rounded up. A row may store a column more than once; its length counts the entries
+// of one column as one.
+struct alignas(32) RowRecord {
+  int begin = 0;                  // of its entries
+  std::uint32_t size : 31 = 0;    // how many they are
+  std::uint32_t repeats : 1 = 0;  // whether a column may occur twice
+  float length = 0;               // |d|
+  float square = 0;               // the sum of v^2: |d|^2 where all columns differ
+  float whole = 0;                // d.G, the row against the composite of all rows, to the nearest
+  int place = 0;                  // the cluster it stands in
+  double settled_until = 0;       // no move of it is worth a look until the clock shows this
+};
+
+// The most, and the least, over all rows.
+struct RowExtremes {
+  double longest = 0;  // |d|
+  int most_entries = 0;
+  // d.G: 0 until the rows are measured against the whole.
+  double least_whole = 0, most_whole = 0;
+  double whole_error = 0;  // how far a record's d.G can be from the true one
+};
+
+class RowRecords {
+ public:
+  // Measures all rows; the block carries the given name.
+  RowRecords(const PreparedMatrix& mat, BlockName name);
+
+  // Fills in d.G. The composite of all rows is the same in every trial, so only the first call
+  // measures.
+  void MeasureAgainst(std::span<const float> whole);
+
+  const PreparedMatrix& matrix() const { return mat_; }
+  int count() const { return mat_.nrows; }
+  RowRecord& operator[](int i) { return records_[i]; }
+  const RowRecord& operator[](int i) const { return records_[i]; }
+  const RowExtremes& extremes() const { return extremes_; }
+
+  RowView Entries(const RowRecord& row) const {
+    return {{mat_.rowind.data() + row.begin, row.size}, {mat_.rowval.data() + row.begin, row.size}};
+  }
+
+  // Rows that are taken in a random order would be waited for, so record and entries of the rows
+  // behind `position` are fetched ahead.
+  void Prefetch(std::span<const int> order, int position) const;
+
+ private:
+  const PreparedMatrix& mat_;
+  BlockName name_;
+  Array<RowRecord> records_;
+  RowExtremes extremes_;
+  bool is_measured_against_whole_ = false;
+};
+
+}  // namespace molva

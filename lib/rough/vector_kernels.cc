@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+#include "lib/rough/vector_kernels.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace molva {
+namespace {
+
+// A row and the lanes that it meets.
+struct Walk {
+  const RowView& row;
+  const float* lanes;
+  std::size_t stride;
+
+  float Value(std::size_t p) const { return row.values[p]; }
+  const float* Column(std::size_t p) const {
+    return lanes + static_cast<std::size_t>(row.columns[p]) * stride;
+  }
+};
+
+// All of one to four lanes. The entries go to four partial sums in turn, so that no addition waits
+// for the one before.
+template <std::size_t kLanes>
+void DotFew(const Walk& walk, float* products) {
+  constexpr std::size_t kChains = 4;
+  float sums[kChains][kLanes] = {};
+  const std::size_t size = walk.row.size();
+  const std::size_t whole = size - size % kChains;
+  const auto add = [&walk](std::size_t p, float(&sum)[kLanes]) {
+    const float v = walk.Value(p);
+    const float* column = walk.lanes + static_cast<std::size_t>(walk.row.columns[p]) * kLanes;
+    for (std::size_t l = 0; l < kLanes; ++l) sum[l] += v * column[l];
+  };
+  for (std::size_t p = 0; p < whole; p += kChains) {
+    for (std::size_t c = 0; c < kChains; ++c) add(p + c, sums[c]);
+  }
+  for (std::size_t p = whole; p < size; ++p) add(p, sums[0]);
+  for (std::size_t l = 0; l < kLanes; ++l) {
+    products[l] = (sums[0][l] + sums[1][l]) + (sums[2][l] + sums[3][l]);
+  }
+}
+
+// Eight lanes, with what every processor has.
+void DotEight(const Walk& walk, float* products) {
+  float sums[8] = {};
+  for (std::size_t p = 0; p < walk.row.size(); ++p) {
+    const float v = walk.Value(p);
+    const float* column = walk.Column(p);
+    for (std::size_t l = 0; l < 8; ++l) sums[l] += v * column[l];
+  }
+  std::copy_n(sums, 8, products);
+}
+
+// The kernel for any stride, from functions that take 8, 16, ... 8 kMost lanes at once.
+using BlockFunction = void (*)(const Walk& walk, float* products);
+template <std::size_t kMost>
+void DotBlocks(const Walk& walk, const std::array<BlockFunction, kMost>& blocks, float* products) {
+  switch (walk.stride) {
+    case 1:
+      return DotFew<1>(walk, products);
+    case 2:
+      return DotFew<2>(walk, products);
+    case 4:
+      return DotFew<4>(walk, products);
+    default:
+      break;
+  }
+  for (std::size_t lane = 0; lane < walk.stride;) {
+    const std::size_t eights = std::min(kMost, (walk.stride - lane) / 8);
+    blocks[eights - 1]({walk.row, walk.lanes + lane, walk.stride}, products + lane);
+    lane += eights * 8;
+  }
+}
+
+void DotPortable(const RowView& row, const float* lanes, std::size_t stride, float* products) {
+  constexpr std::array<BlockFunction, 1> kBlocks = {DotEight};
+  DotBlocks({row, lanes, stride}, kBlocks, products);
+}
+
+// The compiler forms vectors of the unit that the caller is made for.
+[[gnu::always_inline]] inline void GainLoop(const BoundLanes& b, const float* products,
+                                            const RowFactors& row, double* gains) {
+  for (std::size_t k = 0; k < b.count; ++k) {
+    const double x = 2 * static_cast<double>(products[k]) + row.square + row.entries * b.error[k];
+    const double gain =
+        b.base[k] + b.by_whole[k] * row.whole + (b.by_length[k] + b.by_both[k] * row.whole) * x;
+    gains[k] = row.whole >= b.least_whole[k] ? gain : std::numeric_limits<double>::infinity();
+  }
+}
+
+void GainPortable(const BoundLanes& bounds, const float* products, const RowFactors& row,
+                  double* gains) {
+  GainLoop(bounds, products, row, gains);
+}
+
+#if defined(__x86_64__)
+
+// Columns lie far apart: those of the entries to come are fetched early.
+constexpr std::size_t kAhead = 8;
+constexpr std::size_t kCacheLine = 64;
+
+[[gnu::always_inline]] inline void PrefetchColumn(const Walk& walk, std::size_t p,
+                                                  std::size_t nbytes) {
+  if (p >= walk.row.size()) return;
+  const char* column = reinterpret_cast<const char*>(walk.Column(p));
+  for (std::size_t b = 0; b < nbytes; b += kCacheLine) __builtin_prefetch(column + b);
+}
+
+// kEights times 8 lanes: all sums stay in registers, so each column is read in one go.
+template <std::size_t kEights>
+[[gnu::target("avx512f")]] void DotBlockAvx512(const Walk& walk, float* products) {
+  constexpr std::size_t kPairs = kEights / 2;
+  constexpr bool kOdd = kEights % 2 != 0;
+  __m512 sums[kPairs + 1];
+  for (auto& sum : sums) sum = _mm512_setzero_ps();
+  __m256 last = _mm256_setzero_ps();
+  for (std::size_t p = 0; p < walk.row.size(); ++p) {
+    PrefetchColumn(walk, p + kAhead, kEights * sizeof(__m256));
+    const __m512 v = _mm512_set1_ps(walk.Value(p));
+    const float* column = walk.Column(p);
+#pragma GCC unroll 16
+    for (std::size_t i = 0; i < kPairs; ++i) {
+      sums[i] = _mm512_add_ps(sums[i], _mm512_mul_ps(v, _mm512_loadu_ps(column + 16 * i)));
+    }
+    if constexpr (kOdd) {
+      const __m256 narrow = _mm256_set1_ps(walk.Value(p));
+      last = _mm256_add_ps(last, _mm256_mul_ps(narrow, _mm256_loadu_ps(column + 16 * kPairs)));
+    }
+  }
+  for (std::size_t i = 0; i < kPairs; ++i) _mm512_storeu_ps(products + 16 * i, sums[i]);
+  if constexpr (kOdd) _mm256_storeu_ps(products + 16 * kPairs, last);
+}
+
+template <std::size_t kEights>
+[[gnu::target("avx2")]] void DotBlockAvx2(const Walk& walk, float* products) {
+  __m256 sums[kEights];
+  for (auto& sum : sums) sum = _mm256_setzero_ps();
+  for (std::size_t p = 0; p < walk.row.size(); ++p) {
+    PrefetchColumn(walk, p + kAhead, kEights * sizeof(__m256));
+    const __m256 v = _mm256_set1_ps(walk.Value(p));
+    const float* column = walk.Column(p);
+#pragma GCC unroll 16
+    for (std::size_t i = 0; i < kEights; ++i) {
+      sums[i] = _mm256_add_ps(sums[i], _mm256_mul_ps(v, _mm256_loadu_ps(column + 8 * i)));
+    }
+  }
+  for (std::size_t i = 0; i < kEights; ++i) _mm256_storeu_ps(products + 8 * i, sums[i]);
+}
+
+template <std::size_t... n>
+constexpr auto BlocksAvx512(std::index_sequence<n...>) {
+  return std::array<BlockFunction, sizeof...(n)>{DotBlockAvx512<n + 1>...};
+}
+
+void DotAvx512(const RowView& row, const float* lanes, std::size_t stride, float* products) {
+  constexpr auto kBlocks = BlocksAvx512(std::make_index_sequence<32>());
+  DotBlocks({row, lanes, stride}, kBlocks, products);
+}
+
+[[gnu::target("avx512f")]] void GainAvx512(const BoundLanes& bounds, const float* products,
+                                           const RowFactors& row, double* gains) {
+  GainLoop(bounds, products, row, gains);
+}
+
+template <std::size_t... n>
+constexpr auto BlocksAvx2(std::index_sequence<n...>) {
+  return std::array<BlockFunction, sizeof...(n)>{DotBlockAvx2<n + 1>...};
+}
+
+void DotAvx2(const RowView& row, const float* lanes, std::size_t stride, float* products) {
+  constexpr auto kBlocks = BlocksAvx2(std::make_index_sequence<12>());
+  DotBlocks({row, lanes, stride}, kBlocks, products);
+}
+
+[[gnu::target("avx2")]] void GainAvx2(const BoundLanes& bounds, const float* products,
+                                      const RowFactors& row, double* gains) {
+  GainLoop(bounds, products, row, gains);
+}
+
+#endif
+
+struct KernelList {
+  std::array<VectorKernel, 3> kernels{};
+  std::size_t count = 0;
+
+  KernelList() {
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx512f")) kernels[count++] = {"avx512f", DotAvx512, GainAvx512};
+    if (__builtin_cpu_supports("avx2")) kernels[count++] = {"avx2", DotAvx2, GainAvx2};
+#endif
+    kernels[count++] = {"default", DotPortable, GainPortable};
+  }
+};
+
+VectorKernel& Current() {
+  static VectorKernel current = AvailableKernels().front();
+  return current;
+}
+
+}  // namespace
+
+std::span<const VectorKernel> AvailableKernels() {
+  static const KernelList list;
+  return {list.kernels.data(), list.count};
+}
+
+const VectorKernel& CurrentKernel() { return Current(); }
+
+void SetKernel(const VectorKernel& kernel) { Current() = kernel; }
+
+}  // namespace molva

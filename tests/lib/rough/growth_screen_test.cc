@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "lib/rough/growth_screen.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "lib/support/wide.h"
+#include "tests/testing/both_arithmetics.h"
+#include "tests/testing/matrices.h"
+
+namespace molva {
+namespace {
+
+using testing_support::Prepared;
+using testing_support::PreparedOf;
+using testing_support::RandomDocuments;
+
+// Grows clusters by the full arithmetic, and asks the screen for each row first.
+struct Comparison {
+  int rows = 0;
+  int decided = 0;
+  int certain_squares = 0;
+
+  void Run(const PreparedMatrix& mat, int nparts);
+};
+
+Wide Joined(const RowView& row, const LaneView& composite, Wide square) {
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    const Wide c = composite[static_cast<std::size_t>(row.columns[p])];
+    const Wide grown = c + row.values[p];
+    square += grown * grown - c * c;
+  }
+  return square;
+}
+
+void Comparison::Run(const PreparedMatrix& mat, int nparts) {
+  if (mat.nrows < nparts) return;
+  const RowRecords records(mat, "Test: rows");
+  Lanes lanes(nparts, mat.ncols, "Test: lanes");
+  GrowthScreen screen(lanes, nparts, records.extremes(), "Test: screen");
+  std::vector<float> squares(static_cast<std::size_t>(nparts));
+  for (int i = 0; i < mat.nrows; ++i) {
+    const RowView row = Row(mat, i);
+    if (i < nparts) {
+      lanes.Set(row, i);
+      Wide square = 0;
+      for (const Wide v : row.values) square += v * v;
+      squares[static_cast<std::size_t>(i)] = static_cast<float>(square);
+      screen.Start(i, static_cast<float>(square));
+      continue;
+    }
+    std::size_t best = 0;
+    Wide most = 0;
+    for (std::size_t k = 0; k < squares.size(); ++k) {
+      const Wide square = squares[k];
+      const Wide growth =
+          std::sqrt(Joined(row, lanes[static_cast<int>(k)], square)) - std::sqrt(square);
+      if (k != 0 && !(growth > most)) continue;
+      best = k;
+      most = growth;
+    }
+    const int chosen = screen.Choose(row, records[i]);
+    EXPECT_TRUE(chosen == -1 || chosen == static_cast<int>(best)) << "row " << i;
+    const auto k = static_cast<int>(best);
+    const auto square = static_cast<float>(Joined(row, lanes[k], squares[best]));
+    const GrowthScreen::MaybeSquare rough = screen.SquaredLengthWith(row, records[i], k);
+    if (rough.is_certain) {
+      EXPECT_EQ(rough.value, square) << "row " << i;
+    }
+    ++rows;
+    decided += chosen >= 0 ? 1 : 0;
+    certain_squares += rough.is_certain ? 1 : 0;
+    squares[best] = square;
+    lanes.Add(row, k);
+    screen.Change(k, records[i], square);
+  }
+}
+
+TEST(GrowthScreen, ChoosesWhatTheFullArithmeticWouldAndNearlyAlways) {
+  Comparison comparison;
+  for (std::uint32_t seed = 1; seed <= 10; ++seed) {
+    const auto mat = Prepared(RandomDocuments(seed, 200, 120, 6, 12));
+    for (const int nparts : {1, 2, 3, 9, 20}) comparison.Run(*mat, nparts);
+  }
+  // Rows without a word of any cluster tie among those of equal length.
+  EXPECT_GT(comparison.decided, comparison.rows * 9 / 10);
+  EXPECT_GT(comparison.certain_squares, comparison.rows * 99 / 100);
+}
+
+TEST(GrowthScreen, IsRightOnTablesOfEverySign) {
+  Comparison comparison;
+  for (std::uint32_t seed = 1; seed <= 2000; ++seed) {
+    const testing_support::ClusteringRun run = testing_support::DrawRun(seed);
+    comparison.Run(*Prepared(run.matrix, {.simfun = run.simfun}), run.nclusters);
+  }
+  EXPECT_GT(comparison.decided, comparison.rows / 3);
+}
+
+// The second row cancels the first composite, whose growth then is -1, and grows the other by
+// sqrt(2) - 1; but a first composite of less than no length would stand although its growth is not
+// a number, so where that cannot be excluded nothing is said.
+TEST(GrowthScreen, LeavesAFirstCompositeThatMayVanishToTheFullArithmetic) {
+  const auto mat = PreparedOf({{1, 0}, {0, 1}, {-1, 0}});
+  const RowRecords records(*mat, "Test: rows");
+  Lanes lanes(2, 2, "Test: lanes");
+  GrowthScreen screen(lanes, 2, records.extremes(), "Test: screen");
+  for (const int k : {0, 1}) {
+    lanes.Set(Row(*mat, k), k);
+    screen.Start(k, 1);
+  }
+  EXPECT_EQ(screen.Choose(Row(*mat, 2), records[2]), -1);
+}
+
+// Equal growth: the lowest number wins, which only the full arithmetic may say.
+TEST(GrowthScreen, LeavesTiesToTheFullArithmetic) {
+  const auto mat = PreparedOf({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}});
+  const RowRecords records(*mat, "Test: rows");
+  Lanes lanes(2, 3, "Test: lanes");
+  GrowthScreen screen(lanes, 2, records.extremes(), "Test: screen");
+  for (const int k : {0, 1}) {
+    lanes.Set(Row(*mat, k), k);
+    screen.Start(k, 1);
+  }
+  EXPECT_EQ(screen.Choose(Row(*mat, 2), records[2]), -1);
+}
+
+}  // namespace
+}  // namespace molva

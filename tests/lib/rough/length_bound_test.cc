@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "lib/rough/length_bound.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "lib/rough/lanes.h"
+#include "lib/support/wide.h"
+#include "tests/testing/matrices.h"
+
+namespace molva {
+namespace {
+
+using testing_support::Prepared;
+using testing_support::RandomDocuments;
+using testing_support::SparseMatrix;
+
+double LengthOf(const LaneView& composite, int ncols) {
+  Wide square = 0;
+  for (std::size_t j = 0; j < static_cast<std::size_t>(ncols); ++j) {
+    square += static_cast<Wide>(composite[j]) * composite[j];
+  }
+  return static_cast<double>(std::sqrt(square));
+}
+
+// q + sum of v (v + 2 sign c), as refinement carries it along.
+float Changed(const RowView& row, const LaneView& composite, float q, int sign) {
+  Wide square = q;
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    const Wide v = row.values[p];
+    square +=
+        v * (v + 2 * sign * static_cast<Wide>(composite[static_cast<std::size_t>(row.columns[p])]));
+  }
+  return static_cast<float>(square);
+}
+
+// Rows come and go at random; the composite is never longer than the bound. Returns the bound over
+// the length at the end.
+double ExpectBounded(const PreparedMatrix& mat, int moves, std::uint32_t seed) {
+  const RowRecords rows(mat, "Test: rows");
+  Lanes lanes(1, mat.ncols, "Test: lanes");
+  std::vector<bool> inside(static_cast<std::size_t>(mat.nrows));
+  float q = 0;
+  LengthBound bound;
+  bound.Start(0);
+  std::mt19937 random(seed);
+  for (int move = 0; move < moves; ++move) {
+    const int i = static_cast<int>(random() % static_cast<unsigned>(mat.nrows));
+    const bool comes = !inside[static_cast<std::size_t>(i)];
+    const RowView row = rows.Entries(rows[i]);
+    q = Changed(row, lanes[0], q, comes ? 1 : -1);
+    if (comes) {
+      lanes.Add(row, 0);
+    } else {
+      lanes.Subtract(row, 0);
+    }
+    inside[static_cast<std::size_t>(i)] = comes;
+    bound.Change(rows[i], static_cast<double>(q));
+    EXPECT_LE(LengthOf(lanes[0], mat.ncols), bound.Length()) << "after move " << move;
+  }
+  return bound.Length() / LengthOf(lanes[0], mat.ncols);
+}
+
+TEST(LengthBound, HoldsAndStaysCloseOverManyMoves) {
+  const auto mat = Prepared(RandomDocuments(1, 200, 80, 4, 7));
+  EXPECT_LT(ExpectBounded(*mat, 20000, 1), 1.01);
+}
+
+TEST(LengthBound, HoldsWhereColumnsRepeatInARow) {
+  SparseMatrix matrix = RandomDocuments(2, 60, 40, 3, 6);
+  std::mt19937 random(2);
+  for (int& j : matrix.rowind) j = static_cast<int>(random() % 4);
+  ExpectBounded(*Prepared(matrix), 2000, 2);
+}
+
+TEST(LengthBound, HoldsWhereRowsCancel) {
+  SparseMatrix matrix = RandomDocuments(3, 60, 8, 2, 6);
+  std::mt19937 random(3);
+  for (float& v : matrix.rowval) v = random() % 2 == 0 ? v : -v;
+  ExpectBounded(*Prepared(matrix), 3000, 3);
+}
+
+// Values spread over thirty orders of magnitude.
+TEST(LengthBound, HoldsForValuesOfAllSizes) {
+  SparseMatrix matrix = RandomDocuments(4, 60, 20, 2, 6);
+  std::mt19937 random(4);
+  for (float& v : matrix.rowval) v *= std::ldexp(1.0F, -static_cast<int>(random() % 100));
+  ExpectBounded(*testing_support::Prepared(matrix), 3000, 4);
+}
+
+}  // namespace
+}  // namespace molva
