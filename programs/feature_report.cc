@@ -7,6 +7,7 @@
 
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
+#include "lib/support/printed.h"
 
 namespace mardle {
 namespace {
@@ -59,7 +60,7 @@ ClusterNumbers Measure(const RunParams& params, const Matrix& mat, const int* pa
 void PrintList(const Matrix& mat, int nfeatures, const int* ids, const float* weights) {
   for (int slot = 0; slot < nfeatures; ++slot) {
     if (ids[slot] == -1) continue;
-    std::printf(" %s %4.1f%%%s", mat.clabels[ids[slot]], 100.0 * static_cast<double>(weights[slot]),
+    std::printf(" %s %4.1f%%%s", mat.clabels[ids[slot]], 100.0 * molva::Printed(weights[slot]),
                 slot < nfeatures - 1 ? "," : "");
   }
   std::printf("\n");
@@ -74,7 +75,7 @@ void ShowClusterFeatures(const RunParams& params, const Matrix& mat, const int* 
   for (int k = 0; k < params.nclusters; ++k) {
     const std::int64_t begin = std::int64_t{k} * std::max(params.nfeatures, 0);
     std::printf("Cluster %3d, Size: %5d, ISim: %.3f, ESim: %.3f\n", k, n.pwgts[k],
-                static_cast<double>(n.cintsim[k]), static_cast<double>(n.cextsim[k]));
+                molva::Printed(n.cintsim[k]), molva::Printed(n.cextsim[k]));
     std::printf("      Descriptive: ");
     PrintList(mat, params.nfeatures, n.internalids.get() + begin, n.internalwgts.get() + begin);
     std::printf("   Discriminating: ");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Measure computes every number of the report; the Print routines lay them out.
+// Measure computes every number of the report; the Print routines lay them out. What is counted
+// from classes stems from no value of the matrix, which the 0 behind it tells Printed.
 #include "programs/quality_report.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
+#include "lib/support/printed.h"
 #include "programs/code_names.h"
 #include "programs/external_quality.h"
 
@@ -17,6 +19,7 @@ namespace {
 
 using molva::AllocFloatsSet;
 using molva::AllocIntsSet;
+using molva::Printed;
 
 // The names that begin with EvaluatePartition keep that beginning.
 struct QualityNumbers {
@@ -88,8 +91,8 @@ std::string RuleLine(int nclasses) {
 
 void PrintSimilarities(const QualityNumbers& numbers, int c) {
   std::printf("%3d %5d %+5.3f %+5.3f %+5.3f %+5.3f ", c, numbers.pwgts[c],
-              static_cast<double>(numbers.cintsim[c]), static_cast<double>(numbers.cintsdev[c]),
-              static_cast<double>(numbers.cextsim[c]), static_cast<double>(numbers.cextsdev[c]));
+              Printed(numbers.cintsim[c]), Printed(numbers.cintsdev[c], numbers.cintsim[c]),
+              Printed(numbers.cextsim[c]), Printed(numbers.cextsdev[c], numbers.cextsim[c]));
 }
 
 // Names are cut to four characters.
@@ -101,19 +104,19 @@ void PrintClassNames(const Matrix& mat) {
 void PrintSolution(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
                    bool with_tree, float crvalue, const std::string& rule) {
   std::printf("%d-way clustering: [%s=%.2e], Entropy: %.3f, Purity: %.3f", params.nclusters,
-              CriterionName(params.crfun), static_cast<double>(crvalue),
-              static_cast<double>(numbers.entropy), static_cast<double>(numbers.purity));
+              CriterionName(params.crfun), Printed(crvalue), Printed(numbers.entropy, 0),
+              Printed(numbers.purity, 0));
   if (!with_tree) {
     std::printf("\n");
     return;
   }
-  std::printf(", FScore: %.3f\n%s\n", static_cast<double>(numbers.fscore), rule.c_str());
+  std::printf(", FScore: %.3f\n%s\n", Printed(numbers.fscore, 0), rule.c_str());
   std::printf("         Class Name:  ");
   PrintClassNames(mat);
   std::printf("\n         Class Size:  ");
   for (const int size : numbers.ocldist) std::printf("%4d ", size);
   std::printf("\n  Max F-Score Value:  ");
-  for (const float fscore : numbers.fscores) std::printf("%.2f ", static_cast<double>(fscore));
+  for (const float fscore : numbers.fscores) std::printf("%.2f ", Printed(fscore, 0));
   std::printf("\n");
 }
 
@@ -128,8 +131,8 @@ void PrintWithClasses(const RunParams& params, const Matrix& mat, const QualityN
   std::printf("\n%s\n", rule.c_str());
   for (int c = 0; c < params.nclusters; ++c) {
     PrintSimilarities(numbers, c);
-    std::printf("%5.3f %5.3f | ", static_cast<double>(numbers.entropies[c]),
-                static_cast<double>(numbers.purities[c]));
+    std::printf("%5.3f %5.3f | ", Printed(numbers.entropies[c], 0),
+                Printed(numbers.purities[c], 0));
     for (const int count : numbers.classdist[c]) std::printf("%4d ", count);
     std::printf("\n");
   }
@@ -141,7 +144,7 @@ void PrintWithoutClasses(const RunParams& params, const Matrix& mat, const Quali
   const std::string rule = RuleLine(mat.nclasses);
   std::printf("%s\n", rule.c_str());
   std::printf("%d-way clustering solution: [%s=%.2e]\n", params.nclusters,
-              CriterionName(params.crfun), static_cast<double>(crvalue));
+              CriterionName(params.crfun), Printed(crvalue));
   std::printf("%s\n", rule.c_str());
   std::printf("cid  Size  ISim  ISdev   ESim  ESdev  | \n%s\n", rule.c_str());
   for (int c = 0; c < params.nclusters; ++c) {

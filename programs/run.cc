@@ -7,6 +7,8 @@
 #include "lib/support/alloc.h"
 #include "lib/support/clock.h"
 #include "lib/support/fatal.h"
+#include "lib/support/printed.h"
+#include "programs/data_numbers.h"
 #include "programs/feature_report.h"
 #include "programs/io/matrix.h"
 #include "programs/io/read_matrix.h"
@@ -86,6 +88,7 @@ Solution FindSolution(RunParams& params, const Matrix& mat) {
   Solution solution;
   solution.part = molva::AllocIntsSet(mat.nrows, -1, "main: part");
   const TimedScope timed(params.ClusterTmr);
+  molva::DataBringNotANumber(DataBringNotANumber(params, mat));
   Cluster(params, mat, solution.part.get());
   solution.crvalue = MOLVA_V_GetSolutionQuality(
       mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,

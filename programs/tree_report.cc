@@ -8,6 +8,7 @@
 
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
+#include "lib/support/printed.h"
 #include "lib/support/tree_arrays.h"
 #include "programs/code_names.h"
 #include "programs/io/write_results.h"
@@ -118,7 +119,7 @@ NodeNumbers MeasureNodes(const RunParams& params, const Matrix& mat, const int* 
 void PrintNodeFeatures(const Matrix& mat, int nfeatures, const int* ids, const float* weights) {
   for (int slot = 0; slot < nfeatures; ++slot) {
     if (ids[slot] == -1) continue;
-    std::printf("%s %4.1f%%%s", mat.clabels[ids[slot]], 100.0 * static_cast<double>(weights[slot]),
+    std::printf("%s %4.1f%%%s", mat.clabels[ids[slot]], 100.0 * molva::Printed(weights[slot]),
                 slot < nfeatures - 1 ? ", " : "]");
   }
   if (nfeatures < 1 || ids[nfeatures - 1] == -1) std::printf("\n");
@@ -137,7 +138,7 @@ void PrintLabelView(const RunParams& params, const Matrix& mat, const int* part,
     const int x = node_of_line[y];
     const std::int64_t begin = std::int64_t{x} * std::max(params.nfeatures, 0);
     std::printf("%s   [%5d, %.3f, %.3f] [", drawing.canvas[y].data(), n.pwgts[x],
-                static_cast<double>(n.cintsim[x]), static_cast<double>(n.cextsim[x]));
+                molva::Printed(n.cintsim[x]), molva::Printed(n.cextsim[x]));
     PrintNodeFeatures(mat, params.nfeatures, n.internalids.get() + begin,
                       n.internalwgts.get() + begin);
     std::printf("\n");

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "lib/matrix/composites.h"
+#include "lib/support/printed.h"
 #include "lib/support/progress.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -40,7 +41,7 @@ void ReportFill(const Control& control, int n, const float* smat, std::size_t st
     positive += std::count_if(row, row + size, [](float s) { return s > 0; });
   }
   const double cells = static_cast<double>(size) * static_cast<double>(size);
-  std::printf(":Done! (%d, fill=%.3f)\n", n, static_cast<double>(positive) / cells);
+  std::printf(":Done! (%d, fill=%.3f)\n", n, Printed(static_cast<double>(positive) / cells, 0));
 }
 
 }  // namespace

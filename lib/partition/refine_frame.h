@@ -17,6 +17,7 @@
 #include "lib/partition/kway_clusters.h"
 #include "lib/rough/lanes.h"
 #include "lib/rough/row_records.h"
+#include "lib/support/printed.h"
 #include "lib/support/progress.h"
 #include "lib/support/random.h"
 #include "lib/support/wide.h"
@@ -135,12 +136,12 @@ class KWayRefinement {
 inline void ReportStart(const Control& control, bool extra_line, Wide progress) {
   if (!HasDebugBit(control, kDebugRefinement)) return;
   if (extra_line) std::printf("\n");
-  std::printf("\nInit: %.4f, ", static_cast<double>(progress));
+  std::printf("\nInit: %.4f, ", Printed(progress));
 }
 
 inline void ReportPass(const Control& control, int moves, Wide progress) {
   if (!HasDebugBit(control, kDebugRefinement)) return;
-  std::printf("%d %.4f, ", moves, static_cast<double>(progress));
+  std::printf("%d %.4f, ", moves, Printed(progress));
 }
 
 inline void ReportEnd(const Control& control) {

@@ -7,6 +7,7 @@
 #include "lib/partition/initial_clustering.h"
 #include "lib/partition/refine.h"
 #include "lib/support/fatal.h"
+#include "lib/support/printed.h"
 #include "lib/support/progress.h"
 
 namespace molva {
@@ -26,7 +27,7 @@ void ReportStart(const Control& control, const PreparedMatrix& mat, const char* 
 
 void ReportEnd(const Control& control, const char* lead, float quality) {
   if (!HasDebugBit(control, kDebugClustering)) return;
-  std::printf("%sSim: %.4f\n%s", lead, static_cast<double>(quality), kRule);
+  std::printf("%sSim: %.4f\n%s", lead, Printed(quality), kRule);
 }
 
 }  // namespace

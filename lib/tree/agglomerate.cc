@@ -9,6 +9,7 @@
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
+#include "lib/support/printed.h"
 #include "lib/support/progress.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
@@ -73,9 +74,8 @@ void ReportMerge(const Control& control, const Items& items, const Array<int>& i
                  const Merge& merge, int node, Wide crvalue) {
   if (!HasDebugBit(control, kDebugMerging)) return;
   std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f %f\n", imap[merge.i], imap[merge.j],
-              node, AddValues(items.pwgts[merge.i], items.pwgts[merge.j]),
-              static_cast<double>(crvalue), static_cast<double>(merge.gain),
-              static_cast<double>(items.AverageSimilarity(merge.i, merge.j)));
+              node, AddValues(items.pwgts[merge.i], items.pwgts[merge.j]), Printed(crvalue),
+              Printed(merge.gain), Printed(items.AverageSimilarity(merge.i, merge.j)));
 }
 
 // The items that are still to be merged: the first `count` of rowids. rmap is its inverse.
@@ -286,8 +286,7 @@ class RatioGains {
     merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(i, j));
     if (HasDebugBit(control_, kDebugMerging)) {
       std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f\n", rowids_[i], rowids_[j], node,
-                  AddValues(items_.pwgts[i], items_.pwgts[j]), static_cast<double>(ratio),
-                  static_cast<double>(gain));
+                  AddValues(items_.pwgts[i], items_.pwgts[j]), Printed(ratio), Printed(gain));
     }
     merging_.ptree[static_cast<std::size_t>(rowids_[i])] = node;
     merging_.ptree[static_cast<std::size_t>(rowids_[j])] = node;

@@ -7,6 +7,7 @@
 #include "lib/molva.h"
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
+#include "lib/support/printed.h"
 
 namespace mardle {
 namespace {
@@ -38,8 +39,10 @@ void WriteClustersAndScores(std::FILE* out, const RunParams& params, const Matri
                           params.prune, nclusters, part, pwgts.get(), cintsim.get(), cintsdev.get(),
                           izscores.get(), cextsim.get(), cextsdev.get(), ezscores.get());
   for (int i = 0; i < mat.nrows; ++i) {
-    std::fprintf(out, "%d %f %f\n", part[i], static_cast<double>(izscores[i]),
-                 static_cast<double>(ezscores[i]));
+    const bool clustered = part[i] >= 0 && part[i] < nclusters;
+    std::fprintf(out, "%d %f %f\n", part[i],
+                 molva::Printed(izscores[i], clustered ? cintsim[part[i]] : 0),
+                 molva::Printed(ezscores[i], clustered ? cextsim[part[i]] : 0));
   }
 }
 
@@ -65,7 +68,7 @@ void WriteTree(const molva::String& filename, const molva::String& treefile, int
   molva::File file = molva::OpenFile(name.c_str(), "w");
   if (!file) molva::FatalError("Problems in creating the tree file: %s", name.c_str());
   for (std::int64_t x = 0; x < 2 * std::int64_t{n} - 1; ++x) {
-    std::fprintf(file.get(), "%d %f\n", ptree[x], static_cast<double>(tsims[x]));
+    std::fprintf(file.get(), "%d %f\n", ptree[x], molva::Printed(tsims[x]));
   }
   molva::CloseFile(file);
 }

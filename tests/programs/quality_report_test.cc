@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "lib/support/printed.h"
 #include "programs/io/labels.h"
 #include "tests/testing/allocation.h"
 #include "tests/testing/fatal.h"
@@ -86,6 +88,21 @@ TEST(QualityReport, PrintsTheSignOfEverySimilarity) {
   mat.rowval[3 * 4 + 1] = 0;
   const Texts lines = LinesOf(Report(Params(2), mat, {0, 0, 1, 1}));
   EXPECT_EQ(lines[5], "  0     2 +1.000 +0.000 -1.000 +0.000 | ");
+}
+
+// Row 0 has no length and no product with any row. Row 1 has similarity 1 with itself; that it has
+// no deviation is a matter of its being alone.
+TEST(QualityReport, TellsWhatTheDataBroughtFromWhatNumbersMade) {
+  for (const float undefined : {std::nanf(""), -std::nanf("")}) {
+    Matrix mat = UnitRows("ab");
+    mat.rowval[0] = undefined;
+    molva::DataBringNotANumber(true);
+    const Texts lines = LinesOf(Report(Params(2), mat, {0, 1}, undefined));
+    molva::DataBringNotANumber(false);
+    EXPECT_EQ(lines[1], "2-way clustering solution: [I2=nan]");
+    EXPECT_EQ(lines[5], "  0     1  +nan  +nan  +nan  +nan | ");
+    EXPECT_EQ(lines[6], "  1     1 +1.000  -nan  +nan  +nan | ");
+  }
 }
 
 TEST(QualityReport, TellsEntropyPurityAndClassCountsOfRowsWithClasses) {

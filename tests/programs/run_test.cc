@@ -424,4 +424,21 @@ TEST_F(MardleRun, NamesTheCompleteTreeThatCannotBeHad) {
                "***Memory allocation failed for main: tsims. Requested size: 8016 bytes");
 }
 
+// Rows alone in their clusters have no deviation. That is all there is to say of the row of zeros
+// in itself, and its products with the other row are not numbers at all.
+TEST_F(MardleRun, TellsWhatTheDataOfThisRunBroughtFromWhatNumbersMade) {
+  const auto scores = [this](const std::string& matrix) {
+    folder_.Write("table", matrix);
+    Report({"-denseinput", "-direct", "-zscores", Path("table"), "2"});
+    std::string both;
+    for (const std::string& line : LinesOf(Text("table.clustering.2"))) {
+      both += line.substr(line.find(' ')) + "\n";
+    }
+    return both;
+  };
+  EXPECT_EQ(scores("2 1\n0\nnan\n"), " -nan nan\n nan nan\n");
+  EXPECT_EQ(scores("2 1\n0\n-nan\n"), " -nan nan\n nan nan\n");
+  EXPECT_EQ(scores("2 1\n1\n1\n"), " -nan -nan\n -nan -nan\n");
+}
+
 }  // namespace
