@@ -5,7 +5,8 @@
 // LOOKS is "rough", as the program decides, or "plain", by the full arithmetic alone. KERNEL is the
 // vector unit that the rough products are formed with, "avx512f", "avx2" or "default"; status 3
 // where this processor has none of the name. RECORD is a file to which a line is added at the end:
-// the kernel and how many rows went through it.
+// the kernel, how many rows went through it, and how many of them met eight lanes or more. Fewer
+// lanes take the same code under every kernel.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,11 +20,14 @@ namespace {
 
 molva::VectorKernel chosen{};
 unsigned long rows = 0;
+unsigned long wide_rows = 0;
 std::string record;
 
 void CountAndDot(const molva::RowView& row, const float* lanes, std::size_t stride,
                  float* products) {
+  constexpr std::size_t kWide = 8;
   ++rows;
+  if (stride >= kWide) ++wide_rows;
   chosen.dot(row, lanes, stride, products);
 }
 
@@ -37,7 +41,7 @@ bool Choose(const char* target) {
 void WriteRecord() {
   std::FILE* file = std::fopen(record.c_str(), "a");
   if (file == nullptr) return;
-  std::fprintf(file, "%s %lu rows\n", chosen.target, rows);
+  std::fprintf(file, "%s %lu rows, %lu wide\n", chosen.target, rows, wide_rows);
   std::fclose(file);
 }
 
