@@ -37,11 +37,13 @@ void FuzzProgram(Bytes bytes);      // whole runs
 void FuzzPlots(Bytes bytes);        // plot files
 void FuzzImport(Bytes bytes);       // inputs of mardle-import
 void FuzzExport(Bytes bytes);       // files for mardle-export
+void FuzzArithmetic(Bytes bytes);   // clusterings under both arithmetics
 
 inline constexpr Target kTargets[] = {
-    {"matrix", FuzzMatrix},   {"labels", FuzzLabels},   {"command_line", FuzzCommandLine},
-    {"numbers", FuzzNumbers}, {"library", FuzzLibrary}, {"program", FuzzProgram},
-    {"plots", FuzzPlots},     {"import", FuzzImport},   {"export", FuzzExport},
+    {"matrix", FuzzMatrix},         {"labels", FuzzLabels},   {"command_line", FuzzCommandLine},
+    {"numbers", FuzzNumbers},       {"library", FuzzLibrary}, {"program", FuzzProgram},
+    {"plots", FuzzPlots},           {"import", FuzzImport},   {"export", FuzzExport},
+    {"arithmetic", FuzzArithmetic},
 };
 
 // A promise that was not kept.

@@ -118,7 +118,7 @@ RUNS = [  # dense, clusters, options
     (0, 0, "rclassfile showtree"),
     (0, 3, "help"),
 ]
-BYTES = {"library": 14, "program": 24, "plots": 24}  # random ones, by the first byte
+BYTES = {"library": 14, "program": 24, "plots": 24, "arithmetic": 8}  # random ones, by the first byte
 
 
 def program(dense: int, clusters: int, words: str) -> bytes:
