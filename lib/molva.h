@@ -41,7 +41,7 @@
  *   to keep.
  *
  *   Numbers. Stored results are single precision, sums behind them are wider. The same arguments
- *   give the same bits on every build.
+ *   give the same bits on every build, but for the sign of a not-a-number, which means nothing.
  */
 #ifndef MOLVA_H_
 #define MOLVA_H_
