@@ -1,4 +1,5 @@
 # Fails when an include arrow turns back: support <- lib <- programs/io <- programs <- tools.
+# Among the tools text <- import, text <- run and text <- export, and nothing between the three.
 # Programs and tools see the library through lib/molva.h and lib/support/ only; programs/io also sees
 # run_params.h. The Python extension sees the library and the reader.
 #   cmake -DSOURCE_DIR=... -P CheckIncludes.cmake
@@ -25,7 +26,13 @@ foreach(wing IN ITEMS "" /matrix /criteria /rough /partition /tree /measure)
 endforeach()
 check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|programs/run_params\\.h)")
 check(programs "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h)")
-check(tools "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h|tools/[a-z0-9_]+\\.h)")
+set(seen_by_tools "lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h")
+check(tools "(${seen_by_tools})")
+check(tools/text "(lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|tools/text/[a-z0-9_]+\\.h)")
+check(tools/import "(${seen_by_tools}|tools/(text|import)/[a-z0-9_]+\\.h)")
+check(tools/run "(${seen_by_tools}|tools/(text|run)/[a-z0-9_]+\\.h)")
+check(tools/export "(${seen_by_tools}|tools/(text|export|export/page)/[a-z0-9_]+\\.h)")
+check(tools/export/page "(${seen_by_tools}|tools/(text|export|export/page)/[a-z0-9_]+\\.h)")
 check(python "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h)")
 
 if(offences)

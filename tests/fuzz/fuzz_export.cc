@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/fuzz/harness.h"
-#include "tools/export_run.h"
+#include "tools/export/export_run.h"
 
 namespace fuzzing {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "programs/io/read_matrix.h"
 #include "tests/fuzz/harness.h"
-#include "tools/import.h"
+#include "tools/import/import.h"
 
 namespace fuzzing {
 namespace {

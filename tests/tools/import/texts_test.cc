@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+//
+// From texts to matrices: words, stop words, documents, counts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <vector>
+
+#include "tests/tools/import/imported.h"
+#include "tools/import/stop_words.h"
+#include "tools/import/text_tokens.h"
+
+namespace {
+
+using mardle::tools::kDefaultTokenPattern;
+using testing_support::Imported;
+using testing_support::ReadText;
+using testing_support::TempFolder;
+using Texts = std::vector<std::string>;
+
+Texts WordsOf(const std::string& text, const std::string& pattern = kDefaultTokenPattern) {
+  mardle::tools::TextTokens tokens(pattern);
+  tokens.Start(text, {"text", 0});
+  Texts words;
+  std::string word;
+  while (tokens.Next(word)) words.push_back(word);
+  return words;
+}
+
+TEST(TextTokens, AreTwoLettersOrMoreInLowerCase) {
+  EXPECT_EQ(WordsOf("The cat, a CAT2cat_x don't"), (Texts{"the", "cat", "cat", "cat", "don"}));
+}
+
+TEST(TextTokens, LettersOfAllScriptsAreLetters) {
+  EXPECT_EQ(WordsOf("ÉTÉ Straße ДОМ ΟΔΟΣ"), (Texts{"été", "straße", "дом", "οδος"}));
+}
+
+TEST(TextTokens, MarksBelongToTheirLetters) {
+  EXPECT_EQ(WordsOf("e\xcc\x81t x\xcc\x81"), (Texts{"e\xcc\x81t", "x\xcc\x81"}));
+}
+
+TEST(TextTokens, BytesThatAreNoTextSeparateWords) {
+  EXPECT_EQ(WordsOf("ab\xff\xfe"
+                    "cd \xc3"),
+            (Texts{"ab", "cd"}));
+}
+
+TEST(TextTokens, AnotherPatternCutsOtherWords) {
+  EXPECT_EQ(WordsOf("A-1 b", "[a-z0-9-]*"), (Texts{"a-1", "b"}));
+  EXPECT_THROW(WordsOf("", "(["), std::invalid_argument);
+}
+
+TEST(StopWords, EnglishHasTheCommonWordsOnce) {
+  const auto words = mardle::tools::StopWordsNamed("english");
+  for (const char* word : {"the", "and", "of", "it", "don", "without"}) {
+    EXPECT_TRUE(words.contains(word)) << word;
+  }
+  EXPECT_FALSE(words.contains("water"));
+  EXPECT_TRUE(mardle::tools::StopWordsNamed("none").empty());
+}
+
+TEST(StopWords, AFileHasWordsInAnyCase) {
+  const TempFolder folder;
+  const auto words = mardle::tools::StopWordsNamed(folder.Write("words", "Und der\nÜBER\n"));
+  EXPECT_EQ(words, (mardle::tools::StopWords{"und", "der", "über"}));
+  EXPECT_THROW(mardle::tools::StopWordsNamed("/nosuch"), mardle::tools::InputError);
+}
+
+TEST(TextMatrix, CountsTheWordsOfLines) {
+  Imported imported("t.txt", "Red apple, red wine\nWine and the sea\n\nred sea\n");
+  EXPECT_EQ(imported.Run(), "4 3 6\n1 2 3 1\n2 1 3 1\n\n1 1 2 1\n");
+  EXPECT_EQ(imported.Read(".clabel"), "red\nsea\nwine\n");
+  EXPECT_EQ(imported.Read(".rlabel"), "");
+}
+
+TEST(TextMatrix, WordsOfTooFewOrTooManyDocumentsAreNoColumns) {
+  Imported imported("t.txt", "aa bb cc\naa bb\naa bb dd\naa\n");
+  imported.options.limits = {.min_count = 1, .max_fraction = 0.75};
+  EXPECT_EQ(imported.Run(".clabel"), "bb\ncc\ndd\n");
+}
+
+TEST(TextMatrix, EmptyDocumentsAreLeftOutOnRequest) {
+  Imported imported("t.txt", "aa bb\n\naa bb\n");
+  imported.options.output.drop_empty = true;
+  EXPECT_EQ(imported.Run(), "2 2 4\n1 1 2 1\n1 1 2 1\n");
+}
+
+TEST(TextMatrix, ManyWordsAndCountsAreKept) {
+  // More than 128 words and a word more than 128 times: counts of more than one byte.
+  std::string text;
+  for (char a = 'a'; a <= 'z'; ++a) {
+    for (char b = 'a'; b <= 'z'; ++b) (text += std::string{'q', a, b}) += ' ';
+  }
+  for (int i = 0; i < 299; ++i) text += "qzz ";
+  Imported imported("t.txt", text + "\n" + text + "\n");
+  const std::string matrix = imported.Run();
+  EXPECT_EQ(matrix.substr(0, matrix.find('\n')), "2 676 1352");
+  EXPECT_TRUE(matrix.ends_with(" 675 1 676 300\n"));
+}
+
+TEST(TextMatrix, FieldsBetweenTabsAreLabelAndClass) {
+  Imported imported("t.txt", "n1\taa bb\tred\nn2\taa\tblue\tbb\n");
+  imported.options.table.label_column = "1";
+  imported.options.table.class_column = "3";
+  EXPECT_EQ(imported.Run(), "2 2 4\n1 1 2 1\n1 1 2 1\n");
+  EXPECT_EQ(imported.Read(".rlabel"), "n1\nn2\n");
+  EXPECT_EQ(imported.Read(".rclass"), "red\nblue\n");
+}
+
+TEST(TextMatrix, ALineWithoutItsColumnIsNamed) {
+  Imported imported("t.txt", "a\tb\nc\n");
+  imported.options.table.class_column = "2";
+  EXPECT_EQ(imported.Failure(), "t.txt:2: the line has no column 2 between tabs");
+}
+
+TEST(TextMatrix, ColumnsOfLinesAreNumbers) {
+  Imported imported("t.txt", "a\tb\n");
+  imported.options.table.class_column = "kind";
+  EXPECT_EQ(imported.Failure(), "columns of lines are numbers, counted from 1, not 'kind'");
+}
+
+TEST(TextMatrix, CellsOfATableAreTexts) {
+  Imported imported("t.csv", "kind,text,stars\nred,\"Sea, sea\nwine\",5\nblue,wine sea,1\n");
+  imported.options.table.text_column = "text";
+  imported.options.table.class_column = "kind";
+  EXPECT_EQ(imported.Run(), "2 2 4\n1 2 2 1\n1 1 2 1\n");
+  EXPECT_EQ(imported.Read(".rclass"), "red\nblue\n");
+}
+
+TEST(TextMatrix, ADocumentWithTooManyWordsIsNamed) {
+  std::string text = "aa\n";
+  for (int i = 0; i < 30000; ++i) {
+    for (int n = i + 1000; n > 0; n /= 26) text += static_cast<char>('a' + n % 26);
+    text += ' ';
+  }
+  Imported imported("t.txt", text + "\n");
+  imported.options.limits.min_count = 1;
+  EXPECT_EQ(imported.Failure().substr(0, 35), "t.txt:2: the row would be a line of");
+}
+
+// A folder of texts beside the output.
+class TextFolder : public ::testing::Test {
+ protected:
+  TextFolder() : imported_("unused", "") {
+    imported_.options.input = imported_.folder.Path("texts");
+  }
+  void Write(const std::string& name, const std::string& text) {
+    const std::filesystem::path path = imported_.folder.Path("texts/" + name);
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << text;
+  }
+  Imported imported_;
+};
+
+TEST_F(TextFolder, FilesAreRowsInTheOrderOfTheirPaths) {
+  Write("b/2.txt", "aa bb");
+  Write("a/1.txt", "bb");
+  Write("b.txt", "aa\nbb bb");
+  EXPECT_EQ(imported_.Run(), "3 2 5\n2 1\n1 1 2 2\n1 1 2 1\n");
+  EXPECT_EQ(imported_.Read(".rlabel"), "a/1.txt\nb.txt\nb/2.txt\n");
+}
+
+TEST_F(TextFolder, TheFirstFolderIsTheClassOnRequest) {
+  Write("b/deep/2.txt", "aa");
+  Write("1.txt", "aa");
+  imported_.options.folder.folder_classes = true;
+  EXPECT_EQ(imported_.Run(".rclass"), ".\nb\n");
+}
+
+TEST_F(TextFolder, OnlyVisibleTextsThatFitAreTaken) {
+  Write("1.txt", "aa");
+  Write(".hidden.txt", "aa");
+  Write(".git/x.txt", "aa");
+  Write("2.md", "aa");
+  Write("3.txt", std::string("a\0a", 3));
+  imported_.options.folder.file_pattern = "*.txt";
+  imported_.options.limits.min_count = 1;
+  const auto result = Import(imported_.options);
+  EXPECT_EQ(imported_.Read(".rlabel"), "1.txt\n");
+  EXPECT_EQ(result.files_passed_over, 1);
+  EXPECT_EQ(imported_.WithoutFolder(Summary(imported_.options, result)),
+            "out.mat: 1 row, 1 column, 1 entry, sparse, from texts (folder of texts)\n"
+            "1 file is no text and left out\n"
+            "Cluster with: mardle -colmodel=1 out.mat NCLUSTERS\n");
+}
+
+TEST_F(TextFolder, AFolderWithoutTextsIsRefused) {
+  Write("2.md", "aa");
+  imported_.options.folder.file_pattern = "*.txt";
+  EXPECT_EQ(imported_.Failure(), "out.mat: there are no rows to write");
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "tools/run/child_process.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+
+#include "tests/testing/files.h"
+#include "tools/run/program_path.h"
+
+namespace {
+
+using namespace mardle::tools;
+using testing_support::TempFolder;
+
+TEST(RunProgram, TellsTheStatus) {
+  EXPECT_EQ(RunProgram("/bin/sh", {"-c", "exit 84"}).status, 84);
+  EXPECT_EQ(RunProgram("/bin/sh", {"-c", "exit $1", "sh", "7"}).status, 7);
+}
+
+TEST(RunProgram, TellsTheSignal) {
+  EXPECT_EQ(RunProgram("/bin/sh", {"-c", "kill -KILL $$"}).signal, SIGKILL);
+}
+
+TEST(RunProgram, TellsWhyItDidNotStart) {
+  EXPECT_EQ(RunProgram("/nosuch", {}).start_error, ENOENT);
+  EXPECT_EQ(RunProgram("/", {}).start_error, EACCES);
+}
+
+TEST(RunProgram, HandsSignalsOn) {
+  // The program signals its parent, which is this process, and waits for the signal to come back.
+  const Ending ending = RunProgram(
+      "/bin/sh", {"-c", "trap 'exit 5' TERM; kill -TERM $PPID; while :; do sleep 0.01; done"});
+  EXPECT_EQ(ending.status, 5);
+}
+
+TEST(EndBySignal, EndsAsTheProgramDid) {
+  EXPECT_EXIT(EndBySignal(SIGTERM), testing::KilledBySignal(SIGTERM), "");
+}
+
+std::string WriteProgram(const TempFolder& folder, const std::string& name) {
+  const std::string path = folder.Write(name, "#!/bin/sh\n");
+  std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  return path;
+}
+
+TEST(FindProgram, APathIsTakenAsItIs) {
+  const TempFolder folder;
+  const std::string program = WriteProgram(folder, "p");
+  EXPECT_EQ(FindProgram(program, ""), program);
+  EXPECT_EQ(FindProgram(folder.Write("text", ""), ""), std::nullopt);
+  EXPECT_EQ(FindProgram(folder.Path(""), ""), std::nullopt);
+}
+
+TEST(FindProgram, ANameIsFoundInTheFirstFolderThatHasIt) {
+  const TempFolder empty, first, second;
+  const std::string program = WriteProgram(first, "p");
+  WriteProgram(second, "p");
+  const std::string path = empty.Path("") + ":" + first.Path(".") + ":" + second.Path(".");
+  EXPECT_EQ(FindProgram("p", path.c_str()), first.Path(".") + "/p");
+  EXPECT_EQ(FindProgram("q", path.c_str()), std::nullopt);
+  EXPECT_EQ(FindProgram("p", nullptr), std::nullopt);
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+#include "tools/export/export_run.h"
+
+#include <cstdio>
+#include <exception>
+#include <sstream>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "lib/support/fatal.h"
+#include "tools/export/clustering.h"
+#include "tools/export/dot.h"
+#include "tools/export/failure.h"
+#include "tools/export/file.h"
+#include "tools/export/linkage.h"
+#include "tools/export/newick.h"
+#include "tools/export/page/html_page.h"
+#include "tools/export/request.h"
+#include "tools/export/rows.h"
+#include "tools/export/table.h"
+#include "tools/export/tree.h"
+
+namespace mardle::exporting {
+namespace {
+
+std::string Table(const Request& request) {
+  const Matrix names = ReadRowNames(request.files);
+  const Clustering clustering = ReadClustering(request.clustering, names.nrows);
+  std::ostringstream out;
+  (request.format == Format::kTsv ? WriteTsv : WriteJson)(names, clustering, out);
+  return out.str();
+}
+
+// Rows by their labels; without a matrix leaves by their numbers.
+std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
+  std::vector<std::string> labels(static_cast<std::size_t>(tree.nleaves));
+  if (request.files.matrix.empty()) {
+    for (std::size_t x = 0; x < labels.size(); ++x) labels[x] = std::to_string(x);
+    return labels;
+  }
+  const Matrix names = ReadRowNames(request.files);
+  if (names.nrows != tree.nleaves) {
+    throw FailureAt(request.tree, tree.parent.size(),
+                    "the file ends here, a tree of " + std::to_string(tree.nleaves) +
+                        " leaves; the matrix has " + std::to_string(names.nrows) + " rows");
+  }
+  for (std::size_t x = 0; x < labels.size(); ++x) {
+    labels[x] = names.rlabels[static_cast<std::int64_t>(x)];
+  }
+  return labels;
+}
+
+void WriteLeaves(const Request& request, const Tree& tree, const std::vector<std::string>& labels) {
+  std::string text;
+  for (const int leaf : tree.Leaves()) text += labels[static_cast<std::size_t>(leaf)] + "\n";
+  WriteOrFail(request.leaves, text);
+}
+
+std::string TreeText(const Request& request) {
+  const Tree tree = ReadTree(request.tree);
+  const std::vector<std::string> labels = LeafLabels(request, tree);
+  const std::vector<double> heights = Heights(tree, request.heights);
+  std::ostringstream out;
+  if (request.format == Format::kNewick) WriteNewick(tree, labels, heights, out);
+  if (request.format == Format::kLinkage) WriteLinkage(tree, heights, out);
+  if (request.format == Format::kDot) WriteDot(tree, labels, heights, out);
+  if (!request.leaves.empty()) WriteLeaves(request, tree, labels);
+  return out.str();
+}
+
+std::string Page(const Request& request) {
+  const Matrix mat = ReadWholeMatrix(request.files, request.run.denseinput);
+  const Clustering clustering = ReadClustering(request.clustering, mat.nrows);
+  std::ostringstream out;
+  WriteHtmlPage({request.files.matrix, request.clustering, request.tree, request.run, mat},
+                clustering, out);
+  return out.str();
+}
+
+std::string Text(const Request& request) {
+  switch (request.format) {
+    case Format::kTsv:
+    case Format::kJson:
+      return Table(request);
+    case Format::kNewick:
+    case Format::kLinkage:
+    case Format::kDot:
+      return TreeText(request);
+    case Format::kHtml:
+      return Page(request);
+  }
+  return {};
+}
+
+// The readers' messages end with one or none.
+std::string WithoutNewlines(std::string text) {
+  while (text.ends_with('\n')) text.pop_back();
+  return text;
+}
+
+}  // namespace
+
+int Export(int argc, const char* const* argv) {
+  const std::variant<Request, int> parsed = ParseRequest(argc, argv);
+  if (const int* status = std::get_if<int>(&parsed)) return *status;
+  const Request& request = std::get<Request>(parsed);
+  const molva::CatchableErrors errors_are_thrown;
+  try {
+    // The whole text is made first, so a run that fails leaves an older file as it was.
+    WriteOrFail(request.output, Text(request));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "mardle-export: %s\n", WithoutNewlines(error.what()).c_str());
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace mardle::exporting

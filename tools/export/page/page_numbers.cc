@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: MIT
+#include "tools/export/page/page_numbers.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "lib/molva.h"
+#include "lib/support/tree_arrays.h"
+#include "lib/support/vectors.h"
+#include "programs/external_quality.h"
+#include "tools/export/failure.h"
+#include "tools/export/tree.h"
+
+namespace mardle::exporting {
+namespace {
+
+using molva::AllocFloatsSet;
+using molva::AllocIntsSet;
+
+// The z-score of a row that preparation drops.
+constexpr float kUnmeasured = std::numeric_limits<float>::quiet_NaN();
+
+FeatureLists EmptyLists(std::int64_t lists, int nfeatures) {
+  const std::int64_t slots = lists * nfeatures;
+  return {AllocIntsSet(slots, -1, "Measure: ids"), AllocFloatsSet(slots, 0, "Measure: weights")};
+}
+
+void MeasureClusters(const PageRun& run, const int* part, PageNumbers& numbers) {
+  const RunParams& params = run.params;
+  const Matrix& mat = run.mat;
+  const int n = numbers.nclusters;
+  numbers.pwgts = AllocIntsSet(n, 0, "Measure: pwgts");
+  numbers.cintsim = AllocFloatsSet(n, 0, "Measure: cintsim");
+  numbers.cintsdev = AllocFloatsSet(n, 0, "Measure: cintsdev");
+  numbers.izscores = AllocFloatsSet(mat.nrows, kUnmeasured, "Measure: izscores");
+  numbers.cextsim = AllocFloatsSet(n, 0, "Measure: cextsim");
+  numbers.cextsdev = AllocFloatsSet(n, 0, "Measure: cextsdev");
+  numbers.ezscores = AllocFloatsSet(mat.nrows, kUnmeasured, "Measure: ezscores");
+  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                          params.prune, n, part, numbers.pwgts.get(), numbers.cintsim.get(),
+                          numbers.cintsdev.get(), numbers.izscores.get(), numbers.cextsim.get(),
+                          numbers.cextsdev.get(), numbers.ezscores.get());
+  numbers.crvalue = MOLVA_V_GetSolutionQuality(
+      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
+      params.crfun, params.rowmodel, params.colmodel, params.prune, n, part);
+}
+
+void MeasureFeatures(const PageRun& run, const int* part, PageNumbers& numbers) {
+  const RunParams& params = run.params;
+  const Matrix& mat = run.mat;
+  numbers.descriptive = EmptyLists(numbers.nclusters, params.nfeatures);
+  numbers.discriminating = EmptyLists(numbers.nclusters, params.nfeatures);
+  MOLVA_V_GetClusterFeatures(
+      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
+      params.rowmodel, params.colmodel, params.prune, numbers.nclusters, part, params.nfeatures,
+      numbers.descriptive.ids.get(), numbers.descriptive.weights.get(),
+      numbers.discriminating.ids.get(), numbers.discriminating.weights.get());
+}
+
+void CountClasses(const PageRun& run, const std::vector<int>& part, PageNumbers& numbers) {
+  const Matrix& mat = run.mat;
+  numbers.classdist =
+      molva::AllocIntMatrix(numbers.nclusters, mat.nclasses, 0, "Measure: classdist");
+  numbers.ocldist = AllocIntsSet(mat.nclasses, 0, "Measure: ocldist");
+  for (std::size_t i = 0; i < part.size(); ++i) {
+    if (part[i] < 0) continue;
+    ++numbers.classdist[part[i]][static_cast<std::size_t>(mat.classes[i])];
+    ++numbers.ocldist[mat.classes[i]];
+  }
+}
+
+void MeasureClasses(const PageRun& run, const std::vector<int>& part, PageNumbers& numbers) {
+  const int nclasses = run.mat.nclasses;
+  numbers.has_classes = true;
+  CountClasses(run, part, numbers);
+  numbers.entropies = AllocFloatsSet(numbers.nclusters, 0, "Measure: entropies");
+  numbers.purities = AllocFloatsSet(numbers.nclusters, 0, "Measure: purities");
+  for (int k = 0; k < numbers.nclusters; ++k) {
+    numbers.entropies[k] = ComputeEntropy(nclasses, numbers.nclustered, numbers.ocldist,
+                                          numbers.pwgts[k], numbers.classdist[k]);
+    numbers.purities[k] = ComputePurity(nclasses, numbers.nclustered, numbers.ocldist,
+                                        numbers.pwgts[k], numbers.classdist[k]);
+  }
+  numbers.entropy = WeightedAverage(numbers.pwgts, numbers.entropies, numbers.nclustered);
+  numbers.purity = WeightedAverage(numbers.pwgts, numbers.purities, numbers.nclustered);
+}
+
+// The parents of a file's tree over n leaves, as the library wants them: 2n.
+molva::Array<int> ParentsOf(const Tree& tree) {
+  molva::Array<int> ptree =
+      AllocIntsSet(2 * static_cast<std::int64_t>(tree.nleaves), -1, "Measure: ptree");
+  std::copy(tree.parent.begin(), tree.parent.end(), ptree.begin());
+  return ptree;
+}
+
+molva::Array<int> BuildParents(const PageRun& run, const int* part, int nclusters) {
+  const RunParams& params = run.params;
+  const Matrix& mat = run.mat;
+  const std::int64_t nodes = 2 * std::int64_t{nclusters};
+  molva::Array<int> ptree = AllocIntsSet(nodes, -1, "Measure: ptree");
+  molva::Array<float> tsims = AllocFloatsSet(nodes, 0, "Measure: tsims");
+  MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
+                    params.simfun, params.treecrfun, params.rowmodel, params.colmodel, params.prune,
+                    1, 0, nclusters, part, ptree.get(), tsims.get());
+  return ptree;
+}
+
+void OrderChildren(const PageRun& run, const int* part, int nclusters, ClusterTree& tree) {
+  const RunParams& params = run.params;
+  const Matrix& mat = run.mat;
+  tree.children = molva::MakeChildTable({tree.ptree.get(), tree.ptree.size()}, "Measure: children");
+  tree.root = molva::FindRoot(molva::ChildTable(tree.children));
+  if (params.noreorder != 0) return;
+  MOLVA_V_ClusterTreeReorder(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                             mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                             params.prune, 0, nclusters, part, tree.ptree.get(),
+                             tree.children.get());
+}
+
+void MeasureTree(const PageRun& run, const int* part, int nclusters, ClusterTree& tree) {
+  const RunParams& params = run.params;
+  const Matrix& mat = run.mat;
+  const std::int64_t nodes = 2 * std::int64_t{nclusters};
+  OrderChildren(run, part, nclusters, tree);
+  tree.pwgts = AllocIntsSet(nodes, 0, "Measure: node pwgts");
+  tree.isims = AllocFloatsSet(nodes, 0, "Measure: isims");
+  tree.xsims = AllocFloatsSet(nodes, 0, "Measure: xsims");
+  MOLVA_V_GetTreeStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
+                       params.simfun, params.rowmodel, params.colmodel, params.prune, nclusters,
+                       part, tree.ptree.get(), tree.pwgts.get(), tree.isims.get(),
+                       tree.xsims.get());
+  // Where only one cluster has rows nothing is joined.
+  if (tree.root < nclusters) tree.root = molva::ArgMaxInt(tree.pwgts);
+  tree.descriptive = EmptyLists(nodes, params.nfeatures);
+  FeatureLists discriminating = EmptyLists(nodes, params.nfeatures);
+  MOLVA_V_GetTreeFeatures(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
+                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
+                          params.prune, nclusters, part, tree.ptree.get(), params.nfeatures,
+                          tree.descriptive.ids.get(), tree.descriptive.weights.get(),
+                          discriminating.ids.get(), discriminating.weights.get());
+}
+
+void MeasureFScores(const PageRun& run, const Tree& complete, PageNumbers& numbers) {
+  if (!numbers.has_classes) return;
+  const Matrix& mat = run.mat;
+  numbers.has_fscores = true;
+  numbers.fscores = AllocFloatsSet(mat.nclasses, 0, "Measure: fscores");
+  ComputeFScores(mat.nclasses, mat.nrows, mat.classes, numbers.ocldist, ParentsOf(complete),
+                 numbers.fscores);
+  numbers.fscore = WeightedAverage(numbers.ocldist, numbers.fscores, numbers.nclustered);
+}
+
+// A tree over the clusters takes the place of the computed one; a complete tree gives F-scores.
+void TakeTreeFile(const PageRun& run, PageNumbers& numbers) {
+  if (run.tree_name.empty()) return;
+  const Tree tree = ReadTree(run.tree_name);
+  if (tree.nleaves == numbers.nclusters) {
+    numbers.tree.ptree = ParentsOf(tree);
+  } else if (tree.nleaves == run.mat.nrows) {
+    MeasureFScores(run, tree, numbers);
+  } else {
+    throw FailureAt(run.tree_name, tree.parent.size(),
+                    "the file ends here, a tree of " + std::to_string(tree.nleaves) +
+                        " leaves; there are " + std::to_string(numbers.nclusters) +
+                        " clusters and " + std::to_string(run.mat.nrows) + " rows");
+  }
+}
+
+}  // namespace
+
+PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
+  if (clustering.nclusters == 0) {
+    throw Failure(run.clustering_name + ": no row has a cluster, there is nothing to show");
+  }
+  const std::vector<int>& part = clustering.part;
+  PageNumbers numbers;
+  numbers.nclusters = clustering.nclusters;
+  numbers.nclustered = std::count_if(part.begin(), part.end(), [](int k) { return k >= 0; });
+  MeasureClusters(run, part.data(), numbers);
+  MeasureFeatures(run, part.data(), numbers);
+  if (run.mat.nclasses > 1) MeasureClasses(run, part, numbers);
+  TakeTreeFile(run, numbers);
+  if (!numbers.tree.ptree) numbers.tree.ptree = BuildParents(run, part.data(), numbers.nclusters);
+  MeasureTree(run, part.data(), numbers.nclusters, numbers.tree);
+  return numbers;
+}
+
+}  // namespace mardle::exporting

@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+#include "tools/export/request.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+#include <map>
+#include <utility>
+
+namespace mardle::exporting {
+namespace {
+
+constexpr int kWrongUsage = 2;
+
+// What CLI11 fills and a request holds in another form.
+struct Texts {
+  std::string prune = "1.0";
+};
+
+CLI::App* AddFormat(CLI::App& app, const char* name, const char* what, Format format,
+                    Request& request) {
+  CLI::App* command = app.add_subcommand(name, what);
+  command->callback([&request, format] { request.format = format; });
+  command->add_option("--output", request.output, "Write to this file, not to standard output")
+      ->type_name("FILE");
+  return command;
+}
+
+CLI::Option* AddFile(CLI::App* command, const char* name, std::string& path, const char* what) {
+  return command->add_option(name, path, what)->type_name("FILE");
+}
+
+void AddRowFiles(CLI::App* command, CLI::Option* matrix, MatrixFiles& files) {
+  AddFile(command, "--rlabelfile", files.rlabelfile, "Row labels, instead of MATRIX.rlabel")
+      ->needs(matrix);
+}
+
+void AddClassFile(CLI::App* command, CLI::Option* matrix, MatrixFiles& files) {
+  AddFile(command, "--rclassfile", files.rclassfile, "Row classes, instead of MATRIX.rclass")
+      ->needs(matrix);
+}
+
+CLI::Option* AddMatrix(CLI::App* command, MatrixFiles& files, const char* what) {
+  return AddFile(command, "--matrix", files.matrix, what);
+}
+
+void AddClustering(CLI::App* command, Request& request) {
+  AddFile(command, "--clustering", request.clustering, "The clustering file of the run")
+      ->required();
+}
+
+void AddTable(CLI::App* command, Request& request) {
+  AddClustering(command, request);
+  CLI::Option* matrix = AddMatrix(command, request.files, "The matrix that was clustered");
+  matrix->required();
+  AddRowFiles(command, matrix, request.files);
+  AddClassFile(command, matrix, request.files);
+}
+
+void AddTree(CLI::App* command, Request& request) {
+  AddFile(command, "--tree", request.tree, "The tree file of the run")->required();
+  CLI::Option* matrix = AddMatrix(
+      command, request.files,
+      "The matrix whose rows are the leaves; without it leaves are called by their numbers");
+  AddRowFiles(command, matrix, request.files);
+  const std::map<std::string, HeightsFrom> sources = {{"order", HeightsFrom::kOrder},
+                                                      {"similarity", HeightsFrom::kSimilarity}};
+  command
+      ->add_option_function<std::string>(
+          "--heights",
+          [&request, sources](const std::string& source) { request.heights = sources.at(source); },
+          "Heights of the nodes: their order (default), or 1 - similarity, which only the tree over "
+          "the clusters allows")
+      ->check(CLI::IsMember(sources))
+      ->type_name("order|similarity");
+}
+
+// Empty for a number from 0 to 1, else what is wrong. A text such as "nan" is no such number.
+std::string CheckFraction(const std::string& text) {
+  char* end = nullptr;
+  const double value = std::strtod(text.c_str(), &end);
+  const bool is_number = end != text.c_str() && *end == '\0';
+  return is_number && value >= 0 && value <= 1 ? "" : "'" + text + "' is not a number from 0 to 1";
+}
+
+void AddRun(CLI::App* command, Request& request, Texts& texts) {
+  RunParams& run = request.run;
+  command->add_option("--crfun", run.crfun, "Criterion of the run, 1 to 9 (default 2, I2)")
+      ->check(CLI::Range(1, 9))
+      ->type_name("INT");
+  command
+      ->add_option("--treecrfun", run.treecrfun, "Criterion of the tree, 1 to 7 (default: --crfun)")
+      ->check(CLI::Range(1, 7))
+      ->type_name("INT");
+  command->add_option("--sim", run.simfun, "Similarity: 1 cosine (default), 2 correlation")
+      ->check(CLI::Range(1, 2))
+      ->type_name("INT");
+  command->add_option("--rowmodel", run.rowmodel, "Row model, 1 to 4 (default 1, none)")
+      ->check(CLI::Range(1, 4))
+      ->type_name("INT");
+  command->add_option("--colmodel", run.colmodel, "Column model: 1 none, 2 IDF (default)")
+      ->check(CLI::Range(1, 2))
+      ->type_name("INT");
+  command->add_option("--prune", texts.prune, "Pruning fraction, 0 to 1 (default 1.0)")
+      ->check(CheckFraction)
+      ->type_name("FLOAT");
+  command->add_option("--nfeatures", run.nfeatures, "Columns shown of each kind (default 5)")
+      ->check(CLI::Range(1, 100))
+      ->type_name("INT");
+  command->add_flag("--denseinput", run.denseinput, "The matrix is in the dense format");
+  command->add_flag("--noreorder", run.noreorder, "Show the tree's branches in number order");
+}
+
+void AddPage(CLI::App* command, Request& request, Texts& texts) {
+  AddTable(command, request);
+  AddFile(command, "--clabelfile", request.files.clabelfile,
+          "Column labels, instead of MATRIX.clabel");
+  AddFile(command, "--tree", request.tree,
+          "A tree file of the run: the tree over the clusters is shown instead of a computed one, "
+          "the complete tree gives F-scores");
+  AddRun(command, request, texts);
+}
+
+// A complete tree's similarities do not stand at its nodes, and only it has rows for leaves.
+void CheckHeights(const Request& request) {
+  if (request.heights == HeightsFrom::kSimilarity && !request.files.matrix.empty()) {
+    throw CLI::ValidationError("--heights",
+                               "the similarities of a tree over the rows give no heights");
+  }
+}
+
+// What follows from the run's options, as in the run itself.
+void DeriveRun(const Texts& texts, RunParams& run) {
+  run.prune = static_cast<float>(std::strtod(texts.prune.c_str(), nullptr));
+  if (run.simfun == 2 || run.denseinput != 0) run.colmodel = 1;
+  if (run.treecrfun == 0) run.treecrfun = run.crfun;
+  if (run.treecrfun > 7) {
+    throw CLI::ValidationError("--treecrfun",
+                               "trees are built under the criteria 1 to 7; one of them is wanted");
+  }
+}
+
+void Describe(CLI::App& app) {
+  app.description("Turns what mardle wrote into tables, trees and pages for other programs.");
+  app.name("mardle-export");
+  app.set_version_flag("--version", "mardle-export " MARDLE_VERSION);
+  app.set_help_flag("--help", "Print this help");
+  // That there is one is checked last, so that a word which is none is named.
+  app.require_subcommand(0, 1);
+  app.footer("mardle-export FORMAT --help lists the options of one format.");
+}
+
+}  // namespace
+
+std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
+  Request request;
+  Texts texts;
+  CLI::App app;
+  Describe(app);
+  AddTable(AddFormat(app, "tsv", "The clustering as tab-separated lines", Format::kTsv, request),
+           request);
+  AddTable(AddFormat(app, "json", "The clustering as JSON", Format::kJson, request), request);
+  AddTree(AddFormat(app, "newick", "A tree in the Newick form", Format::kNewick, request), request);
+  CLI::App* linkage =
+      AddFormat(app, "linkage", "A tree as a linkage table", Format::kLinkage, request);
+  AddTree(linkage, request);
+  AddFile(linkage, "--leaves", request.leaves, "Write the labels of the leaves to this file");
+  AddTree(AddFormat(app, "dot", "A tree for Graphviz", Format::kDot, request), request);
+  AddPage(AddFormat(app, "html", "The run as one page", Format::kHtml, request), request, texts);
+  try {
+    app.parse(argc, argv);
+    if (app.get_subcommands().empty()) throw CLI::RequiredError("A format");
+    CheckHeights(request);
+    if (request.format == Format::kHtml) DeriveRun(texts, request.run);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kWrongUsage;
+  }
+  return request;
+}
+
+}  // namespace mardle::exporting

@@ -1,4 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "tools/export_run.h"
-
-int main(int argc, char** argv) { return mardle::exporting::Export(argc, argv); }

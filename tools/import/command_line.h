@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+//
+// The command line of mardle-import.
+#pragma once
+
+#include <optional>
+
+#include "tools/import/import.h"
+
+namespace mardle::tools {
+
+// Fills in the options. When there is nothing to import it returns the status to end with: 0 after
+// --help and --version, 2 after a command line that is wrong, which is told on standard error.
+std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportOptions& options);
+
+}  // namespace mardle::tools

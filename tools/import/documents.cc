@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "tools/import/documents.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+namespace mardle::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
+
+// Paths below the folder, in the order of their bytes, which no locale and no file system changes.
+std::vector<std::string> FilesBelow(const std::string& folder, const std::string& pattern) {
+  std::vector<std::string> files;
+  for (auto entry = fs::recursive_directory_iterator(folder);
+       entry != fs::recursive_directory_iterator(); ++entry) {
+    const fs::path& path = entry->path();
+    if (IsHidden(path)) {
+      if (entry->is_directory()) entry.disable_recursion_pending();
+      continue;
+    }
+    if (!entry->is_regular_file()) continue;
+    if (fnmatch(pattern.c_str(), path.filename().c_str(), 0) != 0) continue;
+    files.push_back(path.lexically_relative(folder).string());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::string_view FirstFolder(std::string_view path) {
+  const std::size_t slash = path.find('/');
+  return slash == std::string_view::npos ? "." : path.substr(0, slash);
+}
+
+std::string WholeText(const std::string& path) {
+  InputLines input(path);
+  std::string text;
+  std::string_view line;
+  while (input.Next(line)) (text += line) += '\n';
+  return text;
+}
+
+// Takes the columns out of the line and returns what is left.
+std::string TakeColumns(std::string_view line, const LineOptions& options, RowNames& names) {
+  std::string text;
+  std::size_t begin = 0;
+  for (int column = 1; begin <= line.size(); ++column) {
+    const std::size_t end = std::min(line.find('\t', begin), line.size());
+    const std::string_view field = line.substr(begin, end - begin);
+    begin = end + 1;
+    const bool is_label = column == options.label_column;
+    const bool is_class = column == options.class_column;
+    if (is_label) names.label = field;
+    if (is_class) names.class_name = field;
+    if (!is_label && !is_class) (text += field) += ' ';
+  }
+  return text;
+}
+
+void RequireColumn(std::optional<int> column, const std::optional<std::string_view>& name,
+                   const InputLines& input) {
+  if (column && !name) {
+    input.Fail("the line has no column " + std::to_string(*column) + " between tabs");
+  }
+}
+
+}  // namespace
+
+std::int64_t VisitFolder(const std::string& folder, const FolderOptions& options,
+                         const DocumentVisitor& visit) {
+  std::int64_t passed_over = 0;
+  for (const std::string& file : FilesBelow(folder, options.file_pattern)) {
+    const std::string path = (fs::path(folder) / file).string();
+    const std::string text = WholeText(path);
+    if (text.find('\0') != std::string::npos) {
+      ++passed_over;
+      continue;
+    }
+    RowNames names{.label = file};
+    if (options.folder_classes) names.class_name = FirstFolder(file);
+    visit({text, names, {path, 0}});
+  }
+  return passed_over;
+}
+
+void VisitLines(InputLines& input, const LineOptions& options, const DocumentVisitor& visit) {
+  const bool has_columns = options.label_column || options.class_column;
+  std::string_view line;
+  while (input.Next(line)) {
+    if (!has_columns) {
+      visit({line, {}, input.place()});
+      continue;
+    }
+    RowNames names;
+    const std::string text = TakeColumns(line, options, names);
+    RequireColumn(options.label_column, names.label, input);
+    RequireColumn(options.class_column, names.class_name, input);
+    visit({text, names, input.place()});
+  }
+}
+
+void VisitTable(InputLines& input, const TableOptions& options, const DocumentVisitor& visit) {
+  Table table(input, options);
+  while (table.Next()) {
+    visit({*table.Field(table.text_column),
+           {table.Field(table.label_column), table.Field(table.class_column)},
+           table.place()});
+  }
+}
+
+}  // namespace mardle::tools

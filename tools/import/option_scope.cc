@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "tools/import/option_scope.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace mardle::tools {
+namespace {
+
+// The format with the two uses of tables told apart.
+struct Kind {
+  bool table, table_of_texts, lines, folder, svmlight, matrix_market;
+  bool AnyTable() const { return table || table_of_texts; }
+  bool Texts() const { return table_of_texts || lines || folder; }
+};
+
+Kind KindOf(const ImportOptions& options, InputFormat format) {
+  const bool is_table = format == InputFormat::kTable;
+  const bool has_text = !options.table.text_column.empty();
+  return {.table = is_table && !has_text,
+          .table_of_texts = is_table && has_text,
+          .lines = format == InputFormat::kLines,
+          .folder = format == InputFormat::kFolder,
+          .svmlight = format == InputFormat::kSvmlight,
+          .matrix_market = format == InputFormat::kMatrixMarket};
+}
+
+void Require(bool useful, bool given, const char* option, InputFormat format) {
+  if (given && !useful) {
+    throw std::invalid_argument(std::string(option) +
+                                " has no use for this input: " + NameOf(format));
+  }
+}
+
+}  // namespace
+
+void RefuseIdleOptions(const ImportOptions& options, InputFormat format) {
+  static const ImportOptions kDefaults;
+  const TableOptions& table = options.table;
+  const Kind kind = KindOf(options, format);
+  const auto require = [format](bool useful, bool given, const char* option) {
+    Require(useful, given, option, format);
+  };
+  require(kind.AnyTable() || kind.lines, !table.label_column.empty(), "--label-column");
+  require(kind.AnyTable() || kind.lines, !table.class_column.empty(), "--class-column");
+  require(kind.AnyTable(), !table.text_column.empty(), "--text-column");
+  require(kind.table, !table.skipped_columns.empty(), "--skip-column");
+  require(kind.AnyTable(), table.delimiter.has_value(), "--delimiter");
+  require(kind.AnyTable(), table.no_header, "--no-header");
+  require(kind.table || kind.matrix_market, options.sparse, "--sparse");
+  require(kind.svmlight, options.zero_based, "--zero-based");
+  require(kind.folder, options.folder.file_pattern != kDefaults.folder.file_pattern, "--files");
+  require(kind.folder, options.folder.folder_classes, "--folder-classes");
+  require(kind.Texts(), options.token_pattern != kDefaults.token_pattern, "--token-pattern");
+  require(kind.Texts(), options.stop_words != kDefaults.stop_words, "--stop-words");
+  require(kind.Texts(), options.limits.min_count != kDefaults.limits.min_count, "--min-count");
+  require(kind.Texts(), options.limits.max_fraction < kDefaults.limits.max_fraction,
+          "--max-fraction");
+}
+
+}  // namespace mardle::tools

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "tools/import/table_columns.h"
+
+#include <algorithm>
+#include <set>
+
+#include "tools/text/number_field.h"
+
+namespace mardle::tools {
+namespace {
+
+char DelimiterFor(InputLines& input, const TableOptions& options) {
+  if (options.delimiter) return *options.delimiter;
+  const std::string_view beginning = input.Beginning();
+  return DelimiterOf(beginning.substr(0, beginning.find('\n')));
+}
+
+}  // namespace
+
+Table::Table(InputLines& input, const TableOptions& options)
+    : reader_(input, DelimiterFor(input, options)), has_header_(!options.no_header) {
+  if (!reader_.Next(fields_)) input.Fail("the table is empty");
+  header_ = has_header_ ? fields_ : std::vector<std::string>(fields_.size());
+  first_is_pending_ = !has_header_;
+  label_column = Find(options.label_column);
+  class_column = Find(options.class_column);
+  text_column = Find(options.text_column);
+  std::set<std::size_t> others;
+  for (const auto& column : {label_column, class_column, text_column}) {
+    if (column) others.insert(*column);
+  }
+  for (const std::string& name : options.skipped_columns) {
+    if (const auto column = Find(name)) others.insert(*column);
+  }
+  for (std::size_t j = 0; j < header_.size(); ++j) {
+    if (!others.contains(j)) value_columns.push_back(j);
+  }
+}
+
+bool Table::Next() {
+  if (first_is_pending_) {
+    first_is_pending_ = false;
+    return true;
+  }
+  if (!reader_.Next(fields_)) return false;
+  if (fields_.size() != header_.size()) {
+    throw InputError(place(), "the row has " + std::to_string(fields_.size()) +
+                                  " fields instead of " + std::to_string(header_.size()));
+  }
+  return true;
+}
+
+std::optional<std::string_view> Table::Field(std::optional<std::size_t> column) const {
+  if (!column) return std::nullopt;
+  return fields_[*column];
+}
+
+std::string Table::NameOf(std::size_t column) const {
+  const std::string number = "column " + std::to_string(column + 1);
+  return header_[column].empty() ? number : number + " (" + header_[column] + ")";
+}
+
+std::vector<std::string> Table::Headings() const {
+  std::vector<std::string> headings;
+  if (!has_header_) return headings;
+  for (const std::size_t j : value_columns) headings.push_back(header_[j]);
+  return headings;
+}
+
+std::optional<std::size_t> Table::Find(const std::string& name) const {
+  if (name.empty()) return std::nullopt;
+  const auto heading = std::find(header_.begin(), header_.end(), name);
+  if (heading != header_.end()) return static_cast<std::size_t>(heading - header_.begin());
+  const auto number = ParseInteger(name);
+  const auto columns = static_cast<long long>(header_.size());
+  if (!number || *number < 1 || *number > columns) {
+    throw InputError(place(), "there is no column " + Quoted(name));
+  }
+  return static_cast<std::size_t>(*number - 1);
+}
+
+}  // namespace mardle::tools

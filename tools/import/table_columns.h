@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+//
+// What the columns of a table are for: the label, the class or the text of a row, left out, or a
+// column of the matrix.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/import/table_reader.h"
+
+namespace mardle::tools {
+
+// Columns are named by their heading or by their number, counted from 1; the heading goes first.
+struct TableOptions {
+  std::optional<char> delimiter;  // found out when absent
+  bool no_header = false;
+  std::string label_column;  // empty: none
+  std::string class_column;
+  std::string text_column;
+  std::vector<std::string> skipped_columns;
+};
+
+// A table whose first record, the header, was read.
+class Table {
+ public:
+  Table(InputLines& input, const TableOptions& options);
+
+  // Takes the next row into fields(). False at the end. Throws InputError when it has not as many
+  // fields as the table has columns.
+  bool Next();
+
+  const Place& place() const { return reader_.place(); }
+  const std::vector<std::string>& fields() const { return fields_; }
+  std::optional<std::string_view> Field(std::optional<std::size_t> column) const;
+
+  std::optional<std::size_t> label_column;
+  std::optional<std::size_t> class_column;
+  std::optional<std::size_t> text_column;
+  std::vector<std::size_t> value_columns;  // all others that are not skipped
+
+  // "column 3 (petal)".
+  std::string NameOf(std::size_t column) const;
+  // The headings of the value columns; none without a header.
+  std::vector<std::string> Headings() const;
+
+ private:
+  std::optional<std::size_t> Find(const std::string& name) const;
+
+  TableReader reader_;
+  std::vector<std::string> header_;  // empty fields without a header
+  std::vector<std::string> fields_;
+  bool first_is_pending_ = false;  // without a header the first record is a row
+  bool has_header_;
+};
+
+}  // namespace mardle::tools

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "tools/import/term_counts.h"
+
+#include <algorithm>
+
+namespace mardle::tools {
+namespace {
+
+constexpr int kNoColumn = -1;
+
+// Seven bits a byte, the lowest first; all but the last byte have the eighth bit set.
+void AppendPieces(std::vector<unsigned char>& bytes, std::uint32_t number) {
+  for (; number >= 0x80; number >>= 7) {
+    bytes.push_back(static_cast<unsigned char>(number | 0x80U));
+  }
+  bytes.push_back(static_cast<unsigned char>(number));
+}
+
+std::uint32_t TakePieces(const unsigned char*& bytes) {
+  std::uint32_t number = 0;
+  for (int shift = 0;; shift += 7) {
+    const unsigned char byte = *bytes++;
+    number |= (byte & 0x7fU) << shift;
+    if (byte < 0x80) return number;
+  }
+}
+
+// The columns of the terms that are within the limits, in the order of their bytes, and the column
+// of each term.
+struct Columns {
+  std::vector<std::string> labels;
+  std::vector<int> column_of;
+};
+
+Columns ChooseColumns(const std::vector<const std::string*>& terms,
+                      const std::vector<std::int32_t>& document_counts, const TermLimits& limits,
+                      std::size_t documents) {
+  const double most = limits.max_fraction * static_cast<double>(documents);
+  std::vector<std::uint32_t> chosen;
+  for (std::uint32_t term = 0; term < terms.size(); ++term) {
+    const std::int32_t count = document_counts[term];
+    if (count >= limits.min_count && count <= most) chosen.push_back(term);
+  }
+  std::sort(chosen.begin(), chosen.end(),
+            [&terms](std::uint32_t a, std::uint32_t b) { return *terms[a] < *terms[b]; });
+  Columns columns;
+  columns.column_of.assign(terms.size(), kNoColumn);
+  for (const std::uint32_t term : chosen) {
+    columns.column_of[term] = static_cast<int>(columns.labels.size());
+    columns.labels.push_back(*terms[term]);
+  }
+  return columns;
+}
+
+}  // namespace
+
+void TermCounts::Add(const Document& document) {
+  occurrences_.clear();
+  tokens_.Start(document.text, document.place);
+  while (tokens_.Next(token_)) {
+    if (!stop_words_.contains(token_)) occurrences_.push_back(NumberOf(token_));
+  }
+  std::sort(occurrences_.begin(), occurrences_.end());
+  has_labels_ = document.names.label.has_value();
+  has_classes_ = document.names.class_name.has_value();
+  rows_.push_back({std::string(document.names.label.value_or("")),
+                   std::string(document.names.class_name.value_or("")), document.place,
+                   counts_.size()});
+  for (auto first = occurrences_.begin(); first != occurrences_.end();) {
+    const auto next = std::upper_bound(first, occurrences_.end(), *first);
+    AppendPieces(counts_, *first);
+    AppendPieces(counts_, static_cast<std::uint32_t>(next - first));
+    ++document_counts_[*first];
+    first = next;
+  }
+}
+
+MatrixSummary TermCounts::Write(const MatrixOutput& output, const TermLimits& limits) const {
+  const Columns columns = ChooseColumns(Terms(), document_counts_, limits, rows_.size());
+  MatrixWriter writer(output);
+  std::vector<Entry> entries;
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    const Row& row = rows_[i];
+    const std::size_t end = i + 1 < rows_.size() ? rows_[i + 1].counts : counts_.size();
+    entries.clear();
+    for (const unsigned char* bytes = counts_.data() + row.counts; bytes < counts_.data() + end;) {
+      const int column = columns.column_of[TakePieces(bytes)];
+      const double count = TakePieces(bytes);
+      if (column != kNoColumn) entries.push_back({column, count});
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const Entry& a, const Entry& b) { return a.column < b.column; });
+    RowNames names;
+    if (has_labels_) names.label = row.label;
+    if (has_classes_) names.class_name = row.class_name;
+    writer.AddRow(entries, names, row.place);
+  }
+  return writer.Finish(static_cast<std::int64_t>(columns.labels.size()), columns.labels);
+}
+
+// Numbers new terms in the order of their first appearance.
+std::uint32_t TermCounts::NumberOf(const std::string& term) {
+  const auto next = static_cast<std::uint32_t>(numbers_.size());
+  const auto [position, is_new] = numbers_.try_emplace(term, next);
+  if (is_new) document_counts_.push_back(0);
+  return position->second;
+}
+
+std::vector<const std::string*> TermCounts::Terms() const {
+  std::vector<const std::string*> terms(numbers_.size());
+  for (const auto& [text, number] : numbers_) terms[number] = &text;
+  return terms;
+}
+
+}  // namespace mardle::tools

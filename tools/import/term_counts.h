@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+//
+// How often each word occurs in each document. All documents are held until it is known which words
+// occur in enough of them, a few bytes for each word of a document.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "tools/import/documents.h"
+#include "tools/import/stop_words.h"
+#include "tools/import/text_tokens.h"
+
+namespace mardle::tools {
+
+// Words that occur in fewer or in more documents are no columns.
+struct TermLimits {
+  int min_count = 2;        // documents
+  double max_fraction = 1;  // of all documents
+};
+
+class TermCounts {
+ public:
+  TermCounts(TextTokens& tokens, const StopWords& stop_words)
+      : tokens_(tokens), stop_words_(stop_words) {}
+
+  void Add(const Document& document);
+
+  // Writes a row for each document. The columns are the words in the order of their bytes.
+  MatrixSummary Write(const MatrixOutput& output, const TermLimits& limits) const;
+
+ private:
+  struct Row {
+    std::string label, class_name;
+    Place place;
+    std::uint64_t counts;  // where the document's counts begin
+  };
+
+  std::uint32_t NumberOf(const std::string& term);
+  std::vector<const std::string*> Terms() const;
+
+  TextTokens& tokens_;
+  const StopWords& stop_words_;
+  std::unordered_map<std::string, std::uint32_t> numbers_;
+  std::vector<std::int32_t> document_counts_;  // of each term
+  std::vector<Row> rows_;
+  std::vector<unsigned char> counts_;  // pairs of term and count, as numbers of 7-bit pieces
+  bool has_labels_ = false;
+  bool has_classes_ = false;
+  std::vector<std::uint32_t> occurrences_;  // the terms of the document that is being added
+  std::string token_;
+};
+
+}  // namespace mardle::tools

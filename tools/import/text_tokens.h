@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+//
+// The words of a text: lower-cased by the rules of Unicode, whatever the locale, then cut out by a
+// regular expression.
+#pragma once
+
+#include <unicode/regex.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tools/text/input_error.h"
+
+namespace mardle::tools {
+
+// Two letters or more of any script, with the marks that belong to them.
+inline constexpr char kDefaultTokenPattern[] = R"(\p{L}[\p{L}\p{M}]+)";
+
+std::string LowerCase(std::string_view text);
+
+class TextTokens {
+ public:
+  // Throws std::invalid_argument when the pattern is no regular expression.
+  explicit TextTokens(const std::string& pattern);
+
+  // Starts on a text in UTF-8; bytes that are none count as an unknown character, which is no
+  // letter. `place` is what messages name.
+  void Start(std::string_view text, const Place& place);
+
+  // Takes the next word, in UTF-8. False behind the last.
+  bool Next(std::string& token);
+
+ private:
+  icu::UnicodeString text_;  // that the matcher works on
+  std::unique_ptr<icu::RegexMatcher> matcher_;
+  Place place_;
+};
+
+}  // namespace mardle::tools

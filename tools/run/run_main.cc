@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+//
+// mardle-run: runs mardle and ends with a status that make and shells understand. The status of
+// mardle is 84 after a completed run and 0 after anything else.
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/run/child_process.h"
+#include "tools/run/program_path.h"
+#include "tools/run/promised_files.h"
+#include "tools/text/version.h"
+
+namespace {
+
+using namespace mardle::tools;
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kWrongUsage = 2;
+constexpr int kCannotStart = 126;
+constexpr int kNotFound = 127;
+constexpr int kCompletedRun = 84;
+
+constexpr char kHelp[] =
+    "Usage: mardle-run [OPTIONS] FILENAME NCLUSTERS\n"
+    "\n"
+    "Runs mardle with the same arguments, checks that the files it promises are there and complete,\n"
+    "and ends with an ordinary exit status. 'mardle-run -help' is mardle's own help.\n"
+    "\n"
+    "Alone on the command line:\n"
+    "  --help      Print this help\n"
+    "  --version   Print the version\n"
+    "\n"
+    "Environment: MARDLE names the program to run; by default the mardle beside mardle-run or else\n"
+    "the one on PATH.\n"
+    "\n"
+    "Exit status: 0 done, 1 failed, 2 wrong usage, 126 mardle cannot be started, 127 there is no\n"
+    "mardle.\n";
+
+void Tell(const std::string& message) { std::fprintf(stderr, "mardle-run: %s\n", message.c_str()); }
+
+// The help and the version of this program, which are asked for alone.
+bool AnswersItself(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 1) return false;
+  if (arguments[0] == "--help") {
+    std::fputs(kHelp, stdout);
+  } else if (arguments[0] == "--version") {
+    std::printf("mardle-run %s\n", kVersion);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+std::optional<std::string> FindOther() {
+  std::optional<std::string> program = FindMardle();
+  std::error_code ignored;
+  if (program && std::filesystem::equivalent(*program, OwnPath(), ignored)) return std::nullopt;
+  return program;
+}
+
+int JudgeUncompleted(Request request, int status) {
+  if (request == Request::kHelp && status == 0) return kSuccess;
+  if (request == Request::kRefused) return kWrongUsage;
+  Tell("the run was not completed");
+  return kFailure;
+}
+
+int JudgeCompleted(Request request, const mardle::RunParams& params,
+                   const std::vector<Drawing>& drawings) {
+  if (request != Request::kRun) {
+    Tell("cannot tell which files the run has promised");
+    return kFailure;
+  }
+  const std::vector<std::string> problems = MissingResults(params, drawings);
+  for (const std::string& problem : problems) Tell(problem);
+  return problems.empty() ? kSuccess : kFailure;
+}
+
+int RunAndJudge(const std::string& program, const std::vector<std::string>& arguments) {
+  std::vector<std::string> command_line{program};
+  command_line.insert(command_line.end(), arguments.begin(), arguments.end());
+  mardle::RunParams params;
+  const Request request = ReadCommandLine(command_line, params);
+  const std::vector<Drawing> drawings = DrawingsOf(params);
+  const Ending ending = RunProgram(program, arguments);
+  if (ending.start_error != 0) {
+    Tell(program + ": " + std::strerror(ending.start_error));
+    return kCannotStart;
+  }
+  if (ending.signal != 0) EndBySignal(ending.signal);
+  if (ending.status != kCompletedRun) return JudgeUncompleted(request, ending.status);
+  return JudgeCompleted(request, params, drawings);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (AnswersItself(arguments)) return kSuccess;
+  try {
+    const std::optional<std::string> program = FindOther();
+    if (!program) {
+      Tell(
+          "there is no mardle: the variable MARDLE, the folder of this program and PATH name none");
+      return kNotFound;
+    }
+    return RunAndJudge(*program, arguments);
+  } catch (const std::exception& error) {
+    Tell(error.what());
+    return kFailure;
+  }
+}

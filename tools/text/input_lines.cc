@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "tools/text/input_lines.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace mardle::tools {
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 16;
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
+std::string_view WithoutCarriageReturn(std::string_view line) {
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+}  // namespace
+
+InputLines::InputLines(const std::string& path) : stream_(stdin), place_{path, 0} {
+  if (path == "-") {
+    place_.path = "standard input";
+    return;
+  }
+  file_ = molva::OpenFile(path.c_str(), "r");
+  if (!file_) throw InputError(place_, std::strerror(errno));
+  stream_ = file_.get();
+}
+
+std::string_view InputLines::Beginning() {
+  if (!started_) {
+    started_ = true;
+    while (buffer_.size() < kBlock && ReadMore()) continue;
+    if (buffer_.starts_with(kByteOrderMark)) taken_ = kByteOrderMark.size();
+  }
+  return std::string_view(buffer_).substr(taken_);
+}
+
+bool InputLines::Next(std::string_view& line) {
+  Beginning();
+  std::size_t searched = taken_;
+  std::size_t end = 0;
+  while ((end = buffer_.find('\n', searched)) == std::string::npos) {
+    buffer_.erase(0, taken_);
+    taken_ = 0;
+    searched = buffer_.size();
+    if (!ReadMore()) break;
+  }
+  if (end == std::string::npos && taken_ == buffer_.size()) return false;
+  line = std::string_view(buffer_).substr(taken_, end == std::string::npos ? end : end - taken_);
+  taken_ = end == std::string::npos ? buffer_.size() : end + 1;
+  line = WithoutCarriageReturn(line);
+  ++place_.line;
+  return true;
+}
+
+void InputLines::Fail(const std::string& message) const { throw InputError(place_, message); }
+
+bool InputLines::ReadMore() {
+  const std::size_t old_size = buffer_.size();
+  buffer_.resize(old_size + kBlock);
+  const std::size_t count = std::fread(buffer_.data() + old_size, 1, kBlock, stream_);
+  buffer_.resize(old_size + count);
+  if (count == 0 && std::ferror(stream_) != 0) {
+    throw InputError({place_.path, 0}, std::strerror(errno));
+  }
+  return count > 0;
+}
+
+}  // namespace mardle::tools
