@@ -5,7 +5,6 @@
 #include <cmath>
 #include <numeric>
 
-#include "lib/support/alloc.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -13,6 +12,20 @@
 namespace mardle {
 
 using molva::Wide;
+
+std::int64_t CountClasses(std::span<const int> classes, const int* part,
+                          molva::Rows<int>& classdist, std::span<int> ocldist) {
+  const auto nclusters = static_cast<std::int64_t>(classdist.size());
+  std::int64_t total = 0;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    if (part[i] < 0 || part[i] >= nclusters) continue;
+    const auto k = static_cast<std::size_t>(classes[i]);
+    ++classdist[part[i]][k];
+    if (!ocldist.empty()) ++ocldist[k];
+    ++total;
+  }
+  return total;
+}
 
 float ComputeEntropy(int nclasses, std::int64_t /*total*/, std::span<const int> /*ocldist*/,
                      int size, std::span<const int> dist) {

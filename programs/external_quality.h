@@ -6,7 +6,15 @@
 #include <cstdint>
 #include <span>
 
+#include "lib/support/alloc.h"
+
 namespace mardle {
+
+// Counts the rows of each class in each cluster and, where `ocldist` is not empty, in all clusters;
+// rows without a cluster are left out. Returns the number of rows counted. Counts begin as they
+// are.
+std::int64_t CountClasses(std::span<const int> classes, const int* part,
+                          molva::Rows<int>& classdist, std::span<int> ocldist);
 
 // The entropy of one cluster from its class distribution and its size, between 0 (one class only)
 // and 1: the sum over its classes of -(n/size) log2(n/size), divided by log2(nclasses). `total` and

@@ -137,8 +137,11 @@ void Apply(const Option& option, const char* value, RunParams& params) {
   molva::EndRun();
 }
 
-// Options and positional arguments may be mixed; the parser moves the latter to the end.
-void ReadOptions(RunParams& params, int argc, char** argv) {
+// Hands each option and its value, null when none was given, to `take`, up to the first for which
+// that returns false, or one that is illegal; returns whether all were legal. Options and
+// positional arguments may be mixed; the parser moves the latter to the end.
+template <typename Take>
+bool WalkOptions(int argc, char** argv, Take take) {
   // This variable would forbid mixing; a run depends on its command line only.
   unsetenv("POSIXLY_CORRECT");
   optind = 0;
@@ -146,29 +149,43 @@ void ReadOptions(RunParams& params, int argc, char** argv) {
   int position = 0;
   for (;;) {
     const int code = getopt_long_only(argc, argv, "", kParserTable.data(), &position);
-    if (code == -1) return;
-    if (code != 0) RefuseOptions(argv[0]);
-    Apply(kOptions[static_cast<std::size_t>(position)], optarg, params);
+    if (code == -1) return true;
+    if (code != 0) return false;
+    if (!take(kOptions[static_cast<std::size_t>(position)], optarg)) return true;
   }
 }
 
-void DeriveSettings(RunParams& params) {
-  if (params.rb == 0 && params.direct == 0) params.rb = 1;
-  if (params.treecrfun == 0) params.treecrfun = params.crfun;
-  // Z-scores live in the clustering file, so it is written all the same.
-  if (params.zscores != 0) params.nooutput = 0;
-  // Full rows leave nothing for IDF to tell apart; this beats an explicit column model.
-  if (params.simfun == 2 || params.denseinput != 0) params.colmodel = 1;
+void ReadOptions(RunParams& params, int argc, char** argv) {
+  opterr = 1;
+  const bool legal = WalkOptions(argc, argv, [&params](const Option& option, const char* value) {
+    Apply(option, value, params);
+    return true;
+  });
+  if (!legal) RefuseOptions(argv[0]);
 }
+
+// A run has the name of a matrix and a number of clusters.
+bool HasBothArguments(int argc) { return argc - optind == 2; }
 
 }  // namespace
 
 std::span<const Option> OptionTable() { return kOptions; }
 
+CommandLineKind KindOfCommandLine(int argc, char** argv) {
+  opterr = 0;
+  bool help = false;
+  const bool legal = WalkOptions(argc, argv, [&help](const Option& option, const char*) {
+    help = option.value == kHelp;
+    return !help;
+  });
+  if (help) return CommandLineKind::kHelp;
+  return legal && HasBothArguments(argc) ? CommandLineKind::kRun : CommandLineKind::kRefused;
+}
+
 void ParseCommandLine(RunParams& params, int argc, char** argv) {
   params = RunParams();
   ReadOptions(params, argc, argv);
-  if (argc - optind != 2) RefuseArguments();
+  if (!HasBothArguments(argc)) RefuseArguments();
   params.filename = molva::mystrdup(argv[optind]);
   params.nclusters = ToInt(argv[optind + 1]);
   DeriveSettings(params);

@@ -25,6 +25,13 @@ struct Option {
 // The 32 options, in the order in which the parser lists them.
 std::span<const Option> OptionTable();
 
+// What a command line asks for.
+enum class CommandLineKind { kRun, kHelp, kRefused };
+
+// Tells it as ParseCommandLine would find out, but prints nothing and ends nothing; the arguments
+// are reordered as by the parser.
+CommandLineKind KindOfCommandLine(int argc, char** argv);
+
 // Fills params: defaults, then the options in the order given, then the two positional arguments,
 // then what follows from them. Numbers are not range-checked. Help, an illegal option and a wrong
 // number of positional arguments print to standard output and end the process with status 0.

@@ -47,19 +47,6 @@ struct QualityNumbers {
   float fscore = 0;
 };
 
-// Counts classes per cluster, rows without a cluster left out; returns the number of rows counted.
-std::int64_t CountClasses(const Matrix& mat, const int* part, int nclusters,
-                          QualityNumbers& numbers) {
-  std::int64_t total = 0;
-  for (int i = 0; i < mat.nrows; ++i) {
-    if (part[i] < 0 || part[i] >= nclusters) continue;
-    ++numbers.classdist[part[i]][static_cast<std::size_t>(mat.classes[i])];
-    ++numbers.ocldist[mat.classes[i]];
-    ++total;
-  }
-  return total;
-}
-
 QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* part,
                        std::span<const int> ptree) {
   QualityNumbers numbers(params.nclusters, mat.nrows, mat.nclasses);
@@ -68,7 +55,7 @@ QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* pa
                           params.prune, params.nclusters, part, numbers.pwgts.get(),
                           numbers.cintsim.get(), numbers.cintsdev.get(), numbers.izscores.get(),
                           numbers.cextsim.get(), numbers.cextsdev.get(), numbers.ezscores.get());
-  const std::int64_t total = CountClasses(mat, part, params.nclusters, numbers);
+  const std::int64_t total = CountClasses(mat.classes, part, numbers.classdist, numbers.ocldist);
   for (int c = 0; c < params.nclusters; ++c) {
     numbers.entropies[c] = ComputeEntropy(mat.nclasses, total, numbers.ocldist, numbers.pwgts[c],
                                           numbers.classdist[c]);

@@ -50,4 +50,7 @@ struct RunParams {
   float ReportTmr = 0;
 };
 
+// Settles what follows from other settings, whoever made them.
+void DeriveSettings(RunParams& params);
+
 }  // namespace mardle

@@ -11,6 +11,7 @@
 #include "lib/support/printed.h"
 #include "lib/support/tree_arrays.h"
 #include "programs/code_names.h"
+#include "programs/external_quality.h"
 #include "programs/io/write_results.h"
 #include "programs/tree_canvas.h"
 
@@ -39,17 +40,6 @@ molva::Array<int> OrderedChildren(const RunParams& params, const Matrix& mat, co
   return ftree;
 }
 
-// Rows of each class in each cluster; rows without a cluster are not counted.
-molva::Rows<int> CountClasses(const RunParams& params, const Matrix& mat, const int* part) {
-  molva::Rows<int> classdist =
-      molva::AllocIntMatrix(params.nclusters, mat.nclasses, 0, "ShowHACTree: classdist");
-  for (int i = 0; i < mat.nrows; ++i) {
-    if (part[i] < 0 || part[i] >= params.nclusters) continue;
-    ++classdist[part[i]][static_cast<std::size_t>(mat.classes[i])];
-  }
-  return classdist;
-}
-
 // Counts follow the cluster's number directly, so they line up as long as all cluster numbers have
 // the same printed width.
 void PrintClassView(const RunParams& params, const Matrix& mat, const int* part,
@@ -62,7 +52,8 @@ void PrintClassView(const RunParams& params, const Matrix& mat, const int* part,
   molva::Array<int> cluster_of_line;
   std::printf("%s", drawing.canvas[0].data());
   if (has_classes) {
-    classdist = CountClasses(params, mat, part);
+    classdist = molva::AllocIntMatrix(params.nclusters, mat.nclasses, 0, "ShowHACTree: classdist");
+    CountClasses(mat.classes, part, classdist, {});
     cluster_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: ynode");
     for (int k = 0; k < params.nclusters; ++k) {
       if (drawing.ynode[k] >= 0) cluster_of_line[drawing.ynode[k]] = k;

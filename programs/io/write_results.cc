@@ -48,9 +48,16 @@ void WriteClustersAndScores(std::FILE* out, const RunParams& params, const Matri
 
 }  // namespace
 
+std::string ClusteringName(const RunParams& params) {
+  return NameOf(params.outputfile, params.filename, ".clustering.", params.nclusters);
+}
+
+std::string TreeName(const molva::String& filename, const molva::String& treefile, int n) {
+  return NameOf(treefile, filename, ".tree.", n);
+}
+
 void WriteClustering(const RunParams& params, const Matrix& mat, const int* part) {
-  const std::string name =
-      NameOf(params.outputfile, params.filename, ".clustering.", params.nclusters);
+  const std::string name = ClusteringName(params);
   // Opened before the z-scores are computed, so a name that cannot be written is told at once.
   molva::File file = molva::OpenFile(name.c_str(), "w");
   if (!file) molva::FatalError("Problems in opening the clustering file: %s", name.c_str());
@@ -64,7 +71,7 @@ void WriteClustering(const RunParams& params, const Matrix& mat, const int* part
 
 void WriteTree(const molva::String& filename, const molva::String& treefile, int n,
                const int* ptree, const float* tsims) {
-  const std::string name = NameOf(treefile, filename, ".tree.", n);
+  const std::string name = TreeName(filename, treefile, n);
   molva::File file = molva::OpenFile(name.c_str(), "w");
   if (!file) molva::FatalError("Problems in creating the tree file: %s", name.c_str());
   for (std::int64_t x = 0; x < 2 * std::int64_t{n} - 1; ++x) {

@@ -3,10 +3,17 @@
 // The result files.
 #pragma once
 
+#include <string>
+
 #include "programs/io/matrix.h"
 #include "programs/run_params.h"
 
 namespace mardle {
+
+// The names of the result files: the one given, or else one that begins with the matrix file's and
+// carries the number of clusters, or of leaves.
+std::string ClusteringName(const RunParams& params);
+std::string TreeName(const molva::String& filename, const molva::String& treefile, int n);
 
 // Writes one line per row: its cluster, and with params.zscores its internal and external z-score.
 // The name is params.outputfile, or else "FILENAME.clustering.NCLUSTERS". Ends the run with

@@ -30,6 +30,25 @@ float Purity(const Counts& dist) {
   return mardle::ComputePurity(nclasses, SizeOf(dist), dist, SizeOf(dist), dist);
 }
 
+TEST(CountClasses, CountsTheRowsOfEachClassInEachCluster) {
+  const Counts classes = {0, 1, 1, 0, 1};
+  const int part[] = {1, 0, 1, -1, 2};
+  molva::Rows<int> classdist = molva::AllocIntMatrix(2, 2, 0, "counts");
+  Counts ocldist(2);
+  EXPECT_EQ(mardle::CountClasses(classes, part, classdist, ocldist), 3);
+  EXPECT_EQ(Counts(classdist[0].begin(), classdist[0].end()), (Counts{0, 1}));
+  EXPECT_EQ(Counts(classdist[1].begin(), classdist[1].end()), (Counts{1, 1}));
+  EXPECT_EQ(ocldist, (Counts{1, 2}));
+}
+
+TEST(CountClasses, LeavesOutTheSumsOnRequest) {
+  const Counts classes = {0, 0};
+  const int part[] = {0, 0};
+  molva::Rows<int> classdist = molva::AllocIntMatrix(1, 1, 0, "counts");
+  EXPECT_EQ(mardle::CountClasses(classes, part, classdist, {}), 2);
+  EXPECT_EQ(classdist[0][0], 2);
+}
+
 TEST(Entropy, IsZeroForOneClass) {
   EXPECT_EQ(Entropy({7, 0}), 0.0F);
   EXPECT_EQ(Entropy({0, 0, 1}), 0.0F);
