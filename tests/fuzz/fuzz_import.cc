@@ -117,7 +117,7 @@ void FuzzImport(Bytes bytes) {
   ImportResult result;
   try {
     result = Import(options);
-  } catch (const mardle::tools::InputError& error) {
+  } catch (const mardle::tools::FileError& error) {
     const std::string message = error.what();
     Require(message.starts_with(file.path()) || message.starts_with(options.output.path),
             "a message that names the file: " + message);

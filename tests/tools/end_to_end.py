@@ -86,7 +86,7 @@ class Importing(EndToEnd):
                                    cwd=self.folder, stdin=subprocess.PIPE,
                                    stdout=subprocess.DEVNULL,
                                    preexec_fn=lambda: signal.signal(number, disposition))
-        while not (self.folder / "s.mat.partial").exists():
+        while not list(self.folder.glob(".mardle-*.partial")):
             time.sleep(0.001)
         return process
 

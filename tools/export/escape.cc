@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/escape.h"
 
-#include <cstdint>
+#include "tools/text/utf8.h"
 
 namespace mardle::exporting {
 namespace {
@@ -36,38 +36,12 @@ std::string Between(char quote, const std::string& text) {
   return out;
 }
 
-// How many bytes the character at the front takes, from its first byte; 0 when that begins none.
-std::size_t LengthFromFirstByte(unsigned char first) {
-  if (first < 0x80) return 1;
-  if (first >= 0xc2 && first < 0xe0) return 2;
-  if (first >= 0xe0 && first < 0xf0) return 3;
-  if (first >= 0xf0 && first < 0xf5) return 4;
-  return 0;
-}
-
-// The length of the well-formed character at the front of the text; 0 when there is none. Overlong
-// forms, surrogates and what lies above U+10FFFF are not well formed.
-std::size_t CharacterLength(std::string_view text) {
-  const std::size_t length = LengthFromFirstByte(static_cast<unsigned char>(text[0]));
-  if (length == 0 || length > text.size()) return 0;
-  constexpr std::uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
-  std::uint32_t code =
-      static_cast<unsigned char>(text[0]) & (length == 1 ? 0x7fU : 0xffU >> (length + 1));
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if ((byte & 0xc0U) != 0x80) return 0;
-    code = code << 6U | (byte & 0x3fU);
-  }
-  const bool surrogate = code >= 0xd800 && code < 0xe000;
-  return code < kSmallest[length] || surrogate || code > 0x10ffff ? 0 : length;
-}
-
 }  // namespace
 
 std::string ValidUtf8(std::string_view text) {
   std::string out;
   while (!text.empty()) {
-    const std::size_t length = CharacterLength(text);
+    const std::size_t length = tools::CharacterLength(text);
     const bool stays = length > 1 || (length == 1 && (!IsControl(text[0]) || text[0] == '\t'));
     out += stays ? text.substr(0, length) : "\xef\xbf\xbd";
     text.remove_prefix(stays ? length : 1);

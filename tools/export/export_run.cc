@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/export_run.h"
 
-#include <cstdio>
 #include <exception>
 #include <sstream>
 #include <string>
@@ -11,8 +10,6 @@
 #include "lib/support/fatal.h"
 #include "tools/export/clustering.h"
 #include "tools/export/dot.h"
-#include "tools/export/failure.h"
-#include "tools/export/file.h"
 #include "tools/export/linkage.h"
 #include "tools/export/newick.h"
 #include "tools/export/page/html_page.h"
@@ -20,15 +17,18 @@
 #include "tools/export/rows.h"
 #include "tools/export/table.h"
 #include "tools/export/tree.h"
+#include "tools/text/file_error.h"
+#include "tools/text/output_file.h"
+#include "tools/text/tool_frame.h"
 
 namespace mardle::exporting {
 namespace {
 
-std::string Table(const Request& request) {
-  const Matrix names = ReadRowNames(request.files);
-  const Clustering clustering = ReadClustering(request.clustering, names.nrows);
+std::string TableText(const Request& request) {
+  const NamedRows rows = ReadNamedRows(request.files);
+  const Clustering clustering = ReadClustering(request.clustering, rows.nrows);
   std::ostringstream out;
-  (request.format == Format::kTsv ? WriteTsv : WriteJson)(names, clustering, out);
+  (request.format == Format::kTsv ? WriteTsv : WriteJson)(rows, clustering, out);
   return out.str();
 }
 
@@ -39,14 +39,14 @@ std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
     for (std::size_t x = 0; x < labels.size(); ++x) labels[x] = std::to_string(x);
     return labels;
   }
-  const Matrix names = ReadRowNames(request.files);
-  if (names.nrows != tree.nleaves) {
-    throw FailureAt(request.tree, tree.parent.size(),
-                    "the file ends here, a tree of " + std::to_string(tree.nleaves) +
-                        " leaves; the matrix has " + std::to_string(names.nrows) + " rows");
+  const NamedRows rows = ReadNamedRows(request.files);
+  if (rows.nrows != tree.nleaves) {
+    throw tools::FileError({request.tree, static_cast<std::int64_t>(tree.parent.size())},
+                           "the file ends here, a tree of " + std::to_string(tree.nleaves) +
+                               " leaves; the matrix has " + std::to_string(rows.nrows) + " rows");
   }
   for (std::size_t x = 0; x < labels.size(); ++x) {
-    labels[x] = names.rlabels[static_cast<std::int64_t>(x)];
+    labels[x] = rows.rlabels[static_cast<std::int64_t>(x)];
   }
   return labels;
 }
@@ -54,7 +54,7 @@ std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
 void WriteLeaves(const Request& request, const Tree& tree, const std::vector<std::string>& labels) {
   std::string text;
   for (const int leaf : tree.Leaves()) text += labels[static_cast<std::size_t>(leaf)] + "\n";
-  WriteOrFail(request.leaves, text);
+  tools::WriteWhole(request.leaves, text);
 }
 
 std::string TreeText(const Request& request) {
@@ -69,7 +69,7 @@ std::string TreeText(const Request& request) {
   return out.str();
 }
 
-std::string Page(const Request& request) {
+std::string PageText(const Request& request) {
   const Matrix mat = ReadWholeMatrix(request.files, request.run.denseinput);
   const Clustering clustering = ReadClustering(request.clustering, mat.nrows);
   std::ostringstream out;
@@ -82,21 +82,20 @@ std::string Text(const Request& request) {
   switch (request.format) {
     case Format::kTsv:
     case Format::kJson:
-      return Table(request);
+      return TableText(request);
     case Format::kNewick:
     case Format::kLinkage:
     case Format::kDot:
       return TreeText(request);
     case Format::kHtml:
-      return Page(request);
+      return PageText(request);
   }
   return {};
 }
 
-// The readers' messages end with one or none.
-std::string WithoutNewlines(std::string text) {
-  while (text.ends_with('\n')) text.pop_back();
-  return text;
+void Write(const std::string& name, const std::string& text) {
+  if (name.empty()) return tools::WriteStandardOutput(text);
+  tools::WriteWhole(name, text);
 }
 
 }  // namespace
@@ -108,12 +107,12 @@ int Export(int argc, const char* const* argv) {
   const molva::CatchableErrors errors_are_thrown;
   try {
     // The whole text is made first, so a run that fails leaves an older file as it was.
-    WriteOrFail(request.output, Text(request));
+    Write(request.output, Text(request));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "mardle-export: %s\n", WithoutNewlines(error.what()).c_str());
-    return 1;
+    tools::ReportError("mardle-export", error.what());
+    return tools::kFailure;
   }
-  return 0;
+  return tools::kSuccess;
 }
 
 }  // namespace mardle::exporting

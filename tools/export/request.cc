@@ -2,14 +2,17 @@
 #include "tools/export/request.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <map>
+#include <optional>
 #include <utility>
+
+#include "lib/molva.h"
+#include "tools/text/numbers.h"
+#include "tools/text/tool_frame.h"
+#include "tools/text/version.h"
 
 namespace mardle::exporting {
 namespace {
-
-constexpr int kWrongUsage = 2;
 
 // What CLI11 fills and a request holds in another form.
 struct Texts {
@@ -76,29 +79,30 @@ void AddTree(CLI::App* command, Request& request) {
 
 // Empty for a number from 0 to 1, else what is wrong. A text such as "nan" is no such number.
 std::string CheckFraction(const std::string& text) {
-  char* end = nullptr;
-  const double value = std::strtod(text.c_str(), &end);
-  const bool is_number = end != text.c_str() && *end == '\0';
-  return is_number && value >= 0 && value <= 1 ? "" : "'" + text + "' is not a number from 0 to 1";
+  const std::optional<double> value = tools::ParseNumber(text);
+  return value && *value >= 0 && *value <= 1 ? "" : "'" + text + "' is not a number from 0 to 1";
 }
+
+// The codes of an enumeration, first to last.
+CLI::Range Codes(int first, int last) { return {first, last}; }
 
 void AddRun(CLI::App* command, Request& request, Texts& texts) {
   RunParams& run = request.run;
   command->add_option("--crfun", run.crfun, "Criterion of the run, 1 to 9 (default 2, I2)")
-      ->check(CLI::Range(1, 9))
+      ->check(Codes(MOLVA_CRFUN_I1, MOLVA_CRFUN_H3))
       ->type_name("INT");
   command
       ->add_option("--treecrfun", run.treecrfun, "Criterion of the tree, 1 to 7 (default: --crfun)")
-      ->check(CLI::Range(1, 7))
+      ->check(Codes(MOLVA_CRFUN_I1, MOLVA_CRFUN_H2))
       ->type_name("INT");
   command->add_option("--sim", run.simfun, "Similarity: 1 cosine (default), 2 correlation")
-      ->check(CLI::Range(1, 2))
+      ->check(Codes(MOLVA_SIM_COSINE, MOLVA_SIM_CORRELATION))
       ->type_name("INT");
   command->add_option("--rowmodel", run.rowmodel, "Row model, 1 to 4 (default 1, none)")
-      ->check(CLI::Range(1, 4))
+      ->check(Codes(MOLVA_ROW_NONE, MOLVA_ROW_LOG))
       ->type_name("INT");
   command->add_option("--colmodel", run.colmodel, "Column model: 1 none, 2 IDF (default)")
-      ->check(CLI::Range(1, 2))
+      ->check(Codes(MOLVA_COL_NONE, MOLVA_COL_IDF))
       ->type_name("INT");
   command->add_option("--prune", texts.prune, "Pruning fraction, 0 to 1 (default 1.0)")
       ->check(CheckFraction)
@@ -128,12 +132,10 @@ void CheckHeights(const Request& request) {
   }
 }
 
-// What follows from the run's options, as in the run itself.
-void DeriveRun(const Texts& texts, RunParams& run) {
-  run.prune = static_cast<float>(std::strtod(texts.prune.c_str(), nullptr));
-  if (run.simfun == 2 || run.denseinput != 0) run.colmodel = 1;
-  if (run.treecrfun == 0) run.treecrfun = run.crfun;
-  if (run.treecrfun > 7) {
+void SettleRun(const Texts& texts, RunParams& run) {
+  run.prune = static_cast<float>(*tools::ParseNumber(texts.prune));
+  DeriveSettings(run);
+  if (run.treecrfun > MOLVA_CRFUN_H2) {
     throw CLI::ValidationError("--treecrfun",
                                "trees are built under the criteria 1 to 7; one of them is wanted");
   }
@@ -142,7 +144,7 @@ void DeriveRun(const Texts& texts, RunParams& run) {
 void Describe(CLI::App& app) {
   app.description("Turns what mardle wrote into tables, trees and pages for other programs.");
   app.name("mardle-export");
-  app.set_version_flag("--version", "mardle-export " MARDLE_VERSION);
+  app.set_version_flag("--version", std::string("mardle-export ") + tools::kVersion);
   app.set_help_flag("--help", "Print this help");
   // That there is one is checked last, so that a word which is none is named.
   app.require_subcommand(0, 1);
@@ -170,9 +172,9 @@ std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
     app.parse(argc, argv);
     if (app.get_subcommands().empty()) throw CLI::RequiredError("A format");
     CheckHeights(request);
-    if (request.format == Format::kHtml) DeriveRun(texts, request.run);
+    if (request.format == Format::kHtml) SettleRun(texts, request.run);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    return app.exit(error) == 0 ? 0 : tools::kWrongUsage;
   }
   return request;
 }

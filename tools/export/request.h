@@ -26,7 +26,7 @@ struct Request {
 };
 
 // What is to be done, or, when there is nothing more to do, the exit status: 0 after --help and
-// --version, 2 after a wrong command line, which is told on standard error.
+// --version, 2 after a wrong command line, which is reported on standard error.
 std::variant<Request, int> ParseRequest(int argc, const char* const* argv);
 
 }  // namespace mardle::exporting

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/rows.h"
 
+#include <utility>
+
 #include "lib/support/files.h"
 #include "programs/io/labels.h"
 #include "programs/io/line_reader.h"
 #include "programs/io/read_matrix.h"
-#include "tools/export/failure.h"
-#include "tools/export/file.h"
+#include "tools/text/file_error.h"
+#include "tools/text/input_lines.h"
 
 namespace mardle::exporting {
 namespace {
@@ -14,13 +16,13 @@ namespace {
 // A named file has to be there; the readers would go on without it.
 molva::String NameOrNull(const std::string& name) {
   if (name.empty()) return {};
-  OpenOrFail(name);
+  tools::OpenForReading(name);
   return molva::mystrdup(name.c_str());
 }
 
 RunParams ParamsOf(const MatrixFiles& files) {
   RunParams params;
-  OpenOrFail(files.matrix);
+  tools::OpenForReading(files.matrix);
   params.filename = molva::mystrdup(files.matrix.c_str());
   params.clabelfile = NameOrNull(files.clabelfile);
   params.rlabelfile = NameOrNull(files.rlabelfile);
@@ -28,20 +30,24 @@ RunParams ParamsOf(const MatrixFiles& files) {
   return params;
 }
 
+void RequireRows(const MatrixFiles& files, const Matrix& mat) {
+  if (mat.nrows < 1) throw tools::FileError({files.matrix, 1}, "the header tells of no rows");
+}
+
 }  // namespace
 
-Matrix ReadRowNames(const MatrixFiles& files) {
+NamedRows ReadNamedRows(const MatrixFiles& files) {
   const RunParams params = ParamsOf(files);
   Matrix mat;
   {
-    const molva::File file = OpenOrFail(files.matrix);
+    const molva::File file = tools::OpenForReading(files.matrix);
     LineReader reader(file.get());
     mat.nrows = ReadHeader(reader).nrows;
   }
-  if (mat.nrows < 1) throw FailureAt(files.matrix, 1, "the header tells of no rows");
+  RequireRows(files, mat);
   mat.ncols = 0;
   ReadLabelsAndClasses(params, mat);
-  return mat;
+  return {mat.nrows, std::move(mat.rlabels), std::move(mat.rclasses)};
 }
 
 Matrix ReadWholeMatrix(const MatrixFiles& files, int denseinput) {
@@ -49,7 +55,7 @@ Matrix ReadWholeMatrix(const MatrixFiles& files, int denseinput) {
   params.denseinput = denseinput;
   Matrix mat;
   ReadMatrix(params, mat);
-  if (mat.nrows < 1) throw FailureAt(files.matrix, 1, "the header tells of no rows");
+  RequireRows(files, mat);
   return mat;
 }
 

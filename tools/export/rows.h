@@ -19,8 +19,15 @@ struct MatrixFiles {
   std::string rclassfile;
 };
 
-// The labels and classes of the rows; of the matrix itself only the number of rows is read.
-Matrix ReadRowNames(const MatrixFiles& files);
+// The rows of a matrix as its companions name them.
+struct NamedRows {
+  int nrows = 0;
+  Labels rlabels;
+  molva::Strings rclasses;  // null without a class file
+};
+
+// Reads the labels and classes; of the matrix itself only the number of rows.
+NamedRows ReadNamedRows(const MatrixFiles& files);
 
 // The matrix with everything that goes with it.
 Matrix ReadWholeMatrix(const MatrixFiles& files, int denseinput);

@@ -21,11 +21,12 @@ std::string ScoreText(double score) {
   return text.data();
 }
 
-nlohmann::ordered_json RowRecord(const Matrix& names, const Clustering& clustering, std::size_t i) {
+nlohmann::ordered_json RowRecord(const NamedRows& rows, const Clustering& clustering,
+                                 std::size_t i) {
   nlohmann::ordered_json row;
   row["row"] = i;
-  row["label"] = ValidUtf8(names.rlabels[static_cast<std::int64_t>(i)]);
-  if (names.rclasses) row["class"] = ValidUtf8(names.rclasses[i]);
+  row["label"] = ValidUtf8(rows.rlabels[static_cast<std::int64_t>(i)]);
+  if (rows.rclasses) row["class"] = ValidUtf8(rows.rclasses[i]);
   row["cluster"] = clustering.part[i];
   if (clustering.has_zscores()) {
     row["internal_z"] = clustering.internal_z[i];
@@ -36,12 +37,12 @@ nlohmann::ordered_json RowRecord(const Matrix& names, const Clustering& clusteri
 
 }  // namespace
 
-void WriteTsv(const Matrix& names, const Clustering& clustering, std::ostream& out) {
-  out << "row\tlabel\t" << (names.rclasses ? "class\t" : "") << "cluster"
+void WriteTsv(const NamedRows& rows, const Clustering& clustering, std::ostream& out) {
+  out << "row\tlabel\t" << (rows.rclasses ? "class\t" : "") << "cluster"
       << (clustering.has_zscores() ? "\tinternal_z\texternal_z" : "") << '\n';
   for (std::size_t i = 0; i < clustering.part.size(); ++i) {
-    out << i << '\t' << TsvField(names.rlabels[static_cast<std::int64_t>(i)]) << '\t';
-    if (names.rclasses) out << TsvField(names.rclasses[i]) << '\t';
+    out << i << '\t' << TsvField(rows.rlabels[static_cast<std::int64_t>(i)]) << '\t';
+    if (rows.rclasses) out << TsvField(rows.rclasses[i]) << '\t';
     out << clustering.part[i];
     if (clustering.has_zscores()) {
       out << '\t' << ScoreText(clustering.internal_z[i]) << '\t'
@@ -51,11 +52,11 @@ void WriteTsv(const Matrix& names, const Clustering& clustering, std::ostream& o
   }
 }
 
-void WriteJson(const Matrix& names, const Clustering& clustering, std::ostream& out) {
+void WriteJson(const NamedRows& rows, const Clustering& clustering, std::ostream& out) {
   out << "{\"nrows\":" << clustering.part.size() << ",\"nclusters\":" << clustering.nclusters
       << ",\"rows\":[";
   for (std::size_t i = 0; i < clustering.part.size(); ++i) {
-    out << (i == 0 ? "\n" : ",\n") << RowRecord(names, clustering, i).dump();
+    out << (i == 0 ? "\n" : ",\n") << RowRecord(rows, clustering, i).dump();
   }
   out << "\n]}\n";
 }

@@ -6,16 +6,16 @@
 
 #include <ostream>
 
-#include "programs/io/matrix.h"
 #include "tools/export/clustering.h"
+#include "tools/export/rows.h"
 
 namespace mardle::exporting {
 
 // Tab-separated, with a line of column names.
-void WriteTsv(const Matrix& names, const Clustering& clustering, std::ostream& out);
+void WriteTsv(const NamedRows& rows, const Clustering& clustering, std::ostream& out);
 
 // One object with nrows, nclusters and the list of rows, one a line. A z-score that is no finite
 // number is null.
-void WriteJson(const Matrix& names, const Clustering& clustering, std::ostream& out);
+void WriteJson(const NamedRows& rows, const Clustering& clustering, std::ostream& out);
 
 }  // namespace mardle::exporting

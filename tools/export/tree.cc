@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "tools/export/failure.h"
 #include "tools/export/fields.h"
+#include "tools/text/file_error.h"
 
 namespace mardle::exporting {
 namespace {
@@ -15,8 +15,8 @@ namespace {
 std::string NodeText(int x) { return "node " + std::to_string(x); }
 
 // Node x stands in line x + 1.
-Failure FailureAtNode(const std::string& path, int x, const std::string& why) {
-  return FailureAt(path, static_cast<std::size_t>(x) + 1, why);
+tools::FileError ErrorAtNode(const std::string& path, int x, const std::string& why) {
+  return tools::FileError({path, x + 1}, why);
 }
 
 Tree ReadLines(const std::string& path) {
@@ -43,13 +43,13 @@ void AddChild(const std::string& path, int x, Tree& tree) {
   if (parent == -1) return;
   const auto nodes = static_cast<int>(tree.parent.size());
   if (parent <= x || parent < tree.nleaves || parent >= nodes) {
-    throw FailureAtNode(path, x,
-                        "parent " + std::to_string(parent) + " is no internal node above " +
-                            NodeText(x) + "; they are " + std::to_string(tree.nleaves) + " to " +
-                            std::to_string(nodes - 1));
+    throw ErrorAtNode(path, x,
+                      "parent " + std::to_string(parent) + " is no internal node above " +
+                          NodeText(x) + "; they are " + std::to_string(tree.nleaves) + " to " +
+                          std::to_string(nodes - 1));
   }
   std::array<int, 2>& children = tree.children[static_cast<std::size_t>(parent)];
-  if (children[1] != -1) throw FailureAtNode(path, x, NodeText(parent) + " has a third child");
+  if (children[1] != -1) throw ErrorAtNode(path, x, NodeText(parent) + " has a third child");
   children[children[0] == -1 ? 0 : 1] = x;
 }
 
@@ -58,10 +58,10 @@ void AddChild(const std::string& path, int x, Tree& tree) {
 void CheckInternalNodes(const std::string& path, const Tree& tree) {
   for (int x = tree.nleaves; x <= tree.root; ++x) {
     if (tree.ChildrenOf(x)[1] == -1) {
-      throw FailureAtNode(path, x, NodeText(x) + " has fewer than two children");
+      throw ErrorAtNode(path, x, NodeText(x) + " has fewer than two children");
     }
     if (x < tree.root && tree.parent[static_cast<std::size_t>(x)] == -1) {
-      throw FailureAtNode(path, x, NodeText(x) + " is a second root");
+      throw ErrorAtNode(path, x, NodeText(x) + " is a second root");
     }
   }
 }
@@ -87,7 +87,7 @@ Tree ReadTree(const std::string& path) {
   tree.children.assign(tree.parent.size(), {-1, -1});
   for (int x = 0; x < static_cast<int>(tree.parent.size()); ++x) AddChild(path, x, tree);
   tree.root = tree.nleaves == 1 ? 0 : HighestNodeWithChildren(tree);
-  if (tree.root < 0) throw Failure(path + ": no node has a parent, so there is no tree");
+  if (tree.root < 0) throw tools::FileError({path, 0}, "no node has a parent, so there is no tree");
   CheckInternalNodes(path, tree);
   return tree;
 }

@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
 namespace mardle::tools {
@@ -103,7 +104,7 @@ std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportO
     return app.exit(success);
   } catch (const CLI::ParseError& error) {
     std::fprintf(stderr, "mardle-import: %s\nTry 'mardle-import --help'.\n", error.what());
-    return 2;
+    return kWrongUsage;
   }
   return std::nullopt;
 }

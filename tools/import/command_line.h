@@ -5,12 +5,12 @@
 
 #include <optional>
 
-#include "tools/import/import.h"
+#include "tools/import/import_options.h"
 
 namespace mardle::tools {
 
 // Fills in the options. When there is nothing to import it returns the status to end with: 0 after
-// --help and --version, 2 after a command line that is wrong, which is told on standard error.
+// --help and --version, 2 after a command line that is wrong, which is reported on standard error.
 std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportOptions& options);
 
 }  // namespace mardle::tools

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <vector>
 
+#include "tools/text/fields.h"
+
 namespace mardle::tools {
 namespace {
 
@@ -48,11 +50,9 @@ std::string WholeText(const std::string& path) {
 // Takes the columns out of the line and returns what is left.
 std::string TakeColumns(std::string_view line, const LineOptions& options, RowNames& names) {
   std::string text;
-  std::size_t begin = 0;
-  for (int column = 1; begin <= line.size(); ++column) {
-    const std::size_t end = std::min(line.find('\t', begin), line.size());
-    const std::string_view field = line.substr(begin, end - begin);
-    begin = end + 1;
+  int column = 0;
+  for (const std::string_view field : FieldsBetween(line, '\t')) {
+    ++column;
     const bool is_label = column == options.label_column;
     const bool is_class = column == options.class_column;
     if (is_label) names.label = field;

@@ -11,8 +11,9 @@
 #include "tools/import/stop_words.h"
 #include "tools/import/svmlight.h"
 #include "tools/import/table_matrix.h"
+#include "tools/text/fields.h"
 #include "tools/text/input_lines.h"
-#include "tools/text/number_field.h"
+#include "tools/text/numbers.h"
 
 namespace mardle::tools {
 namespace {
@@ -102,7 +103,7 @@ std::string Summary(const ImportOptions& options, const ImportResult& result) {
                      Count(matrix.columns, "column", "columns") + ", " +
                      Count(matrix.entries, "entry", "entries") + ", " +
                      (matrix.dense ? "dense" : "sparse") + ", from " + options.input + " (" +
-                     NameOf(result.format) + ")\n";
+                     FormatName(result.format) + ")\n";
   if (result.files_passed_over > 0) {
     text += Count(result.files_passed_over, "file is", "files are") + " no text and left out\n";
   }

@@ -4,31 +4,11 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
-#include "tools/import/documents.h"
-#include "tools/import/input_format.h"
-#include "tools/import/matrix_writer.h"
-#include "tools/import/table_columns.h"
-#include "tools/import/term_counts.h"
-#include "tools/import/text_tokens.h"
+#include "tools/import/import_options.h"
 
 namespace mardle::tools {
-
-struct ImportOptions {
-  std::string input;
-  std::optional<InputFormat> format;  // found out when absent
-  MatrixOutput output;
-  bool sparse = false;      // tables and arrays
-  bool zero_based = false;  // svmlight
-  TableOptions table;       // the label and class columns are also those of lines
-  FolderOptions folder;
-  std::string token_pattern = kDefaultTokenPattern;
-  std::string stop_words = "english";
-  TermLimits limits;
-  bool quiet = false;
-};
 
 struct ImportResult {
   InputFormat format;
@@ -36,7 +16,7 @@ struct ImportResult {
   std::int64_t files_passed_over = 0;  // of a folder
 };
 
-// Throws InputError when the input or the files fail, std::invalid_argument when the options are
+// Throws FileError when the input or the files fail, std::invalid_argument when the options are
 // wrong for the input; nothing is written then.
 ImportResult Import(const ImportOptions& options);
 

@@ -9,37 +9,35 @@
 
 #include "tools/import/command_line.h"
 #include "tools/import/import.h"
-#include "tools/text/partial_files.h"
+#include "tools/text/tool_frame.h"
 
 namespace {
 
-constexpr int kSuccess = 0;
-constexpr int kFailure = 1;
-constexpr int kWrongUsage = 2;
+using namespace mardle::tools;
 
-void Tell(const char* message) { std::fprintf(stderr, "mardle-import: %s\n", message); }
+constexpr char kName[] = "mardle-import";
 
-void RunImport(const mardle::tools::ImportOptions& options) {
-  const mardle::tools::ImportResult result = mardle::tools::Import(options);
+void RunImport(const ImportOptions& options) {
+  const ImportResult result = Import(options);
   if (!options.quiet) std::fputs(Summary(options, result).c_str(), stdout);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  mardle::tools::ImportOptions options;
+  PrepareTool();
+  ImportOptions options;
   if (const std::optional<int> status = ParseImportOptions(argc, argv, options)) return *status;
-  mardle::tools::RemovePartialFilesWhenInterrupted();
   try {
     RunImport(options);
     return kSuccess;
   } catch (const std::bad_alloc&) {
-    Tell("out of memory");
+    ReportError(kName, "out of memory");
   } catch (const std::invalid_argument& error) {
-    Tell(error.what());
+    ReportError(kName, error.what());
     return kWrongUsage;
   } catch (const std::exception& error) {
-    Tell(error.what());
+    ReportError(kName, error.what());
   }
   return kFailure;
 }

@@ -9,7 +9,8 @@
 
 #include "tools/import/svmlight.h"
 #include "tools/import/table_reader.h"
-#include "tools/text/number_field.h"
+#include "tools/text/fields.h"
+#include "tools/text/numbers.h"
 
 namespace mardle::tools {
 namespace {
@@ -48,20 +49,10 @@ std::vector<std::string_view> FirstLines(std::string_view text, std::size_t most
   return lines;
 }
 
-std::vector<std::string_view> Split(std::string_view line, char delimiter) {
-  std::vector<std::string_view> fields;
-  for (;;) {
-    const std::size_t end = line.find(delimiter);
-    fields.push_back(line.substr(0, end));
-    if (end == std::string_view::npos) return fields;
-    line.remove_prefix(end + 1);
-  }
-}
-
 bool LooksLikeTable(std::string_view header, std::string_view row) {
   const char delimiter = DelimiterOf(header);
-  const std::vector<std::string_view> fields = Split(row, delimiter);
-  return fields.size() > 1 && fields.size() == Split(header, delimiter).size() &&
+  const std::vector<std::string_view> fields = FieldsBetween(row, delimiter);
+  return fields.size() > 1 && fields.size() == FieldsBetween(header, delimiter).size() &&
          std::any_of(fields.begin(), fields.end(), [](std::string_view field) {
            return ParseNumber(Trimmed(field)).has_value();
          });
@@ -80,7 +71,7 @@ InputFormat DetectFormat(const std::string& path, std::string_view beginning) {
   return InputFormat::kLines;
 }
 
-const char* NameOf(InputFormat format) {
+const char* FormatName(InputFormat format) {
   switch (format) {
     case InputFormat::kMatrixMarket:
       return "Matrix Market";

@@ -17,6 +17,6 @@ enum class InputFormat { kMatrixMarket, kSvmlight, kTable, kLines, kFolder };
 InputFormat DetectFormat(const std::string& path, std::string_view beginning);
 
 // As messages call it.
-const char* NameOf(InputFormat format);
+const char* FormatName(InputFormat format);
 
 }  // namespace mardle::tools

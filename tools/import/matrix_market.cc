@@ -8,7 +8,9 @@
 #include <tuple>
 #include <vector>
 
-#include "tools/text/number_field.h"
+#include "tools/import/matrix_value.h"
+#include "tools/text/fields.h"
+#include "tools/text/numbers.h"
 
 namespace mardle::tools {
 namespace {

@@ -11,7 +11,7 @@
 namespace mardle::tools {
 
 // Entries given several times add up, and zeros are no entries. An array becomes a dense matrix
-// unless `sparse` asks otherwise. Throws InputError on whatever the format does not allow.
+// unless `sparse` asks otherwise. Throws FileError on whatever the format does not allow.
 MatrixSummary ImportMatrixMarket(InputLines& input, const MatrixOutput& output, bool sparse,
                                  Progress& progress);
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "tools/import/label_text.h"
-#include "tools/text/number_field.h"
+#include "tools/text/numbers.h"
 
 namespace mardle::tools {
 namespace {
@@ -18,10 +18,9 @@ constexpr const char* kSuffixes[] = {"", ".rlabel", ".rclass", ".clabel"};
 
 const std::string& RefuseExisting(const MatrixOutput& output) {
   if (output.replace) return output.path;
-  for (const char* suffix : kSuffixes) {
-    const std::string name = output.path + suffix;
+  for (const std::string& name : FilesOf(output)) {
     if (std::filesystem::exists(name)) {
-      throw InputError({name, 0}, "exists already; --force replaces it");
+      throw FileError({name, 0}, "exists already; --force replaces it");
     }
   }
   return output.path;
@@ -29,19 +28,25 @@ const std::string& RefuseExisting(const MatrixOutput& output) {
 
 void CheckCount(const std::string& path, std::int64_t count, const char* what) {
   if (count <= INT_MAX) return;
-  throw InputError({path, 0},
-                   "more " + std::string(what) + " than mardle takes, " + std::to_string(INT_MAX));
+  throw FileError({path, 0},
+                  "more " + std::string(what) + " than mardle takes, " + std::to_string(INT_MAX));
 }
 
 void CheckLength(const std::string& line, const Place& place) {
   if (line.size() <= kLongestLine + 1) return;
-  throw InputError(place, "the row would be a line of " + std::to_string(line.size() - 1) +
-                              " characters, and mardle reads no more than " +
-                              std::to_string(kLongestLine) +
-                              ": raise --min-count, leave columns out or split the document");
+  throw FileError(place, "the row would be a line of " + std::to_string(line.size() - 1) +
+                             " characters, and mardle reads no more than " +
+                             std::to_string(kLongestLine) +
+                             ": raise --min-count, leave columns out or split the document");
 }
 
 }  // namespace
+
+std::vector<std::string> FilesOf(const MatrixOutput& output) {
+  std::vector<std::string> names;
+  for (const char* suffix : kSuffixes) names.push_back(output.path + suffix);
+  return names;
+}
 
 MatrixWriter::MatrixWriter(const MatrixOutput& output, std::optional<int> dense_columns)
     : output_(output), matrix_(RefuseExisting(output)) {
@@ -104,29 +109,32 @@ std::string MatrixWriter::Header() const {
 MatrixSummary MatrixWriter::Finish(std::int64_t columns,
                                    std::span<const std::string> column_labels) {
   CheckCount(output_.path, columns, "columns");
-  if (summary_.rows == 0) throw InputError({output_.path, 0}, "there are no rows to write");
+  if (summary_.rows == 0) throw FileError({output_.path, 0}, "there are no rows to write");
   summary_.columns = columns;
   matrix_.WriteFirst(Header());
   for (const std::string& label : column_labels) WriteName(label, ".clabel", column_labels_);
-  matrix_.Close();
-  for (OutputFile* file : {row_labels_.get(), row_classes_.get(), column_labels_.get()}) {
-    if (file != nullptr) file->Close();
-  }
-  // All are complete: from here on only renaming can fail. The matrix comes last, so that where it
-  // is, its labels are.
-  KeepOrRemove(row_labels_, ".rlabel");
-  KeepOrRemove(row_classes_, ".rclass");
-  KeepOrRemove(column_labels_, ".clabel");
-  matrix_.Keep();
+  PublishFiles();
   return summary_;
 }
 
-void MatrixWriter::KeepOrRemove(const std::unique_ptr<OutputFile>& file, const char* suffix) const {
-  if (file) {
-    file->Keep();
-  } else {
-    std::filesystem::remove(output_.path + suffix);
-  }
+// The matrix comes last, so that where it is, its labels are.
+void MatrixWriter::PublishFiles() {
+  std::vector<OutputFile*> files;
+  std::vector<std::string> leftovers;
+  const auto add = [&](OutputFile* file, const char* suffix) {
+    if (file == nullptr) {
+      leftovers.push_back(output_.path + suffix);
+      return;
+    }
+    file->Complete();
+    files.push_back(file);
+  };
+  add(row_labels_.get(), ".rlabel");
+  add(row_classes_.get(), ".rclass");
+  add(column_labels_.get(), ".clabel");
+  add(&matrix_, "");
+  // Another import may have made the same files meanwhile.
+  Publish(files, leftovers, [this] { RefuseExisting(output_); });
 }
 
 }  // namespace mardle::tools

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/text/input_error.h"
+#include "tools/text/file_error.h"
 #include "tools/text/output_file.h"
 
 namespace mardle::tools {
@@ -36,6 +36,10 @@ struct MatrixOutput {
   bool replace = false;     // files that exist
 };
 
+// The matrix and the files beside it, whether or not all of them will be written: those that are
+// not are removed.
+std::vector<std::string> FilesOf(const MatrixOutput& output);
+
 struct MatrixSummary {
   std::int64_t rows = 0;
   std::int64_t columns = 0;
@@ -46,7 +50,7 @@ struct MatrixSummary {
 
 class MatrixWriter {
  public:
-  // Throws InputError when one of the files exists and may not be replaced. A matrix is dense when
+  // Throws FileError when one of the files exists and may not be replaced. A matrix is dense when
   // it is given a number of columns here.
   explicit MatrixWriter(const MatrixOutput& output, std::optional<int> dense_columns = {});
 
@@ -66,7 +70,7 @@ class MatrixWriter {
   void WriteName(std::optional<std::string_view> name, const char* suffix,
                  std::unique_ptr<OutputFile>& file) const;
   std::string Header() const;
-  void KeepOrRemove(const std::unique_ptr<OutputFile>& file, const char* suffix) const;
+  void PublishFiles();
 
   MatrixOutput output_;
   MatrixSummary summary_;

@@ -28,7 +28,7 @@ Kind KindOf(const ImportOptions& options, InputFormat format) {
 void Require(bool useful, bool given, const char* option, InputFormat format) {
   if (given && !useful) {
     throw std::invalid_argument(std::string(option) +
-                                " has no use for this input: " + NameOf(format));
+                                " has no use for this input: " + FormatName(format));
   }
 }
 

@@ -3,7 +3,7 @@
 // Which options of mardle-import mean something for which format.
 #pragma once
 
-#include "tools/import/import.h"
+#include "tools/import/import_options.h"
 
 namespace mardle::tools {
 

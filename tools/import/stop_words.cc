@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "tools/import/text_tokens.h"
+#include "tools/text/fields.h"
 #include "tools/text/input_lines.h"
-#include "tools/text/number_field.h"
 
 namespace mardle::tools {
 namespace {

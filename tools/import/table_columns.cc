@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <set>
 
-#include "tools/text/number_field.h"
+#include "tools/text/fields.h"
+#include "tools/text/numbers.h"
 
 namespace mardle::tools {
 namespace {
@@ -44,8 +45,8 @@ bool Table::Next() {
   }
   if (!reader_.Next(fields_)) return false;
   if (fields_.size() != header_.size()) {
-    throw InputError(place(), "the row has " + std::to_string(fields_.size()) +
-                                  " fields instead of " + std::to_string(header_.size()));
+    throw FileError(place(), "the row has " + std::to_string(fields_.size()) +
+                                 " fields instead of " + std::to_string(header_.size()));
   }
   return true;
 }
@@ -55,7 +56,7 @@ std::optional<std::string_view> Table::Field(std::optional<std::size_t> column) 
   return fields_[*column];
 }
 
-std::string Table::NameOf(std::size_t column) const {
+std::string Table::ColumnName(std::size_t column) const {
   const std::string number = "column " + std::to_string(column + 1);
   return header_[column].empty() ? number : number + " (" + header_[column] + ")";
 }
@@ -74,7 +75,7 @@ std::optional<std::size_t> Table::Find(const std::string& name) const {
   const auto number = ParseInteger(name);
   const auto columns = static_cast<long long>(header_.size());
   if (!number || *number < 1 || *number > columns) {
-    throw InputError(place(), "there is no column " + Quoted(name));
+    throw FileError(place(), "there is no column " + Quoted(name));
   }
   return static_cast<std::size_t>(*number - 1);
 }

@@ -27,7 +27,7 @@ class Table {
  public:
   Table(InputLines& input, const TableOptions& options);
 
-  // Takes the next row into fields(). False at the end. Throws InputError when it has not as many
+  // Takes the next row into fields(). False at the end. Throws FileError when it has not as many
   // fields as the table has columns.
   bool Next();
 
@@ -41,7 +41,7 @@ class Table {
   std::vector<std::size_t> value_columns;  // all others that are not skipped
 
   // "column 3 (petal)".
-  std::string NameOf(std::size_t column) const;
+  std::string ColumnName(std::size_t column) const;
   // The headings of the value columns; none without a header.
   std::vector<std::string> Headings() const;
 

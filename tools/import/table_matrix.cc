@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/import/table_matrix.h"
 
-#include "tools/text/number_field.h"
+#include "tools/import/matrix_value.h"
+#include "tools/text/fields.h"
+#include "tools/text/numbers.h"
 
 namespace mardle::tools {
 namespace {
@@ -11,12 +13,12 @@ constexpr char kAdvice[] =
 
 double CellValue(const Table& table, std::size_t column) {
   const std::string_view text = Trimmed(table.fields()[column]);
-  if (text.empty()) throw InputError(table.place(), table.NameOf(column) + " is empty");
+  if (text.empty()) throw FileError(table.place(), table.ColumnName(column) + " is empty");
   if (!ParseNumber(text)) {
-    throw InputError(table.place(),
-                     table.NameOf(column) + " is no number: " + Quoted(text) + kAdvice);
+    throw FileError(table.place(),
+                    table.ColumnName(column) + " is no number: " + Quoted(text) + kAdvice);
   }
-  return MatrixValue(text, table.place(), table.NameOf(column));
+  return MatrixValue(text, table.place(), table.ColumnName(column));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "tools/text/number_field.h"
+#include "tools/text/fields.h"
 
 namespace mardle::tools {
 namespace {
@@ -62,7 +62,7 @@ std::string TableReader::TakeQuoted(std::string_view& rest) {
     field += rest.substr(0, quote);
     if (quote == std::string_view::npos) {
       field += '\n';
-      if (!input_.Next(rest)) throw InputError(opened, "a quote is not closed");
+      if (!input_.Next(rest)) throw FileError(opened, "a quote is not closed");
       continue;
     }
     rest.remove_prefix(quote + 1);

@@ -38,7 +38,7 @@ TextTokens::TextTokens(const std::string& pattern) : matcher_(Matcher(pattern)) 
 
 void TextTokens::Start(std::string_view text, const Place& place) {
   constexpr std::size_t kLongestText = INT_MAX / 4;
-  if (text.size() > kLongestText) throw InputError(place, "the text is longer than 512 megabytes");
+  if (text.size() > kLongestText) throw FileError(place, "the text is longer than 512 megabytes");
   place_ = place;
   text_ = LowerCased(text);
   matcher_->reset(text_);
@@ -49,7 +49,7 @@ bool TextTokens::Next(std::string& token) {
   do {
     if (!matcher_->find(status)) {
       if (U_FAILURE(status)) {
-        throw InputError(
+        throw FileError(
             place_, std::string("the token pattern fails on this text: ") + u_errorName(status));
       }
       return false;

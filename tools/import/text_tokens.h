@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "tools/text/input_error.h"
+#include "tools/text/file_error.h"
 
 namespace mardle::tools {
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/run/promised_files.h"
 
-#include <getopt.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,56 +9,14 @@
 #include "lib/support/files.h"
 #include "programs/io/line_reader.h"
 #include "programs/io/read_matrix.h"
-#include "programs/options.h"
+#include "programs/io/write_results.h"
 #include "tools/run/argument_vector.h"
-#include "tools/text/input_error.h"
+#include "tools/text/fields.h"
+#include "tools/text/file_error.h"
 #include "tools/text/input_lines.h"
-#include "tools/text/number_field.h"
 
 namespace mardle::tools {
 namespace {
-
-int ArgumentRule(Option::Value value) {
-  switch (value) {
-    case Option::Value::kNone:
-    case Option::Value::kHelp:
-      return no_argument;
-    case Option::Value::kOptionalInt:
-    case Option::Value::kOptionalText:
-      return optional_argument;
-    default:
-      return required_argument;
-  }
-}
-
-std::vector<option> ParserTable() {
-  std::vector<option> table;
-  table.reserve(OptionTable().size() + 1);
-  for (const Option& option : OptionTable()) {
-    table.push_back({option.name, ArgumentRule(option.value), nullptr, 0});
-  }
-  table.push_back({});
-  return table;
-}
-
-// Whether mardle would run; its own parser ends the process when it would not.
-Request Classify(std::vector<std::string> command_line) {
-  unsetenv("POSIXLY_CORRECT");
-  optind = 0;
-  opterr = 0;
-  const int argc = static_cast<int>(command_line.size());
-  const std::vector<char*> argv = ArgumentVector(command_line);
-  const std::vector<option> table = ParserTable();
-  int position = 0;
-  for (;;) {
-    const int code = getopt_long_only(argc, argv.data(), "", table.data(), &position);
-    if (code == -1) break;
-    if (code != 0) return Request::kRefused;
-    const Option& option = OptionTable()[static_cast<std::size_t>(position)];
-    if (option.value == Option::Value::kHelp) return Request::kHelp;
-  }
-  return argc - optind == 2 ? Request::kRun : Request::kRefused;
-}
 
 // Whether the file can be read back: results may also go to pipes, devices and standard output.
 bool IsChecked(const std::string& name) {
@@ -76,7 +33,7 @@ bool IsChecked(const std::string& name) {
 
 int RowsOf(const RunParams& params) {
   const molva::File file = molva::OpenFile(params.filename.get(), "r");
-  if (!file) throw InputError({params.filename.get(), 0}, "cannot be read again");
+  if (!file) throw FileError({params.filename.get(), 0}, "cannot be read again");
   LineReader reader(file.get());
   return ReadHeader(reader).nrows;
 }
@@ -114,7 +71,7 @@ void CheckLines(const std::string& name, std::int64_t wanted, std::size_t fields
       problems.push_back(name + ": incomplete, " + std::to_string(found) + " of " +
                          std::to_string(wanted) + " lines");
     }
-  } catch (const InputError& error) {
+  } catch (const FileError& error) {
     problems.push_back(error.what());
   }
 }
@@ -129,20 +86,14 @@ void CheckDrawing(const Drawing& drawing, std::vector<std::string>& problems) {
   }
 }
 
-std::string Named(const molva::String& given, const RunParams& params, const char* kind,
-                  int count) {
-  if (given) return given.get();
-  return std::string(params.filename.get()) + kind + std::to_string(count);
-}
-
 }  // namespace
 
-Request ReadCommandLine(const std::vector<std::string>& command_line, RunParams& params) {
-  const Request request = Classify(command_line);
-  if (request != Request::kRun) return request;
-  std::vector<std::string> texts = command_line;
-  ParseCommandLine(params, static_cast<int>(texts.size()), ArgumentVector(texts).data());
-  return request;
+CommandLineKind ReadCommandLine(std::vector<std::string> command_line, RunParams& params) {
+  const int argc = static_cast<int>(command_line.size());
+  const CommandLineKind kind = KindOfCommandLine(argc, ArgumentVector(command_line).data());
+  if (kind != CommandLineKind::kRun) return kind;
+  ParseCommandLine(params, argc, ArgumentVector(command_line).data());
+  return kind;
 }
 
 std::optional<FileState> FileState::Of(const std::string& name) {
@@ -164,19 +115,17 @@ std::vector<Drawing> DrawingsOf(const RunParams& params) {
   return drawings;
 }
 
-std::vector<std::string> MissingResults(const RunParams& params,
-                                        const std::vector<Drawing>& drawings) {
+std::vector<std::string> MissingResults(RunParams& params, const std::vector<Drawing>& drawings) {
   std::vector<std::string> problems;
   const int nrows = RowsOf(params);
-  const int nclusters = params.nclusters != 0 ? params.nclusters : ClassesOf(params, nrows);
+  if (params.nclusters == 0) params.nclusters = ClassesOf(params, nrows);
   if (params.nooutput == 0) {
-    CheckLines(Named(params.outputfile, params, ".clustering.", nclusters), nrows,
-               params.zscores != 0 ? 3 : 1, problems);
+    CheckLines(ClusteringName(params), nrows, params.zscores != 0 ? 3 : 1, problems);
   }
   if (params.writetree != 0) {
-    const std::int64_t leaves = params.fulltree != 0 ? nrows : nclusters;
-    CheckLines(Named(params.treefile, params, ".tree.", static_cast<int>(leaves)), 2 * leaves - 1,
-               2, problems);
+    const int leaves = params.fulltree != 0 ? nrows : params.nclusters;
+    CheckLines(TreeName(params.filename, params.treefile, leaves), 2 * std::int64_t{leaves} - 1, 2,
+               problems);
   }
   for (const Drawing& drawing : drawings) CheckDrawing(drawing, problems);
   return problems;

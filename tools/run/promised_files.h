@@ -11,15 +11,13 @@
 #include <string>
 #include <vector>
 
+#include "programs/options.h"
 #include "programs/run_params.h"
 
 namespace mardle::tools {
 
-// What a command line asks for.
-enum class Request { kRun, kHelp, kRefused };
-
 // Reads the arguments, the program's name first, as mardle does; fills params for a run.
-Request ReadCommandLine(const std::vector<std::string>& command_line, RunParams& params);
+CommandLineKind ReadCommandLine(std::vector<std::string> command_line, RunParams& params);
 
 // What a file was like at some time; nothing when there was none.
 struct FileState {
@@ -41,8 +39,8 @@ std::vector<Drawing> DrawingsOf(const RunParams& params);
 
 // Checks what a completed run has left, and returns what is wrong, a sentence for each file. The
 // clustering file has a line for each row of the matrix, a tree file one for each node, a drawing
-// is new and not empty. Files that are no regular files, such as /dev/null, are not checked.
-std::vector<std::string> MissingResults(const RunParams& params,
-                                        const std::vector<Drawing>& drawings);
+// is new and not empty. A number of clusters left to the classes is settled in params. Files that
+// are no regular files, such as /dev/null, are not checked.
+std::vector<std::string> MissingResults(RunParams& params, const std::vector<Drawing>& drawings);
 
 }  // namespace mardle::tools

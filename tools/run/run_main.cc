@@ -13,15 +13,14 @@
 #include "tools/run/child_process.h"
 #include "tools/run/program_path.h"
 #include "tools/run/promised_files.h"
+#include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
 namespace {
 
 using namespace mardle::tools;
+using mardle::CommandLineKind;
 
-constexpr int kSuccess = 0;
-constexpr int kFailure = 1;
-constexpr int kWrongUsage = 2;
 constexpr int kCannotStart = 126;
 constexpr int kNotFound = 127;
 constexpr int kCompletedRun = 84;
@@ -42,7 +41,7 @@ constexpr char kHelp[] =
     "Exit status: 0 done, 1 failed, 2 wrong usage, 126 mardle cannot be started, 127 there is no\n"
     "mardle.\n";
 
-void Tell(const std::string& message) { std::fprintf(stderr, "mardle-run: %s\n", message.c_str()); }
+void Report(const std::string& message) { ReportError("mardle-run", message); }
 
 // The help and the version of this program, which are asked for alone.
 bool AnswersItself(const std::vector<std::string>& arguments) {
@@ -64,21 +63,21 @@ std::optional<std::string> FindOther() {
   return program;
 }
 
-int JudgeUncompleted(Request request, int status) {
-  if (request == Request::kHelp && status == 0) return kSuccess;
-  if (request == Request::kRefused) return kWrongUsage;
-  Tell("the run was not completed");
+int JudgeUncompleted(CommandLineKind kind, int status) {
+  if (kind == CommandLineKind::kHelp && status == 0) return kSuccess;
+  if (kind == CommandLineKind::kRefused) return kWrongUsage;
+  Report("the run was not completed");
   return kFailure;
 }
 
-int JudgeCompleted(Request request, const mardle::RunParams& params,
+int JudgeCompleted(CommandLineKind kind, mardle::RunParams& params,
                    const std::vector<Drawing>& drawings) {
-  if (request != Request::kRun) {
-    Tell("cannot tell which files the run has promised");
+  if (kind != CommandLineKind::kRun) {
+    Report("cannot tell which files the run has promised");
     return kFailure;
   }
   const std::vector<std::string> problems = MissingResults(params, drawings);
-  for (const std::string& problem : problems) Tell(problem);
+  for (const std::string& problem : problems) Report(problem);
   return problems.empty() ? kSuccess : kFailure;
 }
 
@@ -86,33 +85,34 @@ int RunAndJudge(const std::string& program, const std::vector<std::string>& argu
   std::vector<std::string> command_line{program};
   command_line.insert(command_line.end(), arguments.begin(), arguments.end());
   mardle::RunParams params;
-  const Request request = ReadCommandLine(command_line, params);
+  const CommandLineKind kind = ReadCommandLine(command_line, params);
   const std::vector<Drawing> drawings = DrawingsOf(params);
   const Ending ending = RunProgram(program, arguments);
   if (ending.start_error != 0) {
-    Tell(program + ": " + std::strerror(ending.start_error));
+    Report(program + ": " + std::strerror(ending.start_error));
     return kCannotStart;
   }
   if (ending.signal != 0) EndBySignal(ending.signal);
-  if (ending.status != kCompletedRun) return JudgeUncompleted(request, ending.status);
-  return JudgeCompleted(request, params, drawings);
+  if (ending.status != kCompletedRun) return JudgeUncompleted(kind, ending.status);
+  return JudgeCompleted(kind, params, drawings);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  PrepareTool();
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   if (AnswersItself(arguments)) return kSuccess;
   try {
     const std::optional<std::string> program = FindOther();
     if (!program) {
-      Tell(
+      Report(
           "there is no mardle: the variable MARDLE, the folder of this program and PATH name none");
       return kNotFound;
     }
     return RunAndJudge(*program, arguments);
   } catch (const std::exception& error) {
-    Tell(error.what());
+    Report(error.what());
     return kFailure;
   }
 }

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/text/input_lines.h"
 
-#include <cerrno>
-#include <cstring>
-
 namespace mardle::tools {
 namespace {
 
@@ -17,13 +14,18 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
 
 }  // namespace
 
+molva::File OpenForReading(const std::string& path) {
+  molva::File file = molva::OpenFile(path.c_str(), "r");
+  if (!file) throw SystemError(path);
+  return file;
+}
+
 InputLines::InputLines(const std::string& path) : stream_(stdin), place_{path, 0} {
   if (path == "-") {
     place_.path = "standard input";
     return;
   }
-  file_ = molva::OpenFile(path.c_str(), "r");
-  if (!file_) throw InputError(place_, std::strerror(errno));
+  file_ = OpenForReading(path);
   stream_ = file_.get();
 }
 
@@ -54,7 +56,7 @@ bool InputLines::Next(std::string_view& line) {
   return true;
 }
 
-void InputLines::Fail(const std::string& message) const { throw InputError(place_, message); }
+void InputLines::Fail(const std::string& message) const { throw FileError(place_, message); }
 
 bool InputLines::ReadMore() {
   const std::size_t old_size = buffer_.size();
@@ -62,7 +64,7 @@ bool InputLines::ReadMore() {
   const std::size_t count = std::fread(buffer_.data() + old_size, 1, kBlock, stream_);
   buffer_.resize(old_size + count);
   if (count == 0 && std::ferror(stream_) != 0) {
-    throw InputError({place_.path, 0}, std::strerror(errno));
+    throw SystemError(place_.path);
   }
   return count > 0;
 }

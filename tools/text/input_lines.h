@@ -10,13 +10,16 @@
 #include <string_view>
 
 #include "lib/support/files.h"
-#include "tools/text/input_error.h"
+#include "tools/text/file_error.h"
 
 namespace mardle::tools {
 
+// Opens a file; throws FileError when it cannot be read.
+molva::File OpenForReading(const std::string& path);
+
 class InputLines {
  public:
-  // "-" is standard input. Throws InputError when the file cannot be opened.
+  // "-" is standard input. Throws FileError when the file cannot be opened.
   explicit InputLines(const std::string& path);
 
   // What the file begins with, up to a block; to be asked before the first line is taken.
@@ -29,7 +32,7 @@ class InputLines {
   // The place of the line last taken.
   const Place& place() const { return place_; }
 
-  // Throws InputError at that place.
+  // Throws FileError at that place.
   [[noreturn]] void Fail(const std::string& message) const;
 
  private:

@@ -1,18 +1,22 @@
 // SPDX-License-Identifier: MIT
 //
-// A file that appears under its name only when it is complete.
+// Files that appear under their names when they are complete, or not at all.
 #pragma once
 
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "lib/support/files.h"
+#include "tools/text/output_target.h"
 #include "tools/text/partial_files.h"
 
 namespace mardle::tools {
 
-// Written under NAME.partial, and renamed when kept; removed at scope end, or by an interrupt, when
-// not. Failures throw InputError with the name.
+// Written under a name of its own in the folder of the file that it is to become; removed at scope
+// end, or by an interrupt, unless it was published. What goes to a pipe or a device is held until
+// then. Failures throw FileError with the name.
 class OutputFile {
  public:
   explicit OutputFile(const std::string& name);
@@ -23,19 +27,32 @@ class OutputFile {
   void Write(std::string_view text);
   // Writes over what the file begins with.
   void WriteFirst(std::string_view text);
-  // Closes the file; it is complete, but still under its partial name.
-  void Close();
-  // Gives the closed file its name.
-  void Keep();
+  // Everything is written; from here on only publishing can fail.
+  void Complete();
+
+  const std::string& name() const { return name_; }
+  const OutputTarget& target() const { return target_; }
 
  private:
-  [[noreturn]] void Fail() const;
+  friend void Publish(std::span<OutputFile* const>, std::span<const std::string>,
+                      const std::function<void()>&);
+
+  void WriteThrough();
 
   std::string name_;
-  std::string partial_;
-  PartialFile until_kept_;
+  OutputTarget target_;
+  PartialFile partial_;
   molva::File file_;
-  bool kept_ = false;
 };
+
+// Gives complete files their names, and removes the leftovers, which belong to what the files
+// replace: all of it, or nothing when it fails. Others who publish in these folders wait meanwhile,
+// so that two sets of files are never mixed; `check`, which may throw, is called when they do.
+void Publish(
+    std::span<OutputFile* const> files, std::span<const std::string> leftovers = {},
+    const std::function<void()>& check = [] {});
+
+// A file of this text.
+void WriteWhole(const std::string& name, std::string_view text);
 
 }  // namespace mardle::tools

@@ -3,19 +3,28 @@
 // A signal handler may neither allocate nor lock: the names stand in a table of atomic pointers.
 #include "tools/text/partial_files.h"
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <cerrno>
+
+#include "tools/text/held_signals.h"
+#include "tools/text/own_name.h"
 
 namespace mardle::tools {
 namespace {
 
+constexpr mode_t kNewFile = 0666;  // of which the process's mask takes its part
+constexpr mode_t kOwnerOnly = 0600;
+
 std::array<std::atomic<const char*>, 8> names;
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
-void Replace(const char* old_name, const char* new_name) {
+void Exchange(const char* old_name, const char* new_name) {
   for (std::atomic<const char*>& name : names) {
     const char* expected = old_name;
     if (name.compare_exchange_strong(expected, new_name)) return;
@@ -31,13 +40,41 @@ void RemoveAndEnd(int signal) {
   raise(signal);
 }
 
+// Fails when anything stands under the name, a link also.
+int CreateNew(const std::string& name, mode_t mode) {
+  return open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+}
+
 }  // namespace
 
-PartialFile::PartialFile(const char* name) : name_(name) { Replace(nullptr, name_); }
-PartialFile::~PartialFile() { Replace(name_, nullptr); }
+int PartialFile::Create(const std::string& folder, std::optional<mode_t> mode) {
+  const HeldSignals held;
+  int descriptor = -1;
+  std::string name;
+  do {
+    name = OwnName(folder);
+    descriptor = CreateNew(name, mode ? kOwnerOnly : kNewFile);
+  } while (descriptor < 0 && errno == EEXIST);
+  if (descriptor < 0) return descriptor;
+  name_ = name;
+  Exchange(nullptr, name_.c_str());
+  if (mode) static_cast<void>(fchmod(descriptor, *mode));
+  return descriptor;
+}
+
+void PartialFile::Forget() {
+  if (!name_.empty()) Exchange(name_.c_str(), nullptr);
+  name_.clear();
+}
+
+PartialFile::~PartialFile() {
+  if (name_.empty()) return;
+  unlink(name_.c_str());
+  Forget();
+}
 
 void RemovePartialFilesWhenInterrupted() {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : kInterrupts) {
     struct sigaction action = {};
     sigaction(signal, nullptr, &action);
     if (action.sa_handler == SIG_IGN) continue;

@@ -3,19 +3,31 @@
 // The files that a process is writing, so that an interrupt leaves none of them behind.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+
 namespace mardle::tools {
 
-// While it lives, an interrupt removes the file of this name, if there is one; of more than eight
-// names at a time the last are not remembered. The text is the caller's and stays in place.
+// A file under a name of its own, removed at scope end or by an interrupt; of more than eight at a
+// time interrupts do not remove the last.
 class PartialFile {
  public:
-  explicit PartialFile(const char* name);
+  PartialFile() = default;
   ~PartialFile();
   PartialFile(const PartialFile&) = delete;
   PartialFile& operator=(const PartialFile&) = delete;
 
+  // Makes a new file in the folder, with the permissions of the file that it is to replace, if
+  // there is one. Returns a descriptor for reading and writing, or -1 with the reason in errno.
+  int Create(const std::string& folder, std::optional<mode_t> mode);
+  const std::string& name() const { return name_; }
+  // It has another name now and stays.
+  void Forget();
+
  private:
-  const char* name_;
+  std::string name_;  // empty: there is none
 };
 
 // From now on SIGINT, SIGTERM and SIGHUP, unless they are ignored, remove these files before

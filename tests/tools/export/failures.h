@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "tools/export/failure.h"
+#include "tools/text/file_error.h"
 
 namespace testing_support {
 
@@ -15,7 +15,7 @@ template <typename Statement>
 std::string FailureMessage(Statement statement) {
   try {
     statement();
-  } catch (const mardle::exporting::Failure& failure) {
+  } catch (const mardle::tools::FileError& failure) {
     return failure.what();
   }
   ADD_FAILURE() << "no failure was met";

@@ -9,8 +9,8 @@
 
 namespace {
 
-using mardle::Matrix;
 using mardle::exporting::Clustering;
+using mardle::exporting::NamedRows;
 
 molva::Strings Table(const std::vector<const char*>& texts) {
   molva::Strings strings(static_cast<std::int64_t>(texts.size()), "texts");
@@ -18,17 +18,17 @@ molva::Strings Table(const std::vector<const char*>& texts) {
   return strings;
 }
 
-Matrix ThreeRows() {
-  Matrix names;
-  names.nrows = 3;
-  names.rlabels = Table({"one", "t\two", "\"3\" caf\xe9"});
-  return names;
+NamedRows ThreeRows() {
+  NamedRows rows;
+  rows.nrows = 3;
+  rows.rlabels = Table({"one", "t\two", "\"3\" caf\xe9"});
+  return rows;
 }
 
 template <typename Write>
-std::string Written(Write write, const Matrix& names, const Clustering& clustering) {
+std::string Written(Write write, const NamedRows& rows, const Clustering& clustering) {
   std::ostringstream out;
-  write(names, clustering, out);
+  write(rows, clustering, out);
   return out.str();
 }
 
@@ -47,9 +47,9 @@ TEST(WriteTsv, HasALinePerRow) {
 }
 
 TEST(WriteTsv, HasClassesAndScoresWhereThereAreSome) {
-  Matrix names = ThreeRows();
-  names.rclasses = Table({"A", "B", "A"});
-  EXPECT_EQ(Written(mardle::exporting::WriteTsv, names, kScored),
+  NamedRows rows = ThreeRows();
+  rows.rclasses = Table({"A", "B", "A"});
+  EXPECT_EQ(Written(mardle::exporting::WriteTsv, rows, kScored),
             "row\tlabel\tclass\tcluster\tinternal_z\texternal_z\n"
             "0\tone\tA\t0\t0.500000\t-1.250000\n"
             "1\tt\\two\tB\t-1\t0.000000\t0.000000\n"
@@ -66,9 +66,9 @@ TEST(WriteJson, HasARecordPerRow) {
 }
 
 TEST(WriteJson, HasNullForScoresThatAreNoNumbers) {
-  Matrix names = ThreeRows();
-  names.rclasses = Table({"A", "B", "A"});
-  EXPECT_EQ(Written(mardle::exporting::WriteJson, names, kScored),
+  NamedRows rows = ThreeRows();
+  rows.rclasses = Table({"A", "B", "A"});
+  EXPECT_EQ(Written(mardle::exporting::WriteJson, rows, kScored),
             "{\"nrows\":3,\"nclusters\":1,\"rows\":[\n"
             "{\"row\":0,\"label\":\"one\",\"class\":\"A\",\"cluster\":0,\"internal_z\":0.5,"
             "\"external_z\":-1.25},\n"

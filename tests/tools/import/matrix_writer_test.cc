@@ -43,7 +43,7 @@ std::vector<Entry> RowOfLength(std::size_t length) {
 std::string MessageOf(MatrixWriter& writer, const std::vector<Entry>& entries) {
   try {
     writer.AddRow(entries, {}, kPlace);
-  } catch (const InputError& error) {
+  } catch (const FileError& error) {
     return error.what();
   }
   return "none";
@@ -121,7 +121,7 @@ TEST(MatrixWriter, ReplacesNothingUnasked) {
   for (const char* suffix : {"", ".rlabel", ".rclass", ".clabel"}) {
     const TempFolder folder;
     const std::string existing = folder.Write(std::string("m") + suffix, "mine");
-    EXPECT_THROW(MatrixWriter({folder.Path("m")}), InputError) << suffix;
+    EXPECT_THROW(MatrixWriter({folder.Path("m")}), FileError) << suffix;
     EXPECT_EQ(ReadText(existing), "mine");
   }
 }
@@ -148,7 +148,7 @@ TEST(MatrixWriter, NothingIsLeftOfAnUnfinishedMatrix) {
 TEST(MatrixWriter, AMatrixWithoutRowsIsRefused) {
   const TempFolder folder;
   MatrixWriter writer({folder.Path("m")});
-  EXPECT_THROW(writer.Finish(1), InputError);
+  EXPECT_THROW(writer.Finish(1), FileError);
 }
 
 }  // namespace

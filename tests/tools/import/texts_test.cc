@@ -65,7 +65,7 @@ TEST(StopWords, AFileHasWordsInAnyCase) {
   const TempFolder folder;
   const auto words = mardle::tools::StopWordsNamed(folder.Write("words", "Und der\nÜBER\n"));
   EXPECT_EQ(words, (mardle::tools::StopWords{"und", "der", "über"}));
-  EXPECT_THROW(mardle::tools::StopWordsNamed("/nosuch"), mardle::tools::InputError);
+  EXPECT_THROW(mardle::tools::StopWordsNamed("/nosuch"), mardle::tools::FileError);
 }
 
 TEST(TextMatrix, CountsTheWordsOfLines) {

@@ -10,23 +10,24 @@
 namespace {
 
 using namespace mardle::tools;
+using mardle::CommandLineKind;
 using testing_support::TempFolder;
 using Texts = std::vector<std::string>;
 
-Request RequestOf(Texts arguments) {
+CommandLineKind KindOf(Texts arguments) {
   arguments.insert(arguments.begin(), "mardle");
   mardle::RunParams params;
   return ReadCommandLine(arguments, params);
 }
 
 TEST(ReadCommandLine, TellsARunFromHelpAndFromAWrongOne) {
-  EXPECT_EQ(RequestOf({"m", "3"}), Request::kRun);
-  EXPECT_EQ(RequestOf({"-crf=3", "m", "--direct", "3"}), Request::kRun);
-  EXPECT_EQ(RequestOf({"-help"}), Request::kHelp);
-  EXPECT_EQ(RequestOf({"-bogus", "m", "3"}), Request::kRefused);
-  EXPECT_EQ(RequestOf({"-show", "m", "3"}), Request::kRefused);
-  EXPECT_EQ(RequestOf({"m"}), Request::kRefused);
-  EXPECT_EQ(RequestOf({}), Request::kRefused);
+  EXPECT_EQ(KindOf({"m", "3"}), CommandLineKind::kRun);
+  EXPECT_EQ(KindOf({"-crf=3", "m", "--direct", "3"}), CommandLineKind::kRun);
+  EXPECT_EQ(KindOf({"-help"}), CommandLineKind::kHelp);
+  EXPECT_EQ(KindOf({"-bogus", "m", "3"}), CommandLineKind::kRefused);
+  EXPECT_EQ(KindOf({"-show", "m", "3"}), CommandLineKind::kRefused);
+  EXPECT_EQ(KindOf({"m"}), CommandLineKind::kRefused);
+  EXPECT_EQ(KindOf({}), CommandLineKind::kRefused);
 }
 
 // A matrix of three rows in a folder, and the arguments of a run.
@@ -40,7 +41,7 @@ class Promises : public ::testing::Test {
     command_line.insert(command_line.end(), options.begin(), options.end());
     command_line.insert(command_line.end(), {matrix_, nclusters});
     mardle::RunParams params;
-    EXPECT_EQ(ReadCommandLine(command_line, params), Request::kRun);
+    EXPECT_EQ(ReadCommandLine(command_line, params), CommandLineKind::kRun);
     const std::vector<Drawing> drawings = DrawingsOf(params);
     if (during_run_) during_run_();
     Texts problems = MissingResults(params, drawings);

@@ -9,7 +9,7 @@
 
 namespace {
 
-using mardle::tools::InputError;
+using mardle::tools::FileError;
 using mardle::tools::InputLines;
 using testing_support::TempFolder;
 
@@ -55,16 +55,16 @@ TEST(InputLines, AFailureNamesFileAndLine) {
   input.Next(line);
   try {
     input.Fail("bad");
-  } catch (const InputError& error) {
+  } catch (const FileError& error) {
     EXPECT_EQ(error.what(), path + ":2: bad");
   }
 }
 
 TEST(InputLines, AMissingFileAndAFolderAreRefused) {
-  EXPECT_THROW(InputLines("/nosuch/file"), InputError);
+  EXPECT_THROW(InputLines("/nosuch/file"), FileError);
   const TempFolder folder;
   InputLines input(folder.Path(""));
-  EXPECT_THROW(input.Beginning(), InputError);
+  EXPECT_THROW(input.Beginning(), FileError);
 }
 
 }  // namespace

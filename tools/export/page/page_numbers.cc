@@ -8,8 +8,8 @@
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 #include "programs/external_quality.h"
-#include "tools/export/failure.h"
 #include "tools/export/tree.h"
+#include "tools/text/file_error.h"
 
 namespace mardle::exporting {
 namespace {
@@ -58,22 +58,12 @@ void MeasureFeatures(const PageRun& run, const int* part, PageNumbers& numbers) 
       numbers.discriminating.ids.get(), numbers.discriminating.weights.get());
 }
 
-void CountClasses(const PageRun& run, const std::vector<int>& part, PageNumbers& numbers) {
-  const Matrix& mat = run.mat;
-  numbers.classdist =
-      molva::AllocIntMatrix(numbers.nclusters, mat.nclasses, 0, "Measure: classdist");
-  numbers.ocldist = AllocIntsSet(mat.nclasses, 0, "Measure: ocldist");
-  for (std::size_t i = 0; i < part.size(); ++i) {
-    if (part[i] < 0) continue;
-    ++numbers.classdist[part[i]][static_cast<std::size_t>(mat.classes[i])];
-    ++numbers.ocldist[mat.classes[i]];
-  }
-}
-
 void MeasureClasses(const PageRun& run, const std::vector<int>& part, PageNumbers& numbers) {
   const int nclasses = run.mat.nclasses;
   numbers.has_classes = true;
-  CountClasses(run, part, numbers);
+  numbers.classdist = molva::AllocIntMatrix(numbers.nclusters, nclasses, 0, "Measure: classdist");
+  numbers.ocldist = AllocIntsSet(nclasses, 0, "Measure: ocldist");
+  CountClasses(run.mat.classes, part.data(), numbers.classdist, numbers.ocldist);
   numbers.entropies = AllocFloatsSet(numbers.nclusters, 0, "Measure: entropies");
   numbers.purities = AllocFloatsSet(numbers.nclusters, 0, "Measure: purities");
   for (int k = 0; k < numbers.nclusters; ++k) {
@@ -102,7 +92,7 @@ molva::Array<int> BuildParents(const PageRun& run, const int* part, int ncluster
   molva::Array<float> tsims = AllocFloatsSet(nodes, 0, "Measure: tsims");
   MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
                     params.simfun, params.treecrfun, params.rowmodel, params.colmodel, params.prune,
-                    1, 0, nclusters, part, ptree.get(), tsims.get());
+                    MOLVA_TREE_CLUSTERS, 0, nclusters, part, ptree.get(), tsims.get());
   return ptree;
 }
 
@@ -160,10 +150,10 @@ void TakeTreeFile(const PageRun& run, PageNumbers& numbers) {
   } else if (tree.nleaves == run.mat.nrows) {
     MeasureFScores(run, tree, numbers);
   } else {
-    throw FailureAt(run.tree_name, tree.parent.size(),
-                    "the file ends here, a tree of " + std::to_string(tree.nleaves) +
-                        " leaves; there are " + std::to_string(numbers.nclusters) +
-                        " clusters and " + std::to_string(run.mat.nrows) + " rows");
+    throw tools::FileError({run.tree_name, static_cast<std::int64_t>(tree.parent.size())},
+                           "the file ends here, a tree of " + std::to_string(tree.nleaves) +
+                               " leaves; there are " + std::to_string(numbers.nclusters) +
+                               " clusters and " + std::to_string(run.mat.nrows) + " rows");
   }
 }
 
@@ -171,7 +161,8 @@ void TakeTreeFile(const PageRun& run, PageNumbers& numbers) {
 
 PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
   if (clustering.nclusters == 0) {
-    throw Failure(run.clustering_name + ": no row has a cluster, there is nothing to show");
+    throw tools::FileError({run.clustering_name, 0},
+                           "no row has a cluster, there is nothing to show");
   }
   const std::vector<int>& part = clustering.part;
   PageNumbers numbers;

@@ -79,12 +79,12 @@ void WriteClassStrip(const PageRun& run, const PageNumbers& numbers,
                      std::ostream& out) {
   const std::vector<Piece> pieces = Pieces(run, numbers, colours, cluster);
   const double per_row = share / std::max(numbers.pwgts[cluster], 1);
-  std::string told;
+  std::string parts;
   for (const Piece& piece : pieces) {
-    told += (told.empty() ? "" : ", ") + std::to_string(piece.rows) + " " + piece.name;
+    parts += (parts.empty() ? "" : ", ") + std::to_string(piece.rows) + " " + piece.name;
   }
   out << "<svg class=\"strip\" width=\"100%\" height=\"16\" role=\"img\" aria-label=\"Cluster "
-      << cluster << ": " << Html(told) << "\">";
+      << cluster << ": " << Html(parts) << "\">";
   double begin = 0;
   for (const Piece& piece : pieces) {
     const double width = piece.rows * per_row;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Where something stands in the input, and the error that names it.
+// What ends a tool: a file that cannot be read, understood or written, and where.
 #pragma once
 
 #include <cstdint>
@@ -16,9 +16,12 @@ struct Place {
 };
 
 // "FILE:LINE: message", or "FILE: message" for the whole file.
-class InputError : public std::runtime_error {
+class FileError : public std::runtime_error {
  public:
-  InputError(const Place& place, const std::string& message);
+  FileError(const Place& place, const std::string& message);
 };
+
+// The error of a system call that has just failed on the file: "FILE: No such file or directory".
+FileError SystemError(const std::string& path);
 
 }  // namespace mardle::tools

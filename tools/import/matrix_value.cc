@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#include "tools/import/matrix_value.h"
+
+#include <cmath>
+#include <optional>
+
+#include "tools/text/fields.h"
+#include "tools/text/numbers.h"
+
+namespace mardle::tools {
+
+double MatrixValue(std::string_view text, const Place& place, const std::string& what) {
+  const std::optional<double> value = ParseNumber(text);
+  if (!value) throw FileError(place, what + " is no number: " + Quoted(text));
+  if (std::isnan(*value)) throw FileError(place, what + " is not a finite number: " + Quoted(text));
+  if (!std::isfinite(static_cast<float>(*value))) {
+    throw FileError(place, what + " is too large for single precision: " + Quoted(text));
+  }
+  return *value;
+}
+
+}  // namespace mardle::tools

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+//
+// What every tool does first and last: its streams and signals, its messages, its statuses.
+#pragma once
+
+#include <string>
+
+namespace mardle::tools {
+
+inline constexpr int kSuccess = 0;
+inline constexpr int kFailure = 1;
+inline constexpr int kWrongUsage = 2;
+
+// To be called first. From now on a reader that is gone and a limit on file sizes are failed writes
+// like any other, no file takes the place of a standard stream that is closed, and an interrupt
+// leaves no files behind that are being written.
+void PrepareTool();
+
+// "TOOL: message" on standard error, with one line end whether the message has one or not.
+void ReportError(const char* tool, std::string message);
+
+// Writes and flushes; throws FileError when standard output is full, closed or without a reader.
+void WriteStandardOutput(const std::string& text);
+
+}  // namespace mardle::tools
