@@ -2,46 +2,49 @@
 #include "tools/run/promised_files.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <stdexcept>
 #include <unordered_set>
 
+#include "lib/support/fatal.h"
 #include "lib/support/files.h"
 #include "programs/io/line_reader.h"
 #include "programs/io/read_matrix.h"
 #include "programs/io/write_results.h"
 #include "tools/run/argument_vector.h"
-#include "tools/text/fields.h"
+#include "tools/run/whole_lines.h"
+#include "tools/run/whole_picture.h"
 #include "tools/text/file_error.h"
-#include "tools/text/input_lines.h"
+#include "tools/text/file_identity.h"
 
 namespace mardle::tools {
 namespace {
 
 // Whether the file can be read back: results may also go to pipes, devices and standard output.
 bool IsChecked(const std::string& name) {
-  struct stat file, output;
+  struct stat file;
   if (stat(name.c_str(), &file) != 0) return true;
-  if (!S_ISREG(file.st_mode)) return false;
-  for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) {
-    const bool same = fstat(descriptor, &output) == 0 && output.st_dev == file.st_dev &&
-                      output.st_ino == file.st_ino;
-    if (same) return false;
-  }
-  return true;
+  return S_ISREG(file.st_mode) && !IsStandardStream(name);
+}
+
+// The file of this name, or else the one beside the matrix.
+std::string CompanionName(const molva::String& given, const RunParams& params, const char* suffix) {
+  return given ? given.get() : std::string(params.filename.get()) + suffix;
 }
 
 int RowsOf(const RunParams& params) {
-  const molva::File file = molva::OpenFile(params.filename.get(), "r");
-  if (!file) throw FileError({params.filename.get(), 0}, "cannot be read again");
+  const std::string name = params.filename.get();
+  molva::File file;
+  // What comes through a pipe is gone, and opening one may wait for ever.
+  if (RegularFileAt(name)) file = molva::OpenFile(name.c_str(), "r");
+  if (!file) throw FileError({name, 0}, "cannot be read again");
   LineReader reader(file.get());
   return ReadHeader(reader).nrows;
 }
 
 // The classes of the rows, by which the clusters are counted when 0 are asked for.
 int ClassesOf(const RunParams& params, int nrows) {
-  const std::string name =
-      params.rclassfile ? params.rclassfile.get() : std::string(params.filename.get()) + ".rclass";
+  const std::string name = CompanionName(params.rclassfile, params, ".rclass");
   const molva::File file = molva::OpenFile(name.c_str(), "r");
   if (!file) return 1;
   LineReader reader(file.get());
@@ -53,36 +56,44 @@ int ClassesOf(const RunParams& params, int nrows) {
   return static_cast<int>(classes.size());
 }
 
-// Counts the lines that hold the wanted number of fields; whatever else there is ends the count.
-std::int64_t CompleteLines(const std::string& name, std::size_t fields) {
-  InputLines input(name);
-  std::int64_t lines = 0;
-  std::string_view line;
-  while (input.Next(line) && FieldsOf(line).size() == fields) ++lines;
-  return lines;
+// Settles the number of clusters where it is left to the classes; returns the number of rows.
+int SettleClusters(RunParams& params) {
+  const int nrows = RowsOf(params);
+  if (params.nclusters == 0) params.nclusters = ClassesOf(params, nrows);
+  return nrows;
 }
 
-void CheckLines(const std::string& name, std::int64_t wanted, std::size_t fields,
-                std::vector<std::string>& problems) {
-  if (!IsChecked(name)) return;
+// The same where the run has yet to judge the matrix; 0 when there is something wrong with it.
+int RowsBeforeTheRun(RunParams& params) {
+  const molva::CatchableErrors errors_are_thrown;
   try {
-    const std::int64_t found = CompleteLines(name, fields);
-    if (found != wanted) {
-      problems.push_back(name + ": incomplete, " + std::to_string(found) + " of " +
-                         std::to_string(wanted) + " lines");
-    }
-  } catch (const FileError& error) {
-    problems.push_back(error.what());
+    return SettleClusters(params);
+  } catch (const std::runtime_error&) {
+    return 0;
   }
 }
 
-void CheckDrawing(const Drawing& drawing, std::vector<std::string>& problems) {
+// The leaves of the tree that is written.
+int LeavesOf(const RunParams& params, int nrows) {
+  return params.fulltree != 0 ? nrows : params.nclusters;
+}
+
+void CheckLines(const std::string& name, const WantedLines& wanted,
+                std::vector<std::string>& problems) {
+  if (!IsChecked(name)) return;
+  if (const auto problem = ProblemOfLines(name, wanted)) problems.push_back(*problem);
+}
+
+void CheckDrawing(const Drawing& drawing, const RunParams& params,
+                  std::vector<std::string>& problems) {
   if (!IsChecked(drawing.name)) return;
   const std::optional<FileState> now = FileState::Of(drawing.name);
   if (!now || now == drawing.before) {
     problems.push_back(drawing.name + ": not drawn");
   } else if (now->size == 0) {
     problems.push_back(drawing.name + ": empty");
+  } else if (!HasEndOfPicture(drawing.name, params.plotformat.data())) {
+    problems.push_back(drawing.name + ": incomplete, the picture has no end");
   }
 }
 
@@ -115,19 +126,36 @@ std::vector<Drawing> DrawingsOf(const RunParams& params) {
   return drawings;
 }
 
+std::vector<std::string> InputsOf(const RunParams& params) {
+  return {params.filename.get(), CompanionName(params.clabelfile, params, ".clabel"),
+          CompanionName(params.rlabelfile, params, ".rlabel"),
+          CompanionName(params.rclassfile, params, ".rclass")};
+}
+
+std::vector<std::string> OutputsOf(RunParams& params) {
+  const int nrows = RowsBeforeTheRun(params);
+  std::vector<std::string> outputs = {"/dev/stdout"};
+  if (params.nooutput == 0) outputs.push_back(ClusteringName(params));
+  if (params.writetree != 0) {
+    outputs.push_back(TreeName(params.filename, params.treefile, LeavesOf(params, nrows)));
+  }
+  for (const Drawing& drawing : DrawingsOf(params)) outputs.push_back(drawing.name);
+  return outputs;
+}
+
 std::vector<std::string> MissingResults(RunParams& params, const std::vector<Drawing>& drawings) {
   std::vector<std::string> problems;
-  const int nrows = RowsOf(params);
-  if (params.nclusters == 0) params.nclusters = ClassesOf(params, nrows);
+  const int nrows = SettleClusters(params);
   if (params.nooutput == 0) {
-    CheckLines(ClusteringName(params), nrows, params.zscores != 0 ? 3 : 1, problems);
+    const std::size_t fields = params.zscores != 0 ? 3 : 1;
+    CheckLines(ClusteringName(params), {nrows, fields}, problems);
   }
   if (params.writetree != 0) {
-    const int leaves = params.fulltree != 0 ? nrows : params.nclusters;
-    CheckLines(TreeName(params.filename, params.treefile, leaves), 2 * std::int64_t{leaves} - 1, 2,
-               problems);
+    const int leaves = LeavesOf(params, nrows);
+    CheckLines(TreeName(params.filename, params.treefile, leaves),
+               {2 * std::int64_t{leaves} - 1, 2}, problems);
   }
-  for (const Drawing& drawing : drawings) CheckDrawing(drawing, problems);
+  for (const Drawing& drawing : drawings) CheckDrawing(drawing, params, problems);
   return problems;
 }
 

@@ -37,10 +37,14 @@ struct Drawing {
 // The drawings that a run is asked for; to be called before it.
 std::vector<Drawing> DrawingsOf(const RunParams& params);
 
+// The files that a run reads and those that it writes, standard output among them. As their names
+// tell the number of clusters, one that is left to the classes is settled in params.
+std::vector<std::string> InputsOf(const RunParams& params);
+std::vector<std::string> OutputsOf(RunParams& params);
+
 // Checks what a completed run has left, and returns what is wrong, a sentence for each file. The
 // clustering file has a line for each row of the matrix, a tree file one for each node, a drawing
-// is new and not empty. A number of clusters left to the classes is settled in params. Files that
-// are no regular files, such as /dev/null, are not checked.
+// is new and has its end. Files that are no regular files, such as /dev/null, are not checked.
 std::vector<std::string> MissingResults(RunParams& params, const std::vector<Drawing>& drawings);
 
 }  // namespace mardle::tools

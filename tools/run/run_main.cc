@@ -2,9 +2,7 @@
 //
 // mardle-run: runs mardle and ends with a status that make and shells understand. The status of
 // mardle is 84 after a completed run and 0 after anything else.
-#include <cstdio>
 #include <cstring>
-#include <exception>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -13,6 +11,7 @@
 #include "tools/run/child_process.h"
 #include "tools/run/program_path.h"
 #include "tools/run/promised_files.h"
+#include "tools/text/file_identity.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
@@ -41,19 +40,16 @@ constexpr char kHelp[] =
     "Exit status: 0 done, 1 failed, 2 wrong usage, 126 mardle cannot be started, 127 there is no\n"
     "mardle.\n";
 
-void Report(const std::string& message) { ReportError("mardle-run", message); }
+constexpr char kName[] = "mardle-run";
+
+void Report(const std::string& message) { ReportError(kName, message); }
 
 // The help and the version of this program, which are asked for alone.
-bool AnswersItself(const std::vector<std::string>& arguments) {
-  if (arguments.size() != 1) return false;
-  if (arguments[0] == "--help") {
-    std::fputs(kHelp, stdout);
-  } else if (arguments[0] == "--version") {
-    std::printf("mardle-run %s\n", kVersion);
-  } else {
-    return false;
-  }
-  return true;
+std::optional<std::string> OwnAnswer(const std::vector<std::string>& arguments) {
+  if (arguments.size() != 1) return std::nullopt;
+  if (arguments[0] == "--help") return kHelp;
+  if (arguments[0] == "--version") return std::string("mardle-run ") + kVersion + "\n";
+  return std::nullopt;
 }
 
 std::optional<std::string> FindOther() {
@@ -81,11 +77,21 @@ int JudgeCompleted(CommandLineKind kind, mardle::RunParams& params,
   return problems.empty() ? kSuccess : kFailure;
 }
 
+int Judge(const Ending& ending, CommandLineKind kind, mardle::RunParams& params,
+          const std::vector<Drawing>& drawings) {
+  const int status = ending.status == kCompletedRun ? JudgeCompleted(kind, params, drawings)
+                                                    : JudgeUncompleted(kind, ending.status);
+  if (status != kSuccess || !ending.has_failed_write) return status;
+  Report("the run could not write everything");
+  return kFailure;
+}
+
 int RunAndJudge(const std::string& program, const std::vector<std::string>& arguments) {
   std::vector<std::string> command_line{program};
   command_line.insert(command_line.end(), arguments.begin(), arguments.end());
   mardle::RunParams params;
   const CommandLineKind kind = ReadCommandLine(command_line, params);
+  if (kind == CommandLineKind::kRun) RefuseInputsAsOutputs(InputsOf(params), OutputsOf(params));
   const std::vector<Drawing> drawings = DrawingsOf(params);
   const Ending ending = RunProgram(program, arguments);
   if (ending.start_error != 0) {
@@ -93,8 +99,21 @@ int RunAndJudge(const std::string& program, const std::vector<std::string>& argu
     return kCannotStart;
   }
   if (ending.signal != 0) EndBySignal(ending.signal);
-  if (ending.status != kCompletedRun) return JudgeUncompleted(kind, ending.status);
-  return JudgeCompleted(kind, params, drawings);
+  return Judge(ending, kind, params, drawings);
+}
+
+int Work(const std::vector<std::string>& arguments) {
+  if (const std::optional<std::string> answer = OwnAnswer(arguments)) {
+    WriteStandardOutput(*answer);
+    return kSuccess;
+  }
+  const std::optional<std::string> program = FindOther();
+  if (!program) {
+    Report(
+        "there is no mardle: the variable MARDLE, the folder of this program and PATH name none");
+    return kNotFound;
+  }
+  return RunAndJudge(*program, arguments);
 }
 
 }  // namespace
@@ -102,17 +121,5 @@ int RunAndJudge(const std::string& program, const std::vector<std::string>& argu
 int main(int argc, char** argv) {
   PrepareTool();
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (AnswersItself(arguments)) return kSuccess;
-  try {
-    const std::optional<std::string> program = FindOther();
-    if (!program) {
-      Report(
-          "there is no mardle: the variable MARDLE, the folder of this program and PATH name none");
-      return kNotFound;
-    }
-    return RunAndJudge(*program, arguments);
-  } catch (const std::exception& error) {
-    Report(error.what());
-    return kFailure;
-  }
+  return StatusOf(kName, [&arguments] { return Work(arguments); });
 }

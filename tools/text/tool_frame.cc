@@ -3,6 +3,9 @@
 
 #include <csignal>
 #include <cstdio>
+#include <exception>
+#include <new>
+#include <stdexcept>
 
 #include "lib/support/files.h"
 #include "tools/text/file_error.h"
@@ -20,6 +23,20 @@ void PrepareTool() {
 void ReportError(const char* tool, std::string message) {
   while (message.ends_with('\n')) message.pop_back();
   std::fprintf(stderr, "%s: %s\n", tool, message.c_str());
+}
+
+int StatusOf(const char* tool, const std::function<int()>& work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    ReportError(tool, "out of memory");
+  } catch (const std::invalid_argument& error) {
+    ReportError(tool, error.what());
+    return kWrongUsage;
+  } catch (const std::exception& error) {
+    ReportError(tool, error.what());
+  }
+  return kFailure;
 }
 
 void WriteStandardOutput(const std::string& text) {

@@ -3,6 +3,7 @@
 // What every tool does first and last: its streams and signals, its messages, its statuses.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace mardle::tools {
@@ -18,6 +19,10 @@ void PrepareTool();
 
 // "TOOL: message" on standard error, with one line end whether the message has one or not.
 void ReportError(const char* tool, std::string message);
+
+// The status that the work returns; when it throws, the error is reported, and the status is that
+// of wrong usage for std::invalid_argument and that of a failure for all others.
+int StatusOf(const char* tool, const std::function<int()>& work);
 
 // Writes and flushes; throws FileError when standard output is full, closed or without a reader.
 void WriteStandardOutput(const std::string& text);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 
@@ -34,6 +35,32 @@ TEST(RunProgram, HandsSignalsOn) {
   const Ending ending = RunProgram(
       "/bin/sh", {"-c", "trap 'exit 5' TERM; kill -TERM $PPID; while :; do sleep 0.01; done"});
   EXPECT_EQ(ending.status, 5);
+}
+
+TEST(RunProgram, PassesStandardErrorOn) {
+  testing::internal::CaptureStderr();
+  RunProgram("/bin/sh", {"-c", "head -c 200000 /dev/zero | tr '\\0' x >&2; printf end >&2"});
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), std::string(200000, 'x') + "end");
+}
+
+bool HasFailedWrite(const std::string& script) {
+  testing::internal::CaptureStderr();
+  const Ending ending = RunProgram("/bin/sh", {"-c", script});
+  testing::internal::GetCapturedStderr();
+  return ending.has_failed_write;
+}
+
+TEST(RunProgram, NoticesAWriteThatIsReportedAsFailed) {
+  EXPECT_TRUE(
+      HasFailedWrite("echo one >&2; echo 'Writing m.tree.2 failed: No space' >&2; exit 84"));
+  EXPECT_TRUE(HasFailedWrite("printf 'Writing a' >&2; sleep 0.1; echo ' b failed: No space' >&2"));
+  EXPECT_FALSE(HasFailedWrite("echo 'Writing m.tree.2' >&2; echo 'it failed: no' >&2"));
+}
+
+TEST(RunProgram, DoesNotWaitForWhatTheProgramLeavesRunning) {
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(RunProgram("/bin/sh", {"-c", "sleep 30 & exit 84"}).status, 84);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
 }
 
 TEST(EndBySignal, EndsAsTheProgramDid) {

@@ -101,7 +101,7 @@ TEST_F(Promises, DrawingsAreMadeByThisRun) {
                          "-plotclusters=" + folder_.Path("new.ps")};
   EXPECT_EQ(Problems(options), (Texts{"old.ps: not drawn", "new.ps: not drawn"}));
   during_run_ = [this] {
-    folder_.Write("old.ps", "a drawing");
+    folder_.Write("old.ps", "a drawing\n%%EOF\n");
     folder_.Write("new.ps", "");
   };
   EXPECT_EQ(Problems(options), Texts{"new.ps: empty"});
