@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/export_run.h"
 
-#include <exception>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <variant>
@@ -18,6 +18,7 @@
 #include "tools/export/table.h"
 #include "tools/export/tree.h"
 #include "tools/text/file_error.h"
+#include "tools/text/file_identity.h"
 #include "tools/text/output_file.h"
 #include "tools/text/tool_frame.h"
 
@@ -51,13 +52,19 @@ std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
   return labels;
 }
 
-void WriteLeaves(const Request& request, const Tree& tree, const std::vector<std::string>& labels) {
+// What is written: the export, and with it the labels of the leaves.
+struct Texts {
+  std::string main;
+  std::string leaves;
+};
+
+std::string LeavesText(const Tree& tree, const std::vector<std::string>& labels) {
   std::string text;
   for (const int leaf : tree.Leaves()) text += labels[static_cast<std::size_t>(leaf)] + "\n";
-  tools::WriteWhole(request.leaves, text);
+  return text;
 }
 
-std::string TreeText(const Request& request) {
+Texts TreeTexts(const Request& request) {
   const Tree tree = ReadTree(request.tree);
   const std::vector<std::string> labels = LeafLabels(request, tree);
   const std::vector<double> heights = Heights(tree, request.heights);
@@ -65,8 +72,7 @@ std::string TreeText(const Request& request) {
   if (request.format == Format::kNewick) WriteNewick(tree, labels, heights, out);
   if (request.format == Format::kLinkage) WriteLinkage(tree, heights, out);
   if (request.format == Format::kDot) WriteDot(tree, labels, heights, out);
-  if (!request.leaves.empty()) WriteLeaves(request, tree, labels);
-  return out.str();
+  return {out.str(), LeavesText(tree, labels)};
 }
 
 std::string PageText(const Request& request) {
@@ -78,41 +84,71 @@ std::string PageText(const Request& request) {
   return out.str();
 }
 
-std::string Text(const Request& request) {
+Texts TextsOf(const Request& request) {
   switch (request.format) {
     case Format::kTsv:
     case Format::kJson:
-      return TableText(request);
+      return {TableText(request), {}};
     case Format::kNewick:
     case Format::kLinkage:
     case Format::kDot:
-      return TreeText(request);
+      return TreeTexts(request);
     case Format::kHtml:
-      return PageText(request);
+      return {PageText(request), {}};
   }
   return {};
 }
 
-void Write(const std::string& name, const std::string& text) {
-  if (name.empty()) return tools::WriteStandardOutput(text);
-  tools::WriteWhole(name, text);
+// The readers of matrices take what has no name for the file beside the matrix.
+std::string CompanionName(const std::string& given, const Request& request, const char* suffix) {
+  return given.empty() ? request.files.matrix + suffix : given;
+}
+
+void RefuseInputsAsOutputs(const Request& request) {
+  const MatrixFiles& files = request.files;
+  const std::string inputs[] = {files.matrix,
+                                CompanionName(files.clabelfile, request, ".clabel"),
+                                CompanionName(files.rlabelfile, request, ".rlabel"),
+                                CompanionName(files.rclassfile, request, ".rclass"),
+                                request.clustering,
+                                request.tree};
+  const std::string outputs[] = {request.output.empty() ? "/dev/stdout" : request.output,
+                                 request.leaves};
+  tools::RefuseInputsAsOutputs(inputs, outputs);
+}
+
+// All texts are written before the first appears under its name.
+void Write(const Request& request, const Texts& texts) {
+  std::vector<std::unique_ptr<tools::OutputFile>> files;
+  std::vector<tools::OutputFile*> complete;
+  const auto write = [&](const std::string& name, const std::string& text) {
+    if (name.empty()) return;
+    tools::OutputFile& file = *files.emplace_back(std::make_unique<tools::OutputFile>(name));
+    file.Write(text);
+    file.Complete();
+    complete.push_back(&file);
+  };
+  write(request.leaves, texts.leaves);
+  write(request.output, texts.main);
+  if (request.output.empty()) tools::WriteStandardOutput(texts.main);
+  tools::Publish(complete);
+}
+
+int Work(int argc, const char* const* argv) {
+  const std::variant<Request, int> parsed = ParseRequest(argc, argv);
+  if (const int* status = std::get_if<int>(&parsed)) return *status;
+  const Request& request = std::get<Request>(parsed);
+  RefuseInputsAsOutputs(request);
+  // The whole export is made first, so one that fails leaves an older file as it was.
+  Write(request, TextsOf(request));
+  return tools::kSuccess;
 }
 
 }  // namespace
 
 int Export(int argc, const char* const* argv) {
-  const std::variant<Request, int> parsed = ParseRequest(argc, argv);
-  if (const int* status = std::get_if<int>(&parsed)) return *status;
-  const Request& request = std::get<Request>(parsed);
   const molva::CatchableErrors errors_are_thrown;
-  try {
-    // The whole text is made first, so a run that fails leaves an older file as it was.
-    Write(request.output, Text(request));
-  } catch (const std::exception& error) {
-    tools::ReportError("mardle-export", error.what());
-    return tools::kFailure;
-  }
-  return tools::kSuccess;
+  return tools::StatusOf("mardle-export", [&] { return Work(argc, argv); });
 }
 
 }  // namespace mardle::exporting

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 #include "lib/molva.h"
@@ -174,7 +175,10 @@ std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
     CheckHeights(request);
     if (request.format == Format::kHtml) SettleRun(texts, request.run);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : tools::kWrongUsage;
+    std::ostringstream answer;
+    const bool answered = app.exit(error, answer) == 0;
+    tools::WriteStandardOutput(answer.str());
+    return answered ? tools::kSuccess : tools::kWrongUsage;
   }
   return request;
 }

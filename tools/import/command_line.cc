@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdio>
 #include <map>
+#include <sstream>
 #include <string>
 
 #include "tools/text/tool_frame.h"
@@ -101,7 +102,10 @@ std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportO
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& success) {
-    return app.exit(success);
+    std::ostringstream answer;
+    const int status = app.exit(success, answer);
+    WriteStandardOutput(answer.str());
+    return status;
   } catch (const CLI::ParseError& error) {
     std::fprintf(stderr, "mardle-import: %s\nTry 'mardle-import --help'.\n", error.what());
     return kWrongUsage;

@@ -12,6 +12,7 @@
 #include "tools/import/svmlight.h"
 #include "tools/import/table_matrix.h"
 #include "tools/text/fields.h"
+#include "tools/text/file_identity.h"
 #include "tools/text/input_lines.h"
 #include "tools/text/numbers.h"
 
@@ -29,9 +30,27 @@ std::optional<int> LineColumn(const std::string& name) {
   return static_cast<int>(*number);
 }
 
+// Those of a folder are looked at one by one, as they are read.
+std::vector<std::string> InputsOf(const ImportOptions& options) {
+  std::vector<std::string> inputs = {options.input == "-" ? "/dev/stdin" : options.input};
+  if (IsStopWordFile(options.stop_words)) inputs.push_back(options.stop_words);
+  return inputs;
+}
+
+std::vector<std::string> OutputsOf(const ImportOptions& options) {
+  std::vector<std::string> outputs = FilesOf(options.output);
+  if (!options.quiet) outputs.emplace_back("/dev/stdout");
+  return outputs;
+}
+
 ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
                           const DocumentVisitor& visit) {
-  const std::int64_t passed_over = VisitFolder(options.input, options.folder, visit);
+  const std::vector<std::string> outputs = OutputsOf(options);
+  const auto visit_input = [&](const Document& document) {
+    RefuseInputsAsOutputs({&document.place.path, 1}, outputs);
+    visit(document);
+  };
+  const std::int64_t passed_over = VisitFolder(options.input, options.folder, visit_input);
   return {InputFormat::kFolder, terms.Write(options.output, options.limits), passed_over};
 }
 
@@ -88,6 +107,7 @@ const char* OptionsFor(const MatrixSummary& matrix) {
 }  // namespace
 
 ImportResult Import(const ImportOptions& options) {
+  RefuseInputsAsOutputs(InputsOf(options), OutputsOf(options));
   Progress progress(options.quiet);
   if (!options.format && std::filesystem::is_directory(options.input)) {
     RefuseIdleOptions(options, InputFormat::kFolder);

@@ -47,10 +47,12 @@ StopWords EnglishStopWords() {
   return words;
 }
 
+bool IsStopWordFile(const std::string& name) { return name != "english" && name != "none"; }
+
 StopWords StopWordsNamed(const std::string& name) {
   if (name == "english") return EnglishStopWords();
   StopWords words;
-  if (name == "none") return words;
+  if (!IsStopWordFile(name)) return words;
   InputLines input(name);
   std::string_view line;
   while (input.Next(line)) AddWords(line, words);

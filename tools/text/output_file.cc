@@ -94,12 +94,4 @@ void Publish(std::span<OutputFile* const> files, std::span<const std::string> le
   for (OutputFile* file : files) file->partial_.Forget();
 }
 
-void WriteWhole(const std::string& name, std::string_view text) {
-  OutputFile file(name);
-  file.Write(text);
-  file.Complete();
-  OutputFile* const files[] = {&file};
-  Publish(files);
-}
-
 }  // namespace mardle::tools

@@ -52,7 +52,4 @@ void Publish(
     std::span<OutputFile* const> files, std::span<const std::string> leftovers = {},
     const std::function<void()>& check = [] {});
 
-// A file of this text.
-void WriteWhole(const std::string& name, std::string_view text);
-
 }  // namespace mardle::tools
