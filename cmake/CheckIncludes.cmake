@@ -28,7 +28,7 @@ check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9
 check(programs "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h)")
 set(seen_by_tools "lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h")
 check(tools "(${seen_by_tools})")
-check(tools/text "(lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|tools/text/[a-z0-9_]+\\.h)")
+check(tools/text "(lib/support|tools/text)/[a-z0-9_]+\\.h")
 check(tools/import "(${seen_by_tools}|tools/(text|import)/[a-z0-9_]+\\.h)")
 check(tools/run "(${seen_by_tools}|tools/(text|run)/[a-z0-9_]+\\.h)")
 check(tools/export "(${seen_by_tools}|tools/(text|export|export/page)/[a-z0-9_]+\\.h)")

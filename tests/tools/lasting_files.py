@@ -369,6 +369,16 @@ class Running(Tools):
         self.assertIn("The number 99999999999 in the header of the input file is out of range!",
                       done.stderr)
 
+    def test_a_pipe_is_left_to_mardle(self):
+        os.mkfifo(self.folder / "pipe")
+        program = self.folder / "stand-in"
+        program.write_text("#!/bin/sh\nexit 84\n")
+        program.chmod(0o755)
+        done = self.call(RUN, "-nooutput", "-rclassfile=pipe", "m", 0, MARDLE=str(program))
+        self.expect(done, 0)
+        done = self.call(RUN, "pipe", 2, MARDLE=str(program))
+        self.expect(done, 1, "mardle-run: pipe: cannot be read again\n")
+
     def test_its_own_answers_that_cannot_be_written_are_errors(self):
         self.expect_output_errors(RUN, "--help")
         self.expect_output_errors(RUN, "--version")

@@ -32,11 +32,16 @@ std::string CompanionName(const molva::String& given, const RunParams& params, c
   return given ? given.get() : std::string(params.filename.get()) + suffix;
 }
 
+// Opens what mardle reads, too. What comes through a pipe would be lost to one of the two, and
+// opening one may wait for ever.
+molva::File OpenAsWell(const std::string& name) {
+  if (!RegularFileAt(name)) return {};
+  return molva::OpenFile(name.c_str(), "r");
+}
+
 int RowsOf(const RunParams& params) {
   const std::string name = params.filename.get();
-  molva::File file;
-  // What comes through a pipe is gone, and opening one may wait for ever.
-  if (RegularFileAt(name)) file = molva::OpenFile(name.c_str(), "r");
+  const molva::File file = OpenAsWell(name);
   if (!file) throw FileError({name, 0}, "cannot be read again");
   LineReader reader(file.get());
   return ReadHeader(reader).nrows;
@@ -45,7 +50,7 @@ int RowsOf(const RunParams& params) {
 // The classes of the rows, by which the clusters are counted when 0 are asked for.
 int ClassesOf(const RunParams& params, int nrows) {
   const std::string name = CompanionName(params.rclassfile, params, ".rclass");
-  const molva::File file = molva::OpenFile(name.c_str(), "r");
+  const molva::File file = OpenAsWell(name);
   if (!file) return 1;
   LineReader reader(file.get());
   std::unordered_set<std::string> classes;
