@@ -250,6 +250,8 @@ class Exporting(Tools):
         reader.join(TIME_LIMIT)
         self.assertEqual(read, ["(0:1,1:1);\n"])
         self.expect(self.call(EXPORT, "newick", "--tree", "t", "--output", "/dev/null"), 0)
+        self.expect(self.call(EXPORT, "linkage", "--tree", "t", "--leaves", "/dev/null", "--output",
+                              "/dev/null"), 0)
         done = self.call(EXPORT, "newick", "--tree", "t", "--output", "/dev/stdout")
         self.assertEqual(done.stdout, "(0:1,1:1);\n")
         with open(self.folder / "out", "w", encoding="utf-8") as out:

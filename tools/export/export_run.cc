@@ -53,7 +53,7 @@ std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
 }
 
 // What is written: the export, and with it the labels of the leaves.
-struct Texts {
+struct ExportTexts {
   std::string main;
   std::string leaves;
 };
@@ -64,7 +64,7 @@ std::string LeavesText(const Tree& tree, const std::vector<std::string>& labels)
   return text;
 }
 
-Texts TreeTexts(const Request& request) {
+ExportTexts TreeTexts(const Request& request) {
   const Tree tree = ReadTree(request.tree);
   const std::vector<std::string> labels = LeafLabels(request, tree);
   const std::vector<double> heights = Heights(tree, request.heights);
@@ -84,7 +84,7 @@ std::string PageText(const Request& request) {
   return out.str();
 }
 
-Texts TextsOf(const Request& request) {
+ExportTexts TextsOf(const Request& request) {
   switch (request.format) {
     case Format::kTsv:
     case Format::kJson:
@@ -118,7 +118,7 @@ void RefuseInputsAsOutputs(const Request& request) {
 }
 
 // All texts are written before the first appears under its name.
-void Write(const Request& request, const Texts& texts) {
+void Write(const Request& request, const ExportTexts& texts) {
   std::vector<std::unique_ptr<tools::OutputFile>> files;
   std::vector<tools::OutputFile*> complete;
   const auto write = [&](const std::string& name, const std::string& text) {

@@ -17,7 +17,7 @@ namespace {
 void RefuseSharedNames(std::span<OutputFile* const> files) {
   std::set<std::string> paths;
   for (const OutputFile* file : files) {
-    if (!paths.insert(file->target().path).second) {
+    if (!file->target().written_through && !paths.insert(file->target().path).second) {
       throw FileError({file->name(), 0}, "is the name of two outputs");
     }
   }
@@ -78,11 +78,12 @@ void OutputFile::WriteThrough() {
 void Publish(std::span<OutputFile* const> files, std::span<const std::string> leftovers,
              const std::function<void()>& check) {
   RefuseSharedNames(files);
-  const FolderLock lock(FoldersOf(files));
-  check();
+  // A pipe may keep this process waiting, and others must not wait with it.
   for (OutputFile* file : files) {
     if (file->target_.written_through) file->WriteThrough();
   }
+  const FolderLock lock(FoldersOf(files));
+  check();
   const HeldSignals held;
   FileExchange exchange;
   for (const std::string& leftover : leftovers) exchange.Remove(leftover);
