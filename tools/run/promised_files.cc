@@ -56,7 +56,8 @@ int ClassesOf(const RunParams& params, int nrows) {
   std::unordered_set<std::string> classes;
   for (int i = 0; i < nrows; ++i) {
     const char* line = reader.NextStripped();
-    if (line != nullptr) classes.insert(line);
+    if (line == nullptr) break;
+    classes.insert(line);
   }
   return static_cast<int>(classes.size());
 }
