@@ -77,8 +77,7 @@ struct BoundedCluster {
   // sum of |v c| is at most |d| |D|.
   double ErrorPerEntry() const {
     const double both = length + rows.longest;
-    return kSumRoom * 2 * kUnitSingle * rows.longest * length + kWidePerEntry * both * both +
-           kVanishing;
+    return 2 * kProductError * rows.longest * length + kWidePerEntry * both * both + kVanishing;
   }
   // Whether no product overflows, and sums round by no more than the bound says.
   bool IsTame() const {

@@ -50,7 +50,7 @@ Interval GrowthScreen::Growth(int k, const RowFactors& row) const {
   const Cluster& c = clusters_[k];
   const double x = 2 * static_cast<double>(products_[k]) + row.square;
   const double square = c.squared_length + x;
-  const double error = row.entries * c.error + 4 * kUnitSingle * row.square +
+  const double error = row.entries * c.error + kKeptSquare * row.square +
                        kSlack * (c.squared_length + std::fabs(x)) + kVanishing;
   // A square known up to e <= square has a root known up to e / sqrt(square).
   if (!(error <= square)) return {-kForEver, kForEver};
@@ -96,7 +96,7 @@ GrowthScreen::MaybeSquare GrowthScreen::SquaredLengthWith(const RowView& entries
   }
   const Cluster& cluster = clusters_[k];
   const double most = cluster.length.Length() + static_cast<double>(row.length);
-  const double error = 4 * kUnitDouble * FactorsOf(row).entries * most * most + kVanishing;
+  const double error = kDoubleSquare * FactorsOf(row).entries * most * most + kVanishing;
   const double square = cluster.squared_length + change;
   const auto least = static_cast<float>(square - error);
   return {least == static_cast<float>(square + error), least};

@@ -100,7 +100,7 @@ void Lanes::SquaredLengths(std::span<float> squares) const {
     return;
   }
   const Array<double> rough = RoughSquares();
-  const double unit = (static_cast<double>(ncols_) + 8) * 0x1p-52;
+  const double unit = (static_cast<double>(ncols_) + kExtraEntries) * kSumOfSquares;
   for (std::size_t lane = 0; lane < squares.size(); ++lane) {
     const double error = unit * rough[lane];
     const auto least = static_cast<float>(rough[lane] - error);

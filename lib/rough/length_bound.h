@@ -31,7 +31,7 @@ class LengthBound {
   // often as the column may repeat.
   double Rounding(const RowRecord& row) const {
     const double times = row.repeats != 0 ? static_cast<double>(row.size) : 1.0;
-    return 2 * kUnitSingle * times * (length_ + static_cast<double>(row.length));
+    return kCompositeRounding * times * (length_ + static_cast<double>(row.length));
   }
 
   // The row came or went, and q is the new squared length as it is stored.
@@ -46,7 +46,7 @@ class LengthBound {
 
  private:
   void Store(double q, double error) {
-    excess_ = RoundedUpSum(excess_, error + 2 * kUnitSingle * std::fabs(q) + kVanishing);
+    excess_ = RoundedUpSum(excess_, error + kStoredSquare * std::fabs(q) + kVanishing);
     length_ = std::sqrt(q + excess_) * (1 + kSlack);
   }
 

@@ -101,7 +101,7 @@ void RowRecords::MeasureAgainst(std::span<const float> whole) {
     most = MostOf(most, std::fabs(product));
   }
   const double entries = extremes_.most_entries + kExtraEntries;
-  extremes_.whole_error = 2 * kUnitSingle * most +
+  extremes_.whole_error = kStoredWhole * most +
                           entries * kUnitDouble * extremes_.longest * LengthOf(whole) + kVanishing;
   extremes_.least_whole -= extremes_.whole_error;
   extremes_.most_whole += extremes_.whole_error;
