@@ -104,7 +104,7 @@ void InitialClustering(const RowRecords& rows, int nparts, std::span<int> part) 
 
   for (int j = 0; j < rows.count(); ++j) {
     if (j % kPollInterval == 0) Poll();
-    rows.Prefetch(perm, j);
+    rows.Prefetch(perm.data(), j);
     const RowRecord& row = rows[perm[j]];
     int& place = part[static_cast<std::size_t>(perm[j])];
     if (j < nparts) {

@@ -71,7 +71,7 @@ class KWayRefinement {
     int moves = 0;
     for (int j = 0; j < rows_.count(); ++j) {
       if (j % kPollInterval == 0) Poll();
-      rows_.Prefetch(perm_, j);
+      rows_.Prefetch(perm_.data(), j);
       RowRecord& row = rows_[perm_[j]];
       // Rows leave only clusters of three or more, so no pair is broken up.
       if (clusters_.Size(row.place) <= 2 || clusters_.IsSettled(row)) continue;

@@ -17,6 +17,7 @@
 #include <limits>
 
 #include "lib/criteria/objectives.h"
+#include "lib/rough/bound_arrays.h"
 #include "lib/rough/gain_bounds.h"
 #include "lib/rough/rounding.h"
 #include "lib/rough/row_records.h"
@@ -102,6 +103,16 @@ struct ClusterBounds {
   // The bounds hold for rows with a d.G of at least, and at most, so much.
   double least_coming = -std::numeric_limits<double>::infinity();
   double most_going = std::numeric_limits<double>::infinity();
+
+  // The most that the row's coming, or going, can gain, from its rough product with the composite.
+  double Coming(const RowFactors& row, float product) const {
+    const double x = 2 * static_cast<double>(product) + row.square + row.entries * error;
+    return row.whole >= least_coming ? gains.coming.At(x, row.whole) : kForEver;
+  }
+  double Going(const RowFactors& row, float product) const {
+    const double x = row.square - 2 * static_cast<double>(product) + row.entries * error;
+    return row.whole <= most_going ? gains.going.At(x, row.whole) : kForEver;
+  }
 
   // Whether they hold for all rows; from a cluster of two or fewer none goes.
   bool HoldFor(const BoundedCluster& c) const {

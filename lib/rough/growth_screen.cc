@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "lib/rough/cluster_bounds.h"
+#include "lib/rough/two_lanes.h"
 
 namespace molva {
 
@@ -59,8 +60,9 @@ Interval GrowthScreen::Growth(int k, const RowFactors& row) const {
 }
 
 int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
-  lanes_.DotRow(entries, products_.data());
   const RowFactors factors = FactorsOf(row);
+  if (nparts_ == 2) return ChooseOfTwo(entries, factors);
+  lanes_.DotRow(entries, products_.data());
   kernel_.gain(bounds_.Lanes(), products_.data(), factors, most_.data());
   int best = 0;
   for (int k = 0; k < nparts_; ++k) {
@@ -81,6 +83,17 @@ int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
     rival = std::max(rival, other.most);
   }
   return growth.least > rival ? best : -1;
+}
+
+int GrowthScreen::ChooseOfTwo(const RowView& entries, const RowFactors& row) {
+  const TwoProducts products =
+      DotTwo(entries.columns.data(), entries.values.data(), entries.size(), lanes_.Values());
+  std::copy_n(products.of, 2, products_.data());
+  const Interval first = Growth(0, row);
+  const Interval second = Growth(1, row);
+  if (first.most == kForEver || second.most == kForEver) return -1;
+  if (first.least > second.most) return 0;
+  return second.least > first.most ? 1 : -1;
 }
 
 // In double arithmetic, which rounds (c + v) twice an entry and the sums once, of magnitudes that

@@ -46,6 +46,7 @@ class GrowthScreen {
   };
 
   void SetBound(int k);
+  int ChooseOfTwo(const RowView& entries, const RowFactors& row);
   Interval Growth(int k, const RowFactors& row) const;
 
   const Lanes& lanes_;

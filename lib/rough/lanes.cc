@@ -3,10 +3,6 @@
 
 #include <algorithm>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "lib/rough/rough_looks.h"
 
 namespace molva {
@@ -32,30 +28,6 @@ void AddSquares(const float* columns, std::size_t count, std::size_t stride, dou
     }
   }
   std::copy_n(sums, kLanes, squares);
-}
-
-// The products with two lanes, two entries at a time.
-void DotTwo(const RowView& row, const float* lanes, float* products) {
-  std::size_t p = 0;
-  const auto column = [&](std::size_t entry) {
-    return lanes + 2 * static_cast<std::size_t>(row.columns[entry]);
-  };
-  products[0] = products[1] = 0;
-#if defined(__SSE2__)
-  __m128 sums = _mm_setzero_ps();
-  for (; p + 2 <= row.size(); p += 2) {
-    const __m128 low = _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(column(p))));
-    const __m128 c = _mm_loadh_pi(low, reinterpret_cast<const __m64*>(column(p + 1)));
-    const __m128 two = _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(&row.values[p])));
-    sums = _mm_add_ps(sums, _mm_mul_ps(_mm_unpacklo_ps(two, two), c));
-  }
-  sums = _mm_add_ps(sums, _mm_movehl_ps(sums, sums));
-  _mm_storel_pi(reinterpret_cast<__m64*>(products), sums);
-#endif
-  for (; p < row.size(); ++p) {
-    products[0] += row.values[p] * column(p)[0];
-    products[1] += row.values[p] * column(p)[1];
-  }
 }
 
 }  // namespace
@@ -158,14 +130,6 @@ void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const
   }
   std::transform(sums.begin(), sums.end(), dots.begin(),
                  [](Wide sum) { return static_cast<float>(sum); });
-}
-
-void Lanes::DotRow(const RowView& row, float* products) const {
-  if (stride_ == 2) {
-    DotTwo(row, values_.data(), products);
-  } else {
-    dot_(row, values_.data(), stride_, products);
-  }
 }
 
 void Lanes::Prefetch(const RowView& row) const {

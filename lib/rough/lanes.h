@@ -43,7 +43,10 @@ class Lanes {
 
   // products[lane] = row . lane, in single precision, for every lane. The sums may be formed in any
   // order: they are rough values whose error is bounded by the number of entries.
-  void DotRow(const RowView& row, float* products) const;
+  void DotRow(const RowView& row, float* products) const {
+    dot_(row, values_.data(), stride_, products);
+  }
+  const float* Values() const { return values_.data(); }
 
   // Fetches what a row that will be visited soon meets.
   void Prefetch(const RowView& row) const;

@@ -18,6 +18,7 @@
 #include "lib/rough/cluster_bounds.h"
 #include "lib/rough/lanes.h"
 #include "lib/rough/row_records.h"
+#include "lib/rough/two_lanes.h"
 #include "lib/rough/vector_kernels.h"
 
 namespace molva {
@@ -46,7 +47,9 @@ class MoveScreen {
   bool IsSettled(const RowRecord& row) const { return clock_ < row.settled_until; }
 
   // Looks at all moves of a row out of its home. False when all are hopeless, which is remembered.
-  bool HasHope(const RowView& entries, RowRecord& row);
+  bool HasHope(const RowView& entries, RowRecord& row) {
+    return nparts_ == 2 ? HasHopeAmongTwo(entries, row) : HasHopeAmongMany(entries, row);
+  }
 
   // Whether the move to a cluster, as looked at last, is worth weighing in full.
   bool IsHopeful(int k) const { return !(gains_[k] < threshold_); }
@@ -55,8 +58,27 @@ class MoveScreen {
   // Far enough from where the clock's steps would be lost.
   static constexpr double kLastHour = 0x1p300;
 
+  bool HasHopeAmongTwo(const RowView& entries, RowRecord& row) {
+    const RowFactors factors = FactorsOf(row);
+    const TwoProducts products =
+        DotTwo(entries.columns.data(), entries.values.data(), entries.size(), lanes_.Values());
+    const int home = row.place;
+    const int other = 1 - home;
+    gains_[other] = bounds_[other].Coming(factors, products.of[other]);
+    return Conclude(gains_[other], bounds_[home].Going(factors, products.of[home]), row);
+  }
+  bool HasHopeAmongMany(const RowView& entries, RowRecord& row);
+
   static double MostOf(std::span<const double> gains);
-  bool Conclude(double coming, double going, RowRecord& row);
+
+  bool Conclude(double coming, double going, RowRecord& row) {
+    threshold_ = -slack_ - going;
+    const double lacking = -slack_ - (coming + going);
+    const bool is_hopeless = lacking > 0;
+    // So much that what adding to the clock rounds does not count.
+    row.settled_until = is_hopeless ? clock_ + lacking * (1 - kSlack) - clock_ * kSlack : kNever;
+    return !is_hopeless;
+  }
 
   const Lanes& lanes_;
   int nparts_;

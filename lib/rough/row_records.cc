@@ -107,22 +107,4 @@ void RowRecords::MeasureAgainst(std::span<const float> whole) {
   extremes_.most_whole += extremes_.whole_error;
 }
 
-void RowRecords::Prefetch(std::span<const int> order, int position) const {
-  constexpr int kRecordsAhead = 16;
-  constexpr int kEntriesAhead = 8;
-  constexpr std::uint32_t kPerLine = 64 / sizeof(float);
-  const auto at = [&order](int j) { return order[static_cast<std::size_t>(j)]; };
-  if (position + kRecordsAhead < count()) {
-    __builtin_prefetch(&records_[at(position + kRecordsAhead)]);
-  }
-  if (position + kEntriesAhead >= count()) return;
-  const RowRecord& row = records_[at(position + kEntriesAhead)];
-  const int* columns = mat_.rowind.data() + row.begin;
-  const float* values = mat_.rowval.data() + row.begin;
-  for (std::uint32_t p = 0; p < row.size; p += kPerLine) {
-    __builtin_prefetch(columns + p);
-    __builtin_prefetch(values + p);
-  }
-}
-
 }  // namespace molva

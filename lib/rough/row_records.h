@@ -52,11 +52,36 @@ class RowRecords {
     return {{mat_.rowind.data() + row.begin, row.size}, {mat_.rowval.data() + row.begin, row.size}};
   }
 
-  // Rows that are taken in a random order would be waited for, so record and entries of the rows
-  // behind `position` are fetched ahead.
-  void Prefetch(std::span<const int> order, int position) const;
+  // Rows that are taken in a random order would be waited for, so records and entries of the rows
+  // to come are fetched ahead: call with each position of the order.
+  void Prefetch(const int* order, int position) const {
+    if (position + kRecordsAhead < count()) {
+      __builtin_prefetch(&records_[order[position + kRecordsAhead]]);
+    }
+    if (position + kEntriesAhead < count()) {
+      PrefetchEntries(records_[order[position + kEntriesAhead]]);
+    }
+  }
 
  private:
+  static constexpr int kRecordsAhead = 20;
+  static constexpr int kEntriesAhead = 10;
+  static constexpr std::uint32_t kPerLine = 64 / sizeof(float);
+
+  void PrefetchEntries(const RowRecord& row) const {
+    const int* columns = mat_.rowind.data() + row.begin;
+    const float* values = mat_.rowval.data() + row.begin;
+    std::uint32_t p = 0;
+    do {
+      __builtin_prefetch(columns + p);
+      __builtin_prefetch(values + p);
+      p += kPerLine;
+    } while (p < row.size);
+    // A row seldom begins at a line.
+    __builtin_prefetch(columns + row.size);
+    __builtin_prefetch(values + row.size);
+  }
+
   const PreparedMatrix& mat_;
   BlockName name_;
   Array<RowRecord> records_;
