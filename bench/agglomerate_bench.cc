@@ -21,7 +21,7 @@ bench::Corpus Rows(const benchmark::State& state) {
 void RowSimilarities(benchmark::State& state) {
   const bench::Corpus corpus = Rows(state);
   const molva::PreparedCopy copy =
-      molva::MakePreparedCopy({.colmodel = molva::kColumnIdf}, corpus.raw(), "Bench");
+      molva::MakePreparedCopy({.colmodel = MOLVA_COL_IDF}, corpus.raw(), "Bench");
   const auto n = static_cast<std::size_t>(copy.mat->nrows);
   std::vector<float> smat(n * n);
   for (auto _ : state) {
@@ -37,7 +37,7 @@ struct Products {
   explicit Products(const benchmark::State& state) {
     const bench::Corpus corpus = Rows(state);
     const molva::PreparedCopy copy =
-        molva::MakePreparedCopy({.colmodel = molva::kColumnIdf}, corpus.raw(), "Bench");
+        molva::MakePreparedCopy({.colmodel = MOLVA_COL_IDF}, corpus.raw(), "Bench");
     n = static_cast<std::size_t>(copy.mat->nrows);
     smat.resize(n * n);
     molva::ComputeRowSimilarities({}, *copy.mat, smat.data(), n);

@@ -19,7 +19,7 @@ void Seed(benchmark::State& state) {
   const auto nparts = static_cast<int>(state.range(0));
   const bench::Corpus corpus = bench::MakeCorpus({.nrows = 5000});
   const molva::PreparedCopy copy =
-      molva::MakePreparedCopy({.colmodel = molva::kColumnIdf}, corpus.raw(), "Bench");
+      molva::MakePreparedCopy({.colmodel = MOLVA_COL_IDF}, corpus.raw(), "Bench");
   const auto seeded_by = [&](auto seeding) {
     return [&, seeding] {
       std::vector<int> part(static_cast<std::size_t>(copy.mat->nrows));

@@ -111,10 +111,8 @@ PreparedRows Pruned(const PreparedRows& rows, const std::vector<bool>& kept) {
 }
 
 molva::Control ControlOf(const Trials& trials) {
-  return {.crfun = kI2,
-          .colmodel = molva::kColumnIdf,
-          .ntrials = trials.ntrials,
-          .niter = trials.niter};
+  return {
+      .crfun = kI2, .colmodel = MOLVA_COL_IDF, .ntrials = trials.ntrials, .niter = trials.niter};
 }
 
 std::vector<int> BestOfTrials(const Trials& trials, const molva::PreparedMatrix& mat, int nparts) {

@@ -29,7 +29,7 @@ bool SameRows(const molva::PreparedCopy& copy, const bench::PreparedRows& plain)
 
 void Prepare(benchmark::State& state) {
   const bench::Corpus corpus = bench::MakeCorpus({.nrows = static_cast<int>(state.range(0))});
-  const molva::Control control{.colmodel = molva::kColumnIdf};
+  const molva::Control control{.colmodel = MOLVA_COL_IDF};
   bench::RunPaired(
       state, corpus.entries(),
       [&] { return molva::MakePreparedCopy(control, corpus.raw(), "Bench"); },

@@ -20,7 +20,7 @@ namespace {
 
 void RefineOnePass(benchmark::State& state) {
   const molva::Control control{
-      .crfun = static_cast<int>(state.range(0)), .colmodel = molva::kColumnIdf, .niter = 1};
+      .crfun = static_cast<int>(state.range(0)), .colmodel = MOLVA_COL_IDF, .niter = 1};
   const auto nparts = static_cast<int>(state.range(1));
   const bench::Corpus corpus = bench::MakeCorpus({.nrows = 5000});
   const molva::PreparedCopy copy = molva::MakePreparedCopy(control, corpus.raw(), "Bench");

@@ -23,8 +23,6 @@ void CopyMessage(std::string_view text, char* message, std::size_t size) {
 }  // namespace
 }  // namespace molva
 
-const char* MOLVA_Version(void) { return MOLVA_VERSION; }
-
 MOLVA_ErrorHandler MOLVA_SetErrorHandler(MOLVA_ErrorHandler handler) {
   return molva::SetFatalHandler(handler);
 }

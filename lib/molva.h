@@ -48,6 +48,8 @@
 
 #include <stddef.h>
 
+#include "molva_codes.h"
+
 #if defined(__GNUC__)
 #define MOLVA_API __attribute__((visibility("default")))
 #else
@@ -61,30 +63,6 @@ extern "C" {
 /* The version of this header, and of the library at hand, as "1.5.0". */
 #define MOLVA_VERSION "1.5.0"
 MOLVA_API const char* MOLVA_Version(void);
-
-/* The codes that the entry points take. */
-enum MOLVA_Similarity { MOLVA_SIM_COSINE = 1, MOLVA_SIM_CORRELATION = 2 };
-enum MOLVA_Criterion {
-  MOLVA_CRFUN_I1 = 1,
-  MOLVA_CRFUN_I2 = 2,
-  MOLVA_CRFUN_E1 = 3,
-  MOLVA_CRFUN_G1 = 4,
-  MOLVA_CRFUN_G1P = 5, /* G1' */
-  MOLVA_CRFUN_H1 = 6,
-  MOLVA_CRFUN_H2 = 7,
-  MOLVA_CRFUN_G3 = 8,
-  MOLVA_CRFUN_H3 = 9
-};
-enum MOLVA_RowModel {
-  MOLVA_ROW_NONE = 1,
-  MOLVA_ROW_MAXTF = 2,
-  MOLVA_ROW_SQRT = 3,
-  MOLVA_ROW_LOG = 4
-};
-enum MOLVA_ColumnModel { MOLVA_COL_NONE = 1, MOLVA_COL_IDF = 2 };
-enum MOLVA_TreeType { MOLVA_TREE_CLUSTERS = 1, MOLVA_TREE_ROWS = 2 };
-/* Bits of dbglvl: what is told on standard output while it happens. */
-enum MOLVA_Debug { MOLVA_DBG_CLUSTERING = 1, MOLVA_DBG_REFINEMENT = 2, MOLVA_DBG_MERGING = 4 };
 
 /* Errors that do not end the process.
  *
@@ -108,18 +86,10 @@ MOLVA_API int MOLVA_Try(void (*function)(void* argument), void* argument, char* 
 
 /* Progress, and a way to stop. The hook is called by MOLVA_VP_ClusterRB, MOLVA_VP_ClusterDirect and
  * the entry points that merge, compare all clusters or order trees, in the thread that set it and
- * for calls of that thread only. When it returns non-zero the run ends as on an error, "The run was
- * interrupted.". A null hook removes it.
+ * for calls of that thread only; molva_codes.h tells what it is given. When it returns non-zero the
+ * run ends as on an error, "The run was interrupted.". A null hook removes it.
  *
- *   event        what happened
- *   done, total  how many of them are done, of how many; 0 for polls
- *   data         as given */
-typedef enum MOLVA_Event {
-  MOLVA_EVENT_BISECTION = 1, /* a cluster was split in two */
-  MOLVA_EVENT_TRIAL = 2,     /* one start of a clustering, or of the splitting of one cluster */
-  MOLVA_EVENT_POLL = 3       /* a fraction of a second has passed, more or less */
-} MOLVA_Event;
-typedef int (*MOLVA_ProgressHook)(MOLVA_Event event, int done, int total, void* data);
+ *   data  handed to the hook as it is */
 MOLVA_API void MOLVA_SetProgressHook(MOLVA_ProgressHook hook, void* data);
 
 /* Clusters the rows into nparts clusters by nparts-1 bisections: each splits the cluster with the

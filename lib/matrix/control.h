@@ -1,27 +1,22 @@
 // SPDX-License-Identifier: MIT
 //
-// What every routine of the engine is told: codes, limits, debug bits, and the caller's matrix.
+// What every routine of the engine is given: codes, limits, debug bits, and the caller's matrix.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 
+#include "lib/molva_codes.h"
+
 namespace molva {
-
-enum Similarity : int { kCosine = 1, kCorrelation = 2 };
-enum RowModel : int { kRowNone = 1, kRowMaxTf = 2, kRowSqrt = 3, kRowLog = 4 };
-enum ColumnModel : int { kColumnNone = 1, kColumnIdf = 2 };
-
-// Debug levels are sums of these.
-enum DebugBit : int { kDebugClustering = 1, kDebugRefinement = 2, kDebugMerging = 4 };
 
 // Codes come unchecked from the caller; the routine that acts on one ends the run when it is
 // unknown.
 struct Control {
-  int simfun = kCosine;
+  int simfun = MOLVA_SIM_COSINE;
   int crfun = 0;
-  int rowmodel = kRowNone;
-  int colmodel = kColumnNone;
+  int rowmodel = MOLVA_ROW_NONE;
+  int colmodel = MOLVA_COL_NONE;
   float prune = 1.0F;
   int ntrials = 0;
   int niter = 0;
@@ -29,7 +24,7 @@ struct Control {
   int seed = 0;
 };
 
-inline bool HasDebugBit(const Control& control, DebugBit bit) {
+inline bool HasDebugBit(const Control& control, MOLVA_Debug bit) {
   return (control.dbglvl & bit) != 0;
 }
 

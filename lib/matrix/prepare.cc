@@ -7,7 +7,6 @@
 
 #include "lib/matrix/prune.h"
 #include "lib/matrix/vector_model.h"
-#include "lib/molva.h"
 #include "lib/support/fatal.h"
 
 namespace molva {
@@ -102,9 +101,9 @@ void SetUpMatrix(const Control& control, PreparedMatrix& mat, const RawMatrix& r
     CheckRowStarts(raw);
     CheckColumns(raw);
     const bool full = raw.rowptr[raw.nrows] == raw.cells();
-    if (control.simfun == kCosine || (control.simfun == kCorrelation && full)) {
+    if (control.simfun == MOLVA_SIM_COSINE || (control.simfun == MOLVA_SIM_CORRELATION && full)) {
       CopySparse(mat, raw);
-    } else if (control.simfun == kCorrelation) {
+    } else if (control.simfun == MOLVA_SIM_CORRELATION) {
       ExpandSparse(mat, raw);
     } else {
       FatalError("Unknown similarity function: %d\n", control.simfun);
@@ -129,8 +128,6 @@ void PrepareMatrix(const Control& control, PreparedMatrix& mat, std::span<int> r
   }
 }
 
-std::span<int> PreparedCopy::part() { return {ppart.data(), static_cast<std::size_t>(mat->nrows)}; }
-
 PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, const char* routine,
                               Clustering clustering) {
   PreparedCopy copy;
@@ -140,37 +137,21 @@ PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, cons
   copy.mat = CreateMatrix();
   SetUpMatrix(control, *copy.mat, raw);
   PrepareMatrix(control, *copy.mat, copy.rperm, copy.cperm);
+  copy.nrows = copy.mat->nrows;
   return copy;
 }
 
-void MapPartIn(PreparedCopy& copy, const int* part) {
-  for (int i = 0; i < copy.mat->nrows; ++i) copy.ppart[i] = part[copy.rperm[i]];
+void MapPartIn(PreparedCopy& copy, std::span<const int> part) {
+  for (int i = 0; i < copy.nrows; ++i) {
+    copy.ppart[i] = part[static_cast<std::size_t>(copy.rperm[i])];
+  }
 }
 
-void MapPartOut(const PreparedCopy& copy, int* part) {
-  std::fill_n(part, copy.rperm.size(), -1);
-  for (int i = 0; i < copy.mat->nrows; ++i) part[copy.rperm[i]] = copy.ppart[i];
+void MapPartOut(const PreparedCopy& copy, std::span<int> part) {
+  std::fill(part.begin(), part.end(), -1);
+  for (int i = 0; i < copy.nrows; ++i) {
+    part[static_cast<std::size_t>(copy.rperm[i])] = copy.ppart[i];
+  }
 }
 
 }  // namespace molva
-
-void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int* rowind,
-                             const float* rowval, int simfun, int rowmodel, int colmodel,
-                             float colprune, int* prepared_nrows, int* prepared_ncols,
-                             int** prepared_rowptr, int** prepared_rowind, float** prepared_rowval,
-                             int* rperm, int* cperm) {
-  using namespace molva;
-  const Control control{
-      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
-  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
-                                       "MOLVA_InternalizeMatrix", Clustering::kNone);
-  *prepared_nrows = copy.mat->nrows;
-  *prepared_ncols = copy.mat->ncols;
-  std::copy_n(copy.rperm.get(), copy.mat->nrows, rperm);
-  std::copy_n(copy.cperm.get(), copy.mat->ncols, cperm);
-  *prepared_rowptr = copy.mat->rowptr.Release();
-  *prepared_rowind = copy.mat->rowind.Release();
-  *prepared_rowval = copy.mat->rowval.Release();
-}
-
-void MOLVA_Free(void* array) { molva::RVfree(array); }

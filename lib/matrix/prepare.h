@@ -29,7 +29,14 @@ struct PreparedCopy {
   Array<int> cperm;  // caller's column of each prepared column
   Array<int> ppart;  // cluster of each prepared row
   Owned<PreparedMatrix> mat;
-  std::span<int> part();  // ppart cut to the prepared rows
+  int nrows = 0;  // prepared rows; workers may give the matrix up early
+
+  // ppart and rperm cut to the prepared rows.
+  std::span<int> part() { return {ppart.data(), PreparedRows()}; }
+  std::span<const int> rows() const { return {rperm.data(), PreparedRows()}; }
+
+ private:
+  std::size_t PreparedRows() const { return static_cast<std::size_t>(nrows); }
 };
 
 // Without a clustering to map there is no ppart.
@@ -38,9 +45,9 @@ PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, cons
                               Clustering clustering = Clustering::kMapped);
 
 // Fills ppart from the caller's clustering.
-void MapPartIn(PreparedCopy& copy, const int* part);
+void MapPartIn(PreparedCopy& copy, std::span<const int> part);
 
 // Fills the caller's clustering from ppart; rows that preparation dropped get -1.
-void MapPartOut(const PreparedCopy& copy, int* part);
+void MapPartOut(const PreparedCopy& copy, std::span<int> part);
 
 }  // namespace molva

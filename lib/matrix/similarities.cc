@@ -27,13 +27,13 @@ void AddRowProducts(const PreparedMatrix& mat, int i, float* products) {
 }
 
 void ReportRow(const Control& control, int i) {
-  if (!HasDebugBit(control, kDebugClustering) || i % 100 != 0) return;
+  if (!HasDebugBit(control, MOLVA_DBG_CLUSTERING) || i % 100 != 0) return;
   std::printf(".");
   std::fflush(stdout);
 }
 
 void ReportFill(const Control& control, int n, const float* smat, std::size_t stride) {
-  if (!HasDebugBit(control, kDebugClustering)) return;
+  if (!HasDebugBit(control, MOLVA_DBG_CLUSTERING)) return;
   const auto size = static_cast<std::size_t>(n);
   std::ptrdiff_t positive = 0;
   for (std::size_t i = 0; i < size; ++i) {
@@ -64,7 +64,7 @@ void ComputeCluster2ClusterSimilarities(const PreparedMatrix& mat, int nparts,
 
 void ComputeRowSimilarities(const Control& control, PreparedMatrix& mat, float* smat,
                             std::size_t stride) {
-  if (HasDebugBit(control, kDebugClustering)) {
+  if (HasDebugBit(control, MOLVA_DBG_CLUSTERING)) {
     std::printf("Computing pairwise similarities:");
     std::fflush(stdout);
   }

@@ -94,13 +94,13 @@ void ForEachRow(PreparedMatrix& mat, Scale scale) {
 
 void ApplyRowModel(const Control& control, PreparedMatrix& mat) {
   switch (control.rowmodel) {
-    case kRowNone:
+    case MOLVA_ROW_NONE:
       return;
-    case kRowMaxTf:
+    case MOLVA_ROW_MAXTF:
       return ForEachRow(mat, ScaleByMaxTf);
-    case kRowSqrt:
+    case MOLVA_ROW_SQRT:
       return ForEachRow(mat, ScaleBySqrt);
-    case kRowLog:
+    case MOLVA_ROW_LOG:
       return ForEachRow(mat, ScaleByLog);
     default:
       FatalError("Unknown RowModel value of %d\n", control.rowmodel);
@@ -109,9 +109,9 @@ void ApplyRowModel(const Control& control, PreparedMatrix& mat) {
 
 void ComputeScaleFactors(const Control& control, PreparedMatrix& mat) {
   switch (control.colmodel) {
-    case kColumnNone:
+    case MOLVA_COL_NONE:
       return;
-    case kColumnIdf:
+    case MOLVA_COL_IDF:
       if (mat.sparse == 0) {
         FatalError(
             "IDF column model only applies to sparse matrices and non-correlation-coefficient similarities!\n");
@@ -124,9 +124,9 @@ void ComputeScaleFactors(const Control& control, PreparedMatrix& mat) {
 
 void NormalizeRows(const Control& control, PreparedMatrix& mat) {
   switch (control.simfun) {
-    case kCosine:
+    case MOLVA_SIM_COSINE:
       return ForEachRow(mat, ScaleToUnitLength);
-    case kCorrelation:
+    case MOLVA_SIM_CORRELATION:
       return ForEachRow(mat, [ncols = mat.ncols](std::span<float> row) {
         SubtractMean(row, ncols);
         ScaleToUnitLength(row);

@@ -4,9 +4,6 @@
 #include <algorithm>
 
 #include "lib/matrix/composites.h"
-#include "lib/matrix/control.h"
-#include "lib/matrix/prepare.h"
-#include "lib/molva.h"
 #include "lib/support/vectors.h"
 
 namespace molva {
@@ -35,19 +32,3 @@ void GetClusterFeatures(const PreparedMatrix& mat, int nparts, std::span<const i
 }
 
 }  // namespace molva
-
-void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr, const int* rowind,
-                                const float* rowval, int simfun, int rowmodel, int colmodel,
-                                float colprune, int nparts, const int* part, int nfeatures,
-                                int* internalids, float* internalwgts, int* externalids,
-                                float* externalwgts) {
-  using namespace molva;
-  const Control control{
-      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
-  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
-                                       "MOLVA_V_GetClusterFeatures");
-  MapPartIn(copy, part);
-  GetClusterFeatures(*copy.mat, nparts, copy.part(),
-                     {copy.cperm, nfeatures, internalids, internalwgts},
-                     {copy.cperm, nfeatures, externalids, externalwgts});
-}

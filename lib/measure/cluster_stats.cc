@@ -4,13 +4,9 @@
 // no row and of all rows divide by zero; infinite and not-a-number results are wanted there.
 #include "lib/measure/cluster_stats.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "lib/matrix/composites.h"
-#include "lib/matrix/control.h"
-#include "lib/matrix/prepare.h"
-#include "lib/molva.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 
@@ -109,45 +105,3 @@ void GetClusterStats(const PreparedMatrix& mat, std::span<const int> part,
 }
 
 }  // namespace molva
-
-namespace {
-
-// The label names the internal scores also for the external ones; it is shared on purpose.
-molva::Array<float> PrivateScores(const float* wanted, int nrows) {
-  if (wanted == nullptr) return {};
-  return molva::AllocFloatsSet(nrows, -100.0F, "MOLVA_V_GetClusterStats: pizscores");
-}
-
-void MapScoresOut(const molva::PreparedCopy& copy, const molva::Array<float>& scores,
-                  float* caller_scores) {
-  if (caller_scores == nullptr) return;
-  for (int i = 0; i < copy.mat->nrows; ++i) caller_scores[copy.rperm[i]] = scores[i];
-}
-
-}  // namespace
-
-void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int* rowind,
-                             const float* rowval, int simfun, int rowmodel, int colmodel,
-                             float colprune, int nparts, const int* part, int* pwgts,
-                             float* cintsim, float* cintsdev, float* izscores, float* cextsim,
-                             float* cextsdev, float* ezscores) {
-  using namespace molva;
-  const Control control{
-      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
-  PreparedCopy copy =
-      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_GetClusterStats");
-  Array<float> pizscores = PrivateScores(izscores, nrows);
-  Array<float> pezscores = PrivateScores(ezscores, nrows);
-  MapPartIn(copy, part);
-  const auto clusters = static_cast<std::size_t>(std::max(nparts, 0));
-  GetClusterStats(*copy.mat, copy.part(),
-                  {.pwgts = {pwgts, clusters},
-                   .isim = {cintsim, clusters},
-                   .isdev = {cintsdev, clusters},
-                   .izscores = pizscores,
-                   .esim = {cextsim, clusters},
-                   .esdev = {cextsdev, clusters},
-                   .ezscores = pezscores});
-  MapScoresOut(copy, pizscores, izscores);
-  MapScoresOut(copy, pezscores, ezscores);
-}

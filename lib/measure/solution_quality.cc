@@ -5,11 +5,10 @@
 
 #include "lib/criteria/table.h"
 #include "lib/matrix/composites.h"
-#include "lib/matrix/prepare.h"
-#include "lib/molva.h"
 #include "lib/support/vectors.h"
 
 namespace molva {
+
 float GetCriterionFunctionValue(const Control& control, const PreparedMatrix& mat, int nparts,
                                 std::span<const int> part) {
   Array<int> pwgts = AllocIntsSet(nparts, 0, "GetCriterionFunctionValue: pwgts");
@@ -31,18 +30,3 @@ float GetCriterionFunctionValue(const Control& control, const PreparedMatrix& ma
 }
 
 }  // namespace molva
-
-float MOLVA_V_GetSolutionQuality(int nrows, int ncols, const int* rowptr, const int* rowind,
-                                 const float* rowval, int simfun, int crfun, int rowmodel,
-                                 int colmodel, float colprune, int nparts, const int* part) {
-  using namespace molva;
-  const Control control{.simfun = simfun,
-                        .crfun = crfun,
-                        .rowmodel = rowmodel,
-                        .colmodel = colmodel,
-                        .prune = colprune};
-  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
-                                       "MOLVA_V_GetSolutionQuality");
-  MapPartIn(copy, part);
-  return GetCriterionFunctionValue(control, *copy.mat, nparts, copy.part());
-}

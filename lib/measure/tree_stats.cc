@@ -4,9 +4,6 @@
 #include <algorithm>
 
 #include "lib/matrix/composites.h"
-#include "lib/matrix/control.h"
-#include "lib/matrix/prepare.h"
-#include "lib/molva.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 #include "lib/tree/tree_composites.h"
@@ -41,19 +38,3 @@ void GetTreeStats(const PreparedMatrix& mat, int nparts, std::span<const int> pa
 }
 
 }  // namespace molva
-
-void MOLVA_V_GetTreeStats(int nrows, int ncols, const int* rowptr, const int* rowind,
-                          const float* rowval, int simfun, int rowmodel, int colmodel,
-                          float colprune, int nparts, const int* part, const int* ptree, int* pwgts,
-                          float* isims, float* xsims) {
-  using namespace molva;
-  const Control control{
-      .simfun = simfun, .rowmodel = rowmodel, .colmodel = colmodel, .prune = colprune};
-  PreparedCopy copy =
-      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_GetTreeStats");
-  MapPartIn(copy, part);
-  nparts = std::max(nparts, 0);
-  const std::size_t nodes = 2 * static_cast<std::size_t>(nparts);
-  GetTreeStats(*copy.mat, nparts, copy.part(), {ptree, nodes}, {pwgts, nodes}, {isims, nodes},
-               {xsims, nodes});
-}

@@ -10,6 +10,11 @@
 
 namespace molva {
 
+// Seeds the random numbers, and writes a clustering of the rows into nparts
+// clusters, its clusters in order.
+void ClusterDirect(const Control& control, const PreparedMatrix& mat, int nparts,
+                   std::span<int> part);
+
 // Writes the best k-way clustering of control.ntrials trials.
 void PartitionMatKWay(const Control& control, const PreparedMatrix& mat, int nparts,
                       std::span<int> part);

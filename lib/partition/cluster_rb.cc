@@ -3,13 +3,10 @@
 
 #include <algorithm>
 
-#include "lib/matrix/prepare.h"
 #include "lib/matrix/submatrix.h"
-#include "lib/molva.h"
 #include "lib/partition/refine.h"
 #include "lib/partition/reorder_clusters.h"
 #include "lib/partition/trials.h"
-#include "lib/support/fatal.h"
 #include "lib/support/progress.h"
 #include "lib/support/random.h"
 #include "lib/support/vectors.h"
@@ -38,6 +35,14 @@ void Bisect(const Control& control, const PreparedMatrix& mat, int c, int new_cl
 
 }  // namespace
 
+void ClusterRB(const Control& control, const PreparedMatrix& mat, int nparts, bool refine,
+               std::span<int> part) {
+  SeedGenerator(control.seed);
+  PartitionMatRecursive(control, mat, nparts, part);
+  if (refine) RefineClusteringKWay(control, mat, nparts, part);
+  ReorderClusters(mat, nparts, part);
+}
+
 void PartitionMatRecursive(const Control& control, const PreparedMatrix& mat, int nparts,
                            std::span<int> part) {
   // A single cluster needs no seed, so it may even be empty.
@@ -61,26 +66,3 @@ void BisectKMeans(const Control& control, const PreparedMatrix& mat, std::span<i
 }
 
 }  // namespace molva
-
-void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowind,
-                        const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
-                        float prune, int ntrials, int niter, int seed, int refine, int dbglvl,
-                        int nparts, int* part) {
-  using namespace molva;
-  const Control control{.simfun = simfun,
-                        .crfun = crfun,
-                        .rowmodel = rowmodel,
-                        .colmodel = colmodel,
-                        .prune = prune,
-                        .ntrials = ntrials,
-                        .niter = niter,
-                        .dbglvl = dbglvl,
-                        .seed = seed};
-  PreparedCopy copy =
-      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_VP_ClusterRB");
-  SeedGenerator(seed);
-  PartitionMatRecursive(control, *copy.mat, nparts, copy.part());
-  if (refine != 0) RefineClusteringKWay(control, *copy.mat, nparts, copy.part());
-  ReorderClusters(*copy.mat, nparts, copy.part());
-  MapPartOut(copy, part);
-}

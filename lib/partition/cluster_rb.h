@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Repeated bisection, the workers under MOLVA_VP_ClusterRB.
+// Repeated bisection, the worker under MOLVA_VP_ClusterRB and its parts.
 #pragma once
 
 #include <span>
@@ -9,6 +9,12 @@
 #include "lib/matrix/prepared_matrix.h"
 
 namespace molva {
+
+// Seeds the random numbers, and writes a clustering of the rows into nparts
+// clusters by repeated bisection, with `refine` refined once more as a whole, its clusters in
+// order.
+void ClusterRB(const Control& control, const PreparedMatrix& mat, int nparts, bool refine,
+               std::span<int> part);
 
 // Writes a clustering of the rows into nparts clusters: all rows in cluster 0 at first, then
 // nparts-1 times the largest cluster is split in two.

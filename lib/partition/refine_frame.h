@@ -134,18 +134,18 @@ class KWayRefinement {
 };
 
 inline void ReportStart(const Control& control, bool extra_line, Wide progress) {
-  if (!HasDebugBit(control, kDebugRefinement)) return;
+  if (!HasDebugBit(control, MOLVA_DBG_REFINEMENT)) return;
   if (extra_line) std::printf("\n");
   std::printf("\nInit: %.4f, ", Printed(progress));
 }
 
 inline void ReportPass(const Control& control, int moves, Wide progress) {
-  if (!HasDebugBit(control, kDebugRefinement)) return;
+  if (!HasDebugBit(control, MOLVA_DBG_REFINEMENT)) return;
   std::printf("%d %.4f, ", moves, Printed(progress));
 }
 
 inline void ReportEnd(const Control& control) {
-  if (HasDebugBit(control, kDebugRefinement)) std::printf("\n");
+  if (HasDebugBit(control, MOLVA_DBG_REFINEMENT)) std::printf("\n");
 }
 
 // Refines `part` in place under the criterion, for at most control.niter passes or until a pass

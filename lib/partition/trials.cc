@@ -17,16 +17,16 @@ constexpr char kRule[] =
     "------------------------------------------------------------------------------\n";
 
 void ReportStart(const Control& control, const PreparedMatrix& mat, const char* heading) {
-  if (HasDebugBit(control, kDebugClustering)) {
+  if (HasDebugBit(control, MOLVA_DBG_CLUSTERING)) {
     std::printf("\n%s%s [nrows:%d ncols:%d nnz:%d]", kRule, heading, mat.nrows, mat.ncols,
                 EntryCount(mat));
     std::fflush(stdout);
   }
-  if (HasDebugBit(control, kDebugRefinement)) std::printf("\n");
+  if (HasDebugBit(control, MOLVA_DBG_REFINEMENT)) std::printf("\n");
 }
 
 void ReportEnd(const Control& control, const char* lead, float quality) {
-  if (!HasDebugBit(control, kDebugClustering)) return;
+  if (!HasDebugBit(control, MOLVA_DBG_CLUSTERING)) return;
   std::printf("%sSim: %.4f\n%s", lead, Printed(quality), kRule);
 }
 

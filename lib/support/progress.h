@@ -4,7 +4,12 @@
 // one comparison.
 #pragma once
 
+#include "lib/molva_codes.h"
+
 namespace molva {
+
+// The hook of the current thread; null removes it.
+void SetProgressHook(MOLVA_ProgressHook hook, void* data);
 
 // About how many rows or merges pass between two polls.
 constexpr int kPollInterval = 1024;

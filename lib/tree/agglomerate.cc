@@ -6,7 +6,6 @@
 
 #include "lib/criteria/merge_gains.h"
 #include "lib/matrix/composites.h"
-#include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
 #include "lib/support/printed.h"
@@ -72,7 +71,7 @@ struct Merge {
 
 void ReportMerge(const Control& control, const Items& items, const Array<int>& imap,
                  const Merge& merge, int node, Wide crvalue) {
-  if (!HasDebugBit(control, kDebugMerging)) return;
+  if (!HasDebugBit(control, MOLVA_DBG_MERGING)) return;
   std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f %f\n", imap[merge.i], imap[merge.j],
               node, AddValues(items.pwgts[merge.i], items.pwgts[merge.j]), Printed(crvalue),
               Printed(merge.gain), Printed(items.AverageSimilarity(merge.i, merge.j)));
@@ -134,14 +133,14 @@ class LocalGains {
 
   void FillQueue() {
     HACPQueueInit(queue_, merging_.n);
-    if (HasDebugBit(control_, kDebugClustering)) {
+    if (HasDebugBit(control_, MOLVA_DBG_CLUSTERING)) {
       std::printf("Populating the priority queue...");
       std::fflush(stdout);
     }
     for (int i = 0; i < merging_.n; ++i) {
       for (int j = i + 1; j < merging_.n; ++j) HACPQueueInsert(queue_, i, j, Gain(i, j));
     }
-    if (HasDebugBit(control_, kDebugClustering)) std::printf(" Done!\n");
+    if (HasDebugBit(control_, MOLVA_DBG_CLUSTERING)) std::printf(" Done!\n");
   }
 
   Merge TakeBest() {
@@ -284,7 +283,7 @@ class RatioGains {
     const auto x = static_cast<std::size_t>(node);
     merging_.gains[x] = static_cast<float>(gain);
     merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(i, j));
-    if (HasDebugBit(control_, kDebugMerging)) {
+    if (HasDebugBit(control_, MOLVA_DBG_MERGING)) {
       std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f\n", rowids_[i], rowids_[j], node,
                   AddValues(items_.pwgts[i], items_.pwgts[j]), Printed(ratio), Printed(gain));
     }
@@ -337,7 +336,7 @@ void BuildSimHAC(const Control& control, const Merging& merging) {
 void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
   // A run that reports on its queue has one.
   const bool reports =
-      HasDebugBit(control, kDebugClustering) || HasDebugBit(control, kDebugMerging);
+      HasDebugBit(control, MOLVA_DBG_CLUSTERING) || HasDebugBit(control, MOLVA_DBG_MERGING);
   if (!reports && merging.n <= kMostClearItems && MergeWhileClear(control.crfun, merging)) return;
   switch (control.crfun) {
     case 1:
@@ -403,24 +402,3 @@ void CheckItemCount(int n) {
 }
 
 }  // namespace molva
-
-void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handling, int dbglvl,
-                      int nparts, int* part, int* ptree, float* tsims, float* gains) {
-  using namespace molva;
-  CheckItemCount(n);
-  const auto items = static_cast<std::size_t>(std::max(n, 0));
-  Array<float> nsmat;
-  if (handling == 1) {
-    nsmat = AllocFloats(static_cast<std::int64_t>(items * items), "MOLVA_SA_Cluster: nsmat");
-    std::copy_n(smat, items * items, nsmat.data());
-  }
-  const Control control{.crfun = crfun, .dbglvl = dbglvl};
-  MergeItems(control,
-             {static_cast<int>(items),
-              pwgts,
-              handling == 1 ? nsmat.data() : smat,
-              {ptree, 2 * items},
-              {tsims, 2 * items},
-              {gains, 2 * items}},
-             nparts, {part, items});
-}

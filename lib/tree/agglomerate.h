@@ -36,7 +36,7 @@ void BuildSimHAC_I1I2E1G1G1P(const Control& control, const Merging& merging);
 // Cuts the tree into nparts clusters by undoing the last merges; part holds n elements.
 void InduceClusteringFromHAC(int n, int nparts, std::span<const int> ptree, std::span<int> part);
 
-// Merges and cuts: the engine room of MOLVA_SA_Cluster. Sets ptree to -1 first.
+// Merges and cuts, the worker under MOLVA_SA_Cluster. Sets ptree to -1 first.
 void MergeItems(const Control& control, const Merging& merging, int nparts, std::span<int> part);
 
 // Ends the run when there are more items than the engine can number. Callers ask before they

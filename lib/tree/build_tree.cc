@@ -5,10 +5,8 @@
 #include <climits>
 #include <numeric>
 
-#include "lib/matrix/prepare.h"
 #include "lib/matrix/similarities.h"
 #include "lib/matrix/submatrix.h"
-#include "lib/molva.h"
 #include "lib/support/fatal.h"
 #include "lib/support/pqueue.h"
 #include "lib/support/tree_arrays.h"
@@ -161,7 +159,39 @@ std::span<const int> RowsOf(int c, std::span<const int> part, Array<int>& ppart)
   return {ppart.data(), count};
 }
 
+// The complete tree is built over the prepared rows and then spread over all of them.
+void BuildTreeOverRows(const Control& control, PreparedCopy& copy, int nparts, std::int64_t nodes,
+                       const TreeArrays& tree) {
+  Array<int> pptree = AllocIntsSet(nodes, -1, "MOLVA_V_BuildTree: pptree");
+  Array<float> ptsims = AllocFloatsSet(nodes, -1.0F, "MOLVA_V_BuildTree: ptsims");
+  Array<float> pgains = AllocFloatsSet(nodes, -1.0F, "MOLVA_V_BuildTree: pgains");
+  const std::size_t prepared = 2 * Size(copy.nrows);
+  const TreeArrays private_tree{
+      {pptree.data(), prepared}, {ptsims.data(), prepared}, {pgains.data(), prepared}};
+  BuildPartitionedTree(control, *copy.mat, nparts, copy.part(), private_tree);
+  TranslateTree(copy.rows(), private_tree, tree);
+}
+
 }  // namespace
+
+void BuildTree(const Control& control, PreparedCopy& copy, int treetype, int nparts,
+               std::span<int> ptree, std::span<float> tsims) {
+  const std::int64_t nrows = static_cast<std::int64_t>(copy.rperm.size());
+  const auto leaves = static_cast<std::int64_t>(ptree.size() / 2);
+  CheckLeafCount(std::max(leaves, nrows));
+  const std::int64_t nodes = 2 * std::max(leaves, nrows);
+  // The gains decide the numbering of the complete tree and are not handed out.
+  Array<float> gains = AllocFloats(nodes, "MOLVA_V_BuildTree: gains");
+  const TreeArrays tree{ptree, tsims, {gains.data(), ptree.size()}};
+  switch (treetype) {
+    case MOLVA_TREE_CLUSTERS:
+      return BuildPartitionTree(control, *copy.mat, nparts, copy.part(), tree);
+    case MOLVA_TREE_ROWS:
+      return BuildTreeOverRows(control, copy, nparts, nodes, tree);
+    default:
+      FatalError("Unknown treetype=%d\n", treetype);
+  }
+}
 
 void BuildPartitionTree(const Control& control, const PreparedMatrix& mat, int nparts,
                         std::span<const int> part, const TreeArrays& tree) {
@@ -241,41 +271,3 @@ void TranslateTree(std::span<const int> leaf_of, const TreeArrays& from, const T
 }
 
 }  // namespace molva
-
-void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowind,
-                       const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
-                       float colprune, int treetype, int dbglvl, int nparts, const int* part,
-                       int* ptree, float* tsims) {
-  using namespace molva;
-  const Control control{.simfun = simfun,
-                        .crfun = crfun,
-                        .rowmodel = rowmodel,
-                        .colmodel = colmodel,
-                        .prune = colprune,
-                        .dbglvl = dbglvl};
-  PreparedCopy copy =
-      MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval}, "MOLVA_V_BuildTree");
-  MapPartIn(copy, part);
-  const int nclusters = std::max(nparts, 0);
-  const std::int64_t leaves = treetype == kClusterTree ? nclusters : nrows;
-  CheckLeafCount(std::max(leaves, std::int64_t{nrows}));
-  const std::int64_t nodes = 2 * std::max(leaves, std::int64_t{nrows});
-  // The gains decide the numbering of the complete tree and are not handed out.
-  Array<float> gains = AllocFloats(nodes, "MOLVA_V_BuildTree: gains");
-  const std::size_t written = 2 * Size(leaves);
-  const TreeArrays tree{{ptree, written}, {tsims, written}, {gains.data(), written}};
-  if (treetype == kClusterTree) {
-    BuildPartitionTree(control, *copy.mat, nclusters, copy.part(), tree);
-  } else if (treetype == kFullTree) {
-    Array<int> pptree = AllocIntsSet(nodes, -1, "MOLVA_V_BuildTree: pptree");
-    Array<float> ptsims = AllocFloatsSet(nodes, -1.0F, "MOLVA_V_BuildTree: ptsims");
-    Array<float> pgains = AllocFloatsSet(nodes, -1.0F, "MOLVA_V_BuildTree: pgains");
-    const std::size_t prepared = 2 * Size(copy.mat->nrows);
-    const TreeArrays private_tree{
-        {pptree.data(), prepared}, {ptsims.data(), prepared}, {pgains.data(), prepared}};
-    BuildPartitionedTree(control, *copy.mat, nclusters, copy.part(), private_tree);
-    TranslateTree({copy.rperm.get(), prepared / 2}, private_tree, tree);
-  } else {
-    FatalError("Unknown treetype=%d\n", treetype);
-  }
-}

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 //
-// Trees over a clustering; the workers under MOLVA_V_BuildTree.
+// Trees over a clustering; the worker under MOLVA_V_BuildTree and its parts.
 #pragma once
 
 #include <span>
 
 #include "lib/matrix/control.h"
+#include "lib/matrix/prepare.h"
 #include "lib/matrix/prepared_matrix.h"
 
 namespace molva {
-
-enum TreeType : int { kClusterTree = 1, kFullTree = 2 };
 
 // The arrays of a tree that is built: 2L elements for L leaves.
 struct TreeArrays {
@@ -18,6 +17,11 @@ struct TreeArrays {
   std::span<float> tsims;
   std::span<float> gains;
 };
+
+// The tree of a kind over the clustering in `copy`, 2 * nparts parents or twice as many as the
+// caller has rows. Any other kind is fatal: "Unknown treetype=%d\n".
+void BuildTree(const Control& control, PreparedCopy& copy, int treetype, int nparts,
+               std::span<int> ptree, std::span<float> tsims);
 
 // A tree over the clusters: leaf c is cluster c. Clusters without rows are left out: their parents
 // stay -1, and internal nodes still begin at nparts.

@@ -5,10 +5,7 @@
 #include <utility>
 
 #include "lib/matrix/composites.h"
-#include "lib/matrix/control.h"
-#include "lib/matrix/prepare.h"
 #include "lib/matrix/similarities.h"
-#include "lib/molva.h"
 #include "lib/support/pqueue.h"
 #include "lib/support/progress.h"
 #include "lib/support/tree_arrays.h"
@@ -135,13 +132,13 @@ void OrderChildren(int n, std::span<const int> twgts, const NodeMatrix& s,
 
 std::size_t Nodes(int n) { return 2 * static_cast<std::size_t>(std::max(n, 0)); }
 
+}  // namespace
+
 std::int64_t NodeCells(int n) {
   const auto nodes = static_cast<std::int64_t>(Nodes(n));
   std::int64_t cells = 0;
   return __builtin_mul_overflow(nodes, nodes, &cells) ? INT64_MAX : cells;
 }
-
-}  // namespace
 
 void ReorderTree(int n, std::span<const int> wgts, float* smat, std::span<const int> ptree,
                  std::span<int> ftree) {
@@ -155,60 +152,25 @@ void ReorderTree(int n, std::span<const int> wgts, float* smat, std::span<const 
   OrderChildren(n, twgts, similarities, ChildTable(ftree));
 }
 
-}  // namespace molva
-
-void MOLVA_S_TreeReorder(int n, const int* wgts, float* smat, int handling, int /*dbglvl*/,
-                         const int* ptree, int* ftree) {
-  using namespace molva;
-  const std::size_t nodes = Nodes(n);
-  Array<float> nsmat;
-  if (handling == 1) {
-    nsmat = AllocFloats(NodeCells(n), "MOLVA_S_TreeReorder: nsmat");
-    for (std::size_t i = 0; i < nodes / 2; ++i) {
-      std::copy_n(smat + i * (nodes / 2), nodes / 2, nsmat.data() + i * nodes);
-    }
-  }
-  ReorderTree(n, {wgts, nodes / 2}, handling == 1 ? nsmat.data() : smat, {ptree, nodes},
-              {ftree, 2 * nodes});
-}
-
-void MOLVA_V_TreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
-                         const float* rowval, int simfun, int rowmodel, int colmodel,
-                         float colprune, int dbglvl, const int* ptree, int* ftree) {
-  using namespace molva;
-  const Control control{.simfun = simfun,
-                        .rowmodel = rowmodel,
-                        .colmodel = colmodel,
-                        .prune = colprune,
-                        .dbglvl = dbglvl};
-  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
-                                       "MOLVA_V_TreeReorder", Clustering::kNone);
+void ReorderTreeOfRows(const Control& control, PreparedCopy& copy, std::span<const int> ptree,
+                       std::span<int> ftree) {
   // A tree over rows some of which are gone keeps its order.
-  if (copy.mat->nrows != nrows) return;
-  Array<int> rwgts = AllocIntsSet(nrows, 1, "MOLVA_V_TreeReorder: rwgts");
-  Array<float> smat = AllocFloats(NodeCells(nrows), "MOLVA_V_TreeReorder: smat");
-  ComputeRowSimilarities(control, *copy.mat, smat.data(), Nodes(nrows));
+  if (copy.rows().size() != copy.rperm.size()) return;
+  Array<int> rwgts = AllocIntsSet(copy.nrows, 1, "MOLVA_V_TreeReorder: rwgts");
+  Array<float> smat = AllocFloats(NodeCells(copy.nrows), "MOLVA_V_TreeReorder: smat");
+  ComputeRowSimilarities(control, *copy.mat, smat.data(), Nodes(copy.nrows));
   FreeMatrix(copy.mat);
-  MOLVA_S_TreeReorder(nrows, rwgts.get(), smat.get(), 2, dbglvl, ptree, ftree);
+  ReorderTree(copy.nrows, rwgts, smat.data(), ptree, ftree);
 }
 
-void MOLVA_V_ClusterTreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
-                                const float* rowval, int simfun, int rowmodel, int colmodel,
-                                float colprune, int dbglvl, int nparts, const int* part,
-                                const int* ptree, int* ftree) {
-  using namespace molva;
-  const Control control{.simfun = simfun,
-                        .rowmodel = rowmodel,
-                        .colmodel = colmodel,
-                        .prune = colprune,
-                        .dbglvl = dbglvl};
-  PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
-                                       "MOLVA_V_ClusterTreeReorder");
-  MapPartIn(copy, part);
+void ReorderTreeOfClusters(PreparedCopy& copy, int nparts, std::span<const int> ptree,
+                           std::span<int> ftree) {
   Array<int> pwgts = AllocInts(nparts, "MOLVA_V_ClusterTreeReorder: pwgts");
   Array<float> smat = AllocFloats(NodeCells(nparts), "MOLVA_V_ClusterTreeReorder: smat");
   ComputeCluster2ClusterSimilarities(*copy.mat, nparts, copy.part(), smat.data(), Nodes(nparts),
                                      pwgts);
   FreeMatrix(copy.mat);
-  MOLVA_S_TreeReorder(nparts, pwgts.get(), smat.get(), 2, dbglvl, ptree, ftree);
+  ReorderTree(nparts, pwgts, smat.data(), ptree, ftree);
 }
+
+}  // namespace molva

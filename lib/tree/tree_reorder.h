@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
 // Chooses which child of every node stands left, so that neighbouring subtrees are as similar as
-// possible; the worker under the three reordering entry points.
+// possible; the workers under the three reordering entry points.
 #pragma once
 
+#include <cstdint>
 #include <span>
+
+#include "lib/matrix/control.h"
+#include "lib/matrix/prepare.h"
 
 namespace molva {
 
@@ -13,5 +17,16 @@ namespace molva {
 // the leaves' composites, and the rest is built here.
 void ReorderTree(int n, std::span<const int> wgts, float* smat, std::span<const int> ptree,
                  std::span<int> ftree);
+
+// The same for a tree over the prepared rows, which does nothing when preparation dropped a row,
+// and for one over the clusters of a clustering. The copy gives up its matrix.
+void ReorderTreeOfRows(const Control& control, PreparedCopy& copy, std::span<const int> ptree,
+                       std::span<int> ftree);
+void ReorderTreeOfClusters(PreparedCopy& copy, int nparts, std::span<const int> ptree,
+                           std::span<int> ftree);
+
+// The cells of a matrix over all nodes of a tree of n leaves; more than any block has when an
+// integer cannot tell.
+std::int64_t NodeCells(int n);
 
 }  // namespace molva

@@ -61,8 +61,8 @@ struct EntryPoint {
 // Everything is under the cosine, without models.
 #define MATRIX                                                                    \
   g.matrix.nrows, g.matrix.ncols, g.matrix.rowptr.data(), g.matrix.rowind.data(), \
-      g.matrix.rowval.data(), kCosine
-#define MODEL kRowNone, kColumnNone, 1.0F
+      g.matrix.rowval.data(), MOLVA_SIM_COSINE
+#define MODEL MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F
 
 const std::vector<EntryPoint> kEntryPoints = {
     {"ClusterRB",
@@ -91,13 +91,13 @@ const std::vector<EntryPoint> kEntryPoints = {
      }},
     {"BuildTree",
      [](const Given& g, Results& r) {
-       MOLVA_V_BuildTree(MATRIX, 2, MODEL, kClusterTree, 0, g.nparts, g.part.data(), r.ptree.data(),
-                         r.tsims.data());
+       MOLVA_V_BuildTree(MATRIX, 2, MODEL, MOLVA_TREE_CLUSTERS, 0, g.nparts, g.part.data(),
+                         r.ptree.data(), r.tsims.data());
      }},
     {"BuildTree of the rows",
      [](const Given& g, Results& r) {
-       MOLVA_V_BuildTree(MATRIX, 2, MODEL, kFullTree, 0, g.nparts, g.part.data(), r.ptree.data(),
-                         r.tsims.data());
+       MOLVA_V_BuildTree(MATRIX, 2, MODEL, MOLVA_TREE_ROWS, 0, g.nparts, g.part.data(),
+                         r.ptree.data(), r.tsims.data());
      }},
     {"ClusterRows",
      [](const Given& g, Results& r) {

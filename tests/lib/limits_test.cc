@@ -52,9 +52,9 @@ struct Stats {
         izscores(At(m.nrows)),
         ezscores(At(m.nrows)) {
     MOLVA_V_GetClusterStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                            kCosine, kRowNone, kColumnNone, 1.0F, nparts, part.data(), pwgts.data(),
-                            isim.data(), isdev.data(), izscores.data(), esim.data(), esdev.data(),
-                            ezscores.data());
+                            MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, nparts,
+                            part.data(), pwgts.data(), isim.data(), isdev.data(), izscores.data(),
+                            esim.data(), esdev.data(), ezscores.data());
   }
   Ints pwgts;
   Floats isim, isdev, esim, esdev, izscores, ezscores;
@@ -62,16 +62,17 @@ struct Stats {
 
 float Quality(const SparseMatrix& m, int crfun, const Ints& part, int nparts) {
   return MOLVA_V_GetSolutionQuality(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(),
-                                    m.rowval.data(), kCosine, crfun, kRowNone, kColumnNone, 1.0F,
-                                    nparts, part.data());
+                                    m.rowval.data(), MOLVA_SIM_COSINE, crfun, MOLVA_ROW_NONE,
+                                    MOLVA_COL_NONE, 1.0F, nparts, part.data());
 }
 
 struct TreeStats {
   TreeStats(const SparseMatrix& m, const Ints& part, const Ints& ptree)
       : pwgts(ptree.size()), isims(ptree.size()), xsims(ptree.size()) {
     MOLVA_V_GetTreeStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                         kCosine, kRowNone, kColumnNone, 1.0F, static_cast<int>(ptree.size() / 2),
-                         part.data(), ptree.data(), pwgts.data(), isims.data(), xsims.data());
+                         MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F,
+                         static_cast<int>(ptree.size() / 2), part.data(), ptree.data(),
+                         pwgts.data(), isims.data(), xsims.data());
   }
   Ints pwgts;
   Floats isims, xsims;
@@ -124,8 +125,9 @@ TEST_F(LargeClusters, AreJoinedByTheirSimilarity) {
     Ints ptree(6);
     Floats tsims(6);
     MOLVA_V_BuildTree(matrix_.nrows, 2, matrix_.rowptr.data(), matrix_.rowind.data(),
-                      matrix_.rowval.data(), kCosine, crfun, kRowNone, kColumnNone, 1.0F,
-                      kClusterTree, 0, 3, part_.data(), ptree.data(), tsims.data());
+                      matrix_.rowval.data(), MOLVA_SIM_COSINE, crfun, MOLVA_ROW_NONE,
+                      MOLVA_COL_NONE, 1.0F, MOLVA_TREE_CLUSTERS, 0, 3, part_.data(), ptree.data(),
+                      tsims.data());
     EXPECT_EQ(ptree, (Ints{3, 3, 4, 4, -1, -1})) << crfun;
     EXPECT_EQ(tsims[3], 1) << crfun;
     EXPECT_EQ(tsims[4], 0) << crfun;
@@ -163,8 +165,8 @@ TEST_F(LargeClusters, AreFoundUnderEveryCriterion) {
   for (int crfun = 1; crfun <= 9; ++crfun) {
     Ints part(At(matrix_.nrows));
     MOLVA_VP_ClusterDirect(matrix_.nrows, 2, matrix_.rowptr.data(), matrix_.rowind.data(),
-                           matrix_.rowval.data(), kCosine, crfun, kRowNone, kColumnNone, 1.0F, 2,
-                           10, 1, 0, 2, part.data());
+                           matrix_.rowval.data(), MOLVA_SIM_COSINE, crfun, MOLVA_ROW_NONE,
+                           MOLVA_COL_NONE, 1.0F, 2, 10, 1, 0, 2, part.data());
     EXPECT_EQ(Stats(matrix_, part, 2).isim, (Floats{1, 1})) << crfun;
     EXPECT_EQ(Quality(matrix_, crfun, part, 2), Quality(matrix_, crfun, by_axis, 2)) << crfun;
   }
@@ -214,9 +216,9 @@ TEST_F(ManyClusters, AreDescribedByTheirAxes) {
   Ints descriptive(At(kClusters)), discriminating(At(kClusters));
   Floats weights(At(kClusters)), discriminating_weights(At(kClusters));
   MOLVA_V_GetClusterFeatures(matrix_.nrows, 8, matrix_.rowptr.data(), matrix_.rowind.data(),
-                             matrix_.rowval.data(), kCosine, kRowNone, kColumnNone, 1.0F, kClusters,
-                             part_.data(), 1, descriptive.data(), weights.data(),
-                             discriminating.data(), discriminating_weights.data());
+                             matrix_.rowval.data(), MOLVA_SIM_COSINE, MOLVA_ROW_NONE,
+                             MOLVA_COL_NONE, 1.0F, kClusters, part_.data(), 1, descriptive.data(),
+                             weights.data(), discriminating.data(), discriminating_weights.data());
   for (int k = 0; k < kClusters; ++k) {
     ASSERT_EQ(descriptive[At(k)], k % 8) << k;
     ASSERT_EQ(weights[At(k)], 1) << k;
@@ -276,9 +278,9 @@ TEST(ChainOfManyLeaves, IsDescribedAtEveryNode) {
   Ints descriptive(ptree.size()), discriminating(ptree.size());
   Floats weights(ptree.size()), discriminating_weights(ptree.size());
   MOLVA_V_GetTreeFeatures(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                          kCosine, kRowNone, kColumnNone, 1.0F, kChain, part.data(), ptree.data(),
-                          1, descriptive.data(), weights.data(), discriminating.data(),
-                          discriminating_weights.data());
+                          MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, kChain,
+                          part.data(), ptree.data(), 1, descriptive.data(), weights.data(),
+                          discriminating.data(), discriminating_weights.data());
   for (int x = 0; x <= 2 * kChain - 2; ++x) {
     ASSERT_EQ(descriptive[At(x)], 1) << x;
     ASSERT_FLOAT_EQ(weights[At(x)], 1) << x;
@@ -336,16 +338,17 @@ TEST(TooManyItems, AreToldBeforeTheirSquareIsAskedFor) {
   Floats tsims(2 * At(kTooMany)), gains(2 * At(kTooMany));
   const auto build = [&](int treetype, int nparts, const Ints& clusters) {
     const SmallBlocksOnly small;
-    MOLVA_V_BuildTree(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                      2, kRowNone, kColumnNone, 1.0F, treetype, 0, nparts, clusters.data(),
-                      ptree.data(), tsims.data());
+    MOLVA_V_BuildTree(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                      MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, treetype, 0,
+                      nparts, clusters.data(), ptree.data(), tsims.data());
   };
-  EXPECT_FATAL(build(kFullTree, 1, one_cluster), refusal);
-  EXPECT_FATAL(build(kClusterTree, kTooMany, own_clusters), refusal);
+  EXPECT_FATAL(build(MOLVA_TREE_ROWS, 1, one_cluster), refusal);
+  EXPECT_FATAL(build(MOLVA_TREE_CLUSTERS, kTooMany, own_clusters), refusal);
   const auto merge_rows = [&] {
     const SmallBlocksOnly small;
-    MOLVA_VA_Cluster(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                     2, kRowNone, kColumnNone, 1.0F, 0, 1, part.data(), ptree.data(), tsims.data());
+    MOLVA_VA_Cluster(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                     MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, 1, part.data(),
+                     ptree.data(), tsims.data());
   };
   EXPECT_FATAL(merge_rows(), refusal);
   for (const int handling : {1, 2}) {
@@ -365,7 +368,8 @@ TEST(TooManyItems, AreNotOrdered) {
   const auto reorder = [&] {
     const SmallBlocksOnly small;
     MOLVA_V_TreeReorder(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                        kCosine, kRowNone, kColumnNone, 1.0F, 0, ptree.data(), ftree.data());
+                        MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, ptree.data(),
+                        ftree.data());
   };
   EXPECT_FATAL(reorder(),
                "***Memory allocation failed for MOLVA_V_TreeReorder: smat. Requested size: "

@@ -73,23 +73,24 @@ Found Clustered() {
       internalwgts(3 * kSize), externalwgts(3 * kSize), tsims(2 * kSize), quality(1);
   Found found;
   found.printed = OutputOf([&] {
-    MOLVA_VP_ClusterRB(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                       2, kRowLog, kColumnIdf, 1.0F, 3, 5, 1, 1, 3, kParts, part.data());
-    MOLVA_V_BuildTree(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                      2, kRowLog, kColumnIdf, 1.0F, kClusterTree, 5, kParts, part.data(),
-                      ptree.data(), tsims.data());
+    MOLVA_VP_ClusterRB(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                       MOLVA_SIM_COSINE, 2, MOLVA_ROW_LOG, MOLVA_COL_IDF, 1.0F, 3, 5, 1, 1, 3,
+                       kParts, part.data());
+    MOLVA_V_BuildTree(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                      MOLVA_SIM_COSINE, 2, MOLVA_ROW_LOG, MOLVA_COL_IDF, 1.0F, MOLVA_TREE_CLUSTERS,
+                      5, kParts, part.data(), ptree.data(), tsims.data());
   });
   quality[0] = MOLVA_V_GetSolutionQuality(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(),
-                                          m.rowval.data(), kCosine, 2, kRowLog, kColumnIdf, 1.0F,
-                                          kParts, part.data());
+                                          m.rowval.data(), MOLVA_SIM_COSINE, 2, MOLVA_ROW_LOG,
+                                          MOLVA_COL_IDF, 1.0F, kParts, part.data());
   MOLVA_V_GetClusterStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                          kCosine, kRowLog, kColumnIdf, 1.0F, kParts, part.data(), pwgts.data(),
-                          isim.data(), isdev.data(), izscores.data(), esim.data(), esdev.data(),
-                          ezscores.data());
+                          MOLVA_SIM_COSINE, MOLVA_ROW_LOG, MOLVA_COL_IDF, 1.0F, kParts, part.data(),
+                          pwgts.data(), isim.data(), isdev.data(), izscores.data(), esim.data(),
+                          esdev.data(), ezscores.data());
   MOLVA_V_GetClusterFeatures(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                             kCosine, kRowLog, kColumnIdf, 1.0F, kParts, part.data(), 3,
-                             internalids.data(), internalwgts.data(), externalids.data(),
-                             externalwgts.data());
+                             MOLVA_SIM_COSINE, MOLVA_ROW_LOG, MOLVA_COL_IDF, 1.0F, kParts,
+                             part.data(), 3, internalids.data(), internalwgts.data(),
+                             externalids.data(), externalwgts.data());
   found.results = {
       part,          pwgts,          internalids,        externalids,        ptree,
       Bits(quality), Bits(isim),     Bits(isdev),        Bits(izscores),     Bits(esim),

@@ -21,11 +21,11 @@ TEST(WorkedExample, IsClusteredAsItIsUnderEveryCriterionByBothMethods) {
     std::vector<int> bisected(4, -1);
     std::vector<int> direct(4, -1);
     MOLVA_VP_ClusterRB(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
-                       molva::kCosine, code, molva::kRowNone, molva::kColumnNone, 1.0F, 10, 10, 1,
-                       0, 0, 2, bisected.data());
+                       MOLVA_SIM_COSINE, code, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 10, 10, 1, 0,
+                       0, 2, bisected.data());
     MOLVA_VP_ClusterDirect(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
-                           molva::kCosine, code, molva::kRowNone, molva::kColumnNone, 1.0F, 10, 10,
-                           1, 0, 2, direct.data());
+                           MOLVA_SIM_COSINE, code, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 10, 10, 1,
+                           0, 2, direct.data());
     EXPECT_EQ(bisected, kPart) << code;
     EXPECT_EQ(direct, kPart) << code;
   }
@@ -36,8 +36,8 @@ TEST(WorkedExample, HasTheNineValues) {
       3.28, 3.6, 7.56, 2.1025, 8.41, 82.0 / 189, 10.0 / 21, 3.6 * std::pow(3.28, 0.25), 4.205};
   for (int code = 1; code <= 9; ++code) {
     const double value = MOLVA_V_GetSolutionQuality(
-        4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(), molva::kCosine, code,
-        molva::kRowNone, molva::kColumnNone, 1.0F, 2, kPart.data());
+        4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(), MOLVA_SIM_COSINE, code,
+        MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 2, kPart.data());
     EXPECT_NEAR(value, values[code - 1], 1e-6 * values[code - 1]) << code;
   }
 }
@@ -46,8 +46,8 @@ TEST(WorkedExample, HasTheMeasuresOfItsClusters) {
   int pwgts[2];
   float isim[2], isdev[2], esim[2], esdev[2], izscores[4], ezscores[4];
   MOLVA_V_GetClusterStats(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
-                          molva::kCosine, molva::kRowNone, molva::kColumnNone, 1.0F, 2,
-                          kPart.data(), pwgts, isim, isdev, izscores, esim, esdev, ezscores);
+                          MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 2, kPart.data(),
+                          pwgts, isim, isdev, izscores, esim, esdev, ezscores);
   EXPECT_EQ(pwgts[0], 2);
   EXPECT_EQ(pwgts[1], 2);
   EXPECT_NEAR(isim[0], 1, 1e-6);
@@ -64,7 +64,7 @@ TEST(WorkedExample, HasTheFeaturesOfItsClusters) {
   int internalids[14], externalids[14];
   float internalwgts[14], externalwgts[14];
   MOLVA_V_GetClusterFeatures(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
-                             molva::kCosine, molva::kRowNone, molva::kColumnNone, 1.0F, 2,
+                             MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 2,
                              kPart.data(), 7, internalids, internalwgts, externalids, externalwgts);
   const double internal[] = {0.81, 0.09, 0.09, 0.01, 0, 0, 0, 0.25, 0.25, 0.25, 0.25, 0, 0, 0};
   const double external[] = {0.81, 0.25, 0.25, 0.25, 0.16, 0.09, 0.09};
@@ -95,7 +95,7 @@ TEST(WorkedExample, HasACompleteTree) {
   std::vector<int> ptree(8);
   std::vector<float> tsims(8);
   MOLVA_V_BuildTree(4, 7, kFour.rowptr.data(), kFour.rowind.data(), kFour.rowval.data(),
-                    molva::kCosine, 2, molva::kRowNone, molva::kColumnNone, 1.0F, 2, 0, 2,
+                    MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 2, 0, 2,
                     kPart.data(), ptree.data(), tsims.data());
   EXPECT_EQ(ptree, (std::vector<int>{4, 4, 5, 5, 6, 6, -1, -1}));
   EXPECT_NEAR(tsims[4], 1, 1e-6);

@@ -16,7 +16,7 @@ namespace {
 using testing_support::SparseMatrix;
 using testing_support::SparseOf;
 
-Owned<PreparedMatrix> MatrixOf(const SparseMatrix& matrix, int simfun = kCosine) {
+Owned<PreparedMatrix> MatrixOf(const SparseMatrix& matrix, int simfun = MOLVA_SIM_COSINE) {
   Owned<PreparedMatrix> mat = CreateMatrix();
   SetUpMatrix({.simfun = simfun}, *mat, matrix.raw());
   return mat;
@@ -41,7 +41,7 @@ TEST(MatrixSetUp, CountsASparseFileWithEveryEntryStoredAsDense) {
 }
 
 TEST(MatrixSetUp, ExpandsSparseRowsForTheCorrelationCoefficient) {
-  const auto mat = MatrixOf(SparseOf({{0, 2, 0}, {3, 0, 4}}), kCorrelation);
+  const auto mat = MatrixOf(SparseOf({{0, 2, 0}, {3, 0, 4}}), MOLVA_SIM_CORRELATION);
   EXPECT_EQ(VectorOf(mat->rowptr), (std::vector<int>{0, 3, 6}));
   EXPECT_EQ(VectorOf(mat->rowind), (std::vector<int>{0, 1, 2, 0, 1, 2}));
   EXPECT_EQ(VectorOf(mat->rowval), (std::vector<float>{0, 2, 0, 3, 0, 4}));
@@ -55,8 +55,9 @@ TEST(MatrixSetUp, KeepsTheLastValueOfAColumnStoredTwiceWhenItExpands) {
   matrix.rowptr = {0, 2};
   matrix.rowind = {1, 1};
   matrix.rowval = {5, 7};
-  EXPECT_EQ(VectorOf(MatrixOf(matrix, kCorrelation)->rowval), (std::vector<float>{0, 7, 0}));
-  EXPECT_EQ(VectorOf(MatrixOf(matrix, kCosine)->rowval), (std::vector<float>{5, 7}));
+  EXPECT_EQ(VectorOf(MatrixOf(matrix, MOLVA_SIM_CORRELATION)->rowval),
+            (std::vector<float>{0, 7, 0}));
+  EXPECT_EQ(VectorOf(MatrixOf(matrix, MOLVA_SIM_COSINE)->rowval), (std::vector<float>{5, 7}));
 }
 
 TEST(MatrixSetUp, BuildsTheFullIndexForDenseInput) {
@@ -96,7 +97,7 @@ TEST(MatrixSetUp, EndsTheRunBeforeItStoresMoreCellsThanAnIntCanNumber) {
   matrix.nrows = 46341;
   matrix.ncols = 46341;
   matrix.rowptr.assign(46342, 0);
-  EXPECT_FATAL(MatrixOf(matrix, kCorrelation),
+  EXPECT_FATAL(MatrixOf(matrix, MOLVA_SIM_CORRELATION),
                "A matrix of 46341 rows and 46341 columns has more cells than 2147483647, the most "
                "that can be stored in full!\n");
 }
@@ -128,18 +129,18 @@ TEST(Preparation, DropsRowsWithoutEntriesAndMapsTheOthersBack) {
   EXPECT_EQ(VectorOf(copy.mat->rowptr)[3], 5);
 
   const std::vector<int> part = {10, 11, 12, 13, 14};
-  MapPartIn(copy, part.data());
+  MapPartIn(copy, part);
   EXPECT_EQ(std::vector<int>(copy.part().begin(), copy.part().end()),
             (std::vector<int>{10, 12, 14}));
   std::vector<int> back(5);
-  MapPartOut(copy, back.data());
+  MapPartOut(copy, back);
   EXPECT_EQ(back, (std::vector<int>{10, -1, 12, -1, 14}));
 }
 
 TEST(Preparation, CountsIdfOverAllRowsBeforeEmptyOnesAreDropped) {
   // Column 0 stands in 2 of 4 rows, column 1 in 2 of 4: equal weights keep 3 : 4.
   const SparseMatrix matrix = SparseOf({{3, 4}, {1, 0}, {0, 1}, {0, 0}});
-  const PreparedCopy copy = MakePreparedCopy({.colmodel = kColumnIdf}, matrix.raw(), "Test");
+  const PreparedCopy copy = MakePreparedCopy({.colmodel = MOLVA_COL_IDF}, matrix.raw(), "Test");
   ASSERT_EQ(copy.mat->nrows, 3);
   EXPECT_FLOAT_EQ(Row(*copy.mat, 0).values[0], 0.6F);
 }
@@ -168,21 +169,21 @@ TEST(Preparation, NamesItsBlocksAfterTheRoutine) {
                                           "SimilarityBasedFeatureSelection: fcand",
                                           "EliminateColumns: cmap"};
   EXPECT_EQ(testing_support::BlockNames(
-                [&] { MakePreparedCopy({.colmodel = kColumnIdf}, matrix.raw(), "Test"); }),
+                [&] { MakePreparedCopy({.colmodel = MOLVA_COL_IDF}, matrix.raw(), "Test"); }),
             names);
 }
 
 // What MOLVA_InternalizeMatrix hands out, copied, and its arrays given back. The maps hold 99 where
 // nothing is written.
 struct Internal {
-  explicit Internal(const SparseMatrix& m, int colmodel = kColumnNone)
+  explicit Internal(const SparseMatrix& m, int colmodel = MOLVA_COL_NONE)
       : rperm(static_cast<std::size_t>(m.nrows), 99), cperm(static_cast<std::size_t>(m.ncols), 99) {
     int* starts = nullptr;
     int* columns = nullptr;
     float* entries = nullptr;
     MOLVA_InternalizeMatrix(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                            kCosine, kRowNone, colmodel, 1.0F, &nrows, &ncols, &starts, &columns,
-                            &entries, rperm.data(), cperm.data());
+                            MOLVA_SIM_COSINE, MOLVA_ROW_NONE, colmodel, 1.0F, &nrows, &ncols,
+                            &starts, &columns, &entries, rperm.data(), cperm.data());
     rowptr.assign(starts, starts + nrows + 1);
     rowind.assign(columns, columns + rowptr.back());
     rowval.assign(entries, entries + rowptr.back());
@@ -211,8 +212,8 @@ TEST(InternalizeMatrix, HandsOutThePreparedMatrixAndItsMaps) {
 
 TEST(InternalizeMatrix, PreparesAsTheOtherEntryPointsDo) {
   const SparseMatrix matrix = testing_support::RandomDocuments(4, 30, 40, 3, 6);
-  const Internal m(matrix, kColumnIdf);
-  const auto mat = testing_support::Prepared(matrix, {.colmodel = kColumnIdf});
+  const Internal m(matrix, MOLVA_COL_IDF);
+  const auto mat = testing_support::Prepared(matrix, {.colmodel = MOLVA_COL_IDF});
   EXPECT_EQ(m.rowptr, VectorOf(mat->rowptr));
   EXPECT_EQ(m.rowind,
             std::vector<int>(mat->rowind.begin(), mat->rowind.begin() + EntryCount(*mat)));
@@ -227,9 +228,9 @@ TEST(InternalizeMatrix, FillsUpADenseMatrix) {
   int* rowind = nullptr;
   float* rowval = nullptr;
   std::vector<int> rperm(2), cperm(2);
-  MOLVA_InternalizeMatrix(2, 2, nullptr, nullptr, values.data(), kCosine, kRowNone, kColumnNone,
-                          1.0F, &nrows, &ncols, &rowptr, &rowind, &rowval, rperm.data(),
-                          cperm.data());
+  MOLVA_InternalizeMatrix(2, 2, nullptr, nullptr, values.data(), MOLVA_SIM_COSINE, MOLVA_ROW_NONE,
+                          MOLVA_COL_NONE, 1.0F, &nrows, &ncols, &rowptr, &rowind, &rowval,
+                          rperm.data(), cperm.data());
   EXPECT_EQ(std::vector<int>(rowptr, rowptr + 3), (std::vector<int>{0, 2, 4}));
   EXPECT_EQ(std::vector<float>(rowval, rowval + 4), (std::vector<float>{0.6F, 0.8F, 0, 1}));
   EXPECT_EQ(rperm, (std::vector<int>{0, 1}));

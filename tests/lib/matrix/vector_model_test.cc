@@ -39,31 +39,31 @@ std::vector<float> Scaled(const std::vector<float>& values, int rowmodel) {
 }
 
 TEST(RowModel, NoneLeavesTheRowAsItIs) {
-  EXPECT_EQ(Scaled({2, -4, 0}, kRowNone), (std::vector<float>{2, -4, 0}));
+  EXPECT_EQ(Scaled({2, -4, 0}, MOLVA_ROW_NONE), (std::vector<float>{2, -4, 0}));
 }
 
 TEST(RowModel, MaxTfDividesByTheLargestMagnitude) {
-  EXPECT_EQ(Scaled({2, 4, 1}, kRowMaxTf), (std::vector<float>{0.75F, 1, 0.625F}));
+  EXPECT_EQ(Scaled({2, 4, 1}, MOLVA_ROW_MAXTF), (std::vector<float>{0.75F, 1, 0.625F}));
 }
 
 TEST(RowModel, MaxTfTurnsTheLargestNegativeEntryIntoZeroAndAStoredZeroIntoAHalf) {
-  EXPECT_EQ(Scaled({2, -4, 0}, kRowMaxTf), (std::vector<float>{0.75F, 0, 0.5F}));
+  EXPECT_EQ(Scaled({2, -4, 0}, MOLVA_ROW_MAXTF), (std::vector<float>{0.75F, 0, 0.5F}));
 }
 
 TEST(RowModel, MaxTfOfStoredZerosIsNotANumber) {
-  for (const float v : Scaled({0, 0}, kRowMaxTf)) EXPECT_TRUE(std::isnan(v));
+  for (const float v : Scaled({0, 0}, MOLVA_ROW_MAXTF)) EXPECT_TRUE(std::isnan(v));
 }
 
 TEST(RowModel, SqrtKeepsTheSignAndSkipsZeros) {
-  EXPECT_EQ(Scaled({4, -9, 0}, kRowSqrt), (std::vector<float>{3, -2, 0}));
+  EXPECT_EQ(Scaled({4, -9, 0}, MOLVA_ROW_SQRT), (std::vector<float>{3, -2, 0}));
 }
 
 TEST(RowModel, LogIsBaseTwoAndSkipsZeros) {
-  EXPECT_EQ(Scaled({8, 1, 0.25F, 0}, kRowLog), (std::vector<float>{4, 1, -1, 0}));
+  EXPECT_EQ(Scaled({8, 1, 0.25F, 0}, MOLVA_ROW_LOG), (std::vector<float>{4, 1, -1, 0}));
 }
 
 TEST(RowModel, LogOfANegativeEntryIsNotANumber) {
-  EXPECT_TRUE(std::isnan(Scaled({-2, 1}, kRowLog)[0]));
+  EXPECT_TRUE(std::isnan(Scaled({-2, 1}, MOLVA_ROW_LOG)[0]));
 }
 
 TEST(RowModel, EndsTheRunOnAnUnknownCode) {
@@ -74,7 +74,7 @@ TEST(RowModel, EndsTheRunOnAnUnknownCode) {
 TEST(ColumnModel, IdfMultipliesByTheLogarithmOfTheInverseShareOfRows) {
   // Column 0 is stored in 2 of 4 rows, column 1 in 1 of 4.
   const auto mat = PreparedOf({{3, 0}, {1, 0}, {0, 5}, {0, 0}});
-  ComputeScaleFactors({.colmodel = kColumnIdf}, *mat);
+  ComputeScaleFactors({.colmodel = MOLVA_COL_IDF}, *mat);
   const auto ln2 = static_cast<float>(std::log(2.0L));
   const auto ln4 = static_cast<float>(std::log(4.0L));
   EXPECT_EQ(Values(*mat), (std::vector<float>{3 * ln2, ln2, 5 * ln4}));
@@ -82,7 +82,7 @@ TEST(ColumnModel, IdfMultipliesByTheLogarithmOfTheInverseShareOfRows) {
 
 TEST(ColumnModel, IdfGivesAColumnOfEveryRowTheWeightMinusZero) {
   const auto mat = PreparedOf({{3, 0}, {1, 2}});
-  ComputeScaleFactors({.colmodel = kColumnIdf}, *mat);
+  ComputeScaleFactors({.colmodel = MOLVA_COL_IDF}, *mat);
   EXPECT_EQ(mat->rowval[0], 0);
   EXPECT_TRUE(std::signbit(mat->rowval[0]));
 }
@@ -96,13 +96,13 @@ TEST(ColumnModel, IdfCountsAStoredZero) {
   matrix.rowval = {0, 7};
   const auto mat = CreateMatrix();
   SetUpMatrix({}, *mat, matrix.raw());
-  ComputeScaleFactors({.colmodel = kColumnIdf}, *mat);
+  ComputeScaleFactors({.colmodel = MOLVA_COL_IDF}, *mat);
   EXPECT_EQ(mat->rowval[1], 0);
 }
 
 TEST(ColumnModel, IdfEndsTheRunWhenEveryEntryIsStored) {
   const auto mat = PreparedOf({{1, 2}, {3, 4}});
-  EXPECT_FATAL(ComputeScaleFactors({.colmodel = kColumnIdf}, *mat),
+  EXPECT_FATAL(ComputeScaleFactors({.colmodel = MOLVA_COL_IDF}, *mat),
                "IDF column model only applies to sparse matrices and non-correlation-coefficient "
                "similarities!\n");
 }
@@ -114,25 +114,25 @@ TEST(ColumnModel, EndsTheRunOnAnUnknownCode) {
 
 TEST(Normalisation, CosineMakesUnitRows) {
   const auto mat = PreparedOf({{3, 4}, {0, 2}});
-  NormalizeRows({.simfun = kCosine}, *mat);
+  NormalizeRows({.simfun = MOLVA_SIM_COSINE}, *mat);
   EXPECT_EQ(Values(*mat), (std::vector<float>{0.6F, 0.8F, 1}));
 }
 
 TEST(Normalisation, ScalesByTheInverseLengthRoundedToSinglePrecision) {
   const auto mat = PreparedOf({{1, 1, 1}});
-  NormalizeRows({.simfun = kCosine}, *mat);
+  NormalizeRows({.simfun = MOLVA_SIM_COSINE}, *mat);
   EXPECT_EQ(mat->rowval[0], static_cast<float>(1 / std::sqrt(3.0L)));
 }
 
 TEST(Normalisation, LeavesAZeroRowAsItIs) {
   const auto mat = OneRow({0, 0});
-  NormalizeRows({.simfun = kCosine}, *mat);
+  NormalizeRows({.simfun = MOLVA_SIM_COSINE}, *mat);
   EXPECT_EQ(Values(*mat), (std::vector<float>{0, 0}));
 }
 
 TEST(Normalisation, CorrelationSubtractsTheMeanOverAllColumnsFirst) {
   const auto mat = OneRow({1, 2, 3});
-  NormalizeRows({.simfun = kCorrelation}, *mat);
+  NormalizeRows({.simfun = MOLVA_SIM_CORRELATION}, *mat);
   const auto root_half = static_cast<float>(1 / std::sqrt(2.0L));
   EXPECT_EQ(Values(*mat), (std::vector<float>{-root_half, 0, root_half}));
 }
@@ -140,7 +140,7 @@ TEST(Normalisation, CorrelationSubtractsTheMeanOverAllColumnsFirst) {
 TEST(Normalisation, CorrelationDividesTheMeanByTheColumnsNotByTheStoredEntries) {
   // Stored 4 and 8 of four columns: mean 3, so 1 and 5 are scaled to unit length.
   const auto mat = PreparedOf({{4, 8, 0, 0}});
-  NormalizeRows({.simfun = kCorrelation}, *mat);
+  NormalizeRows({.simfun = MOLVA_SIM_CORRELATION}, *mat);
   const auto scale = static_cast<float>(1 / std::sqrt(26.0L));
   EXPECT_EQ(Values(*mat), (std::vector<float>{scale, 5 * scale}));
 }

@@ -151,9 +151,9 @@ TEST(ClusterFeatures, RankEveryColumnByItsWeight) {
 Features OfMatrix(const SparseMatrix& m, const Ids& part, int nparts, int nfeatures) {
   Features f(nparts, nfeatures);
   MOLVA_V_GetClusterFeatures(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                             kCosine, kRowNone, kColumnNone, 1.0F, nparts, part.data(), nfeatures,
-                             f.internalids.data(), f.internalwgts.data(), f.externalids.data(),
-                             f.externalwgts.data());
+                             MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, nparts,
+                             part.data(), nfeatures, f.internalids.data(), f.internalwgts.data(),
+                             f.externalids.data(), f.externalwgts.data());
   return f;
 }
 

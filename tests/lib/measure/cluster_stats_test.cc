@@ -131,9 +131,9 @@ TEST(ClusterStatsEntryPoint, ReturnsScoresInTheCallersRowOrder) {
   s.izscores.assign(6, 99);
   s.ezscores.assign(6, 99);
   MOLVA_V_GetClusterStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                          kCosine, kRowNone, kColumnNone, 1.0F, 2, part.data(), s.pwgts.data(),
-                          s.isim.data(), s.isdev.data(), s.izscores.data(), s.esim.data(),
-                          s.esdev.data(), s.ezscores.data());
+                          MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 2, part.data(),
+                          s.pwgts.data(), s.isim.data(), s.isdev.data(), s.izscores.data(),
+                          s.esim.data(), s.esdev.data(), s.ezscores.data());
   EXPECT_EQ(s.izscores[1], 99);
   EXPECT_EQ(s.ezscores[1], 99);
   EXPECT_NEAR(s.izscores[2], 1 / std::sqrt(3.0), 1e-6);
@@ -145,9 +145,9 @@ TEST(ClusterStatsEntryPoint, DoesWithoutScores) {
   const std::vector<int> part = {0, 0, 1, 1};
   Stats s(2, 4);
   MOLVA_V_GetClusterStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                          kCosine, kRowNone, kColumnNone, 1.0F, 2, part.data(), s.pwgts.data(),
-                          s.isim.data(), s.isdev.data(), nullptr, s.esim.data(), s.esdev.data(),
-                          nullptr);
+                          MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 2, part.data(),
+                          s.pwgts.data(), s.isim.data(), s.isdev.data(), nullptr, s.esim.data(),
+                          s.esdev.data(), nullptr);
   EXPECT_EQ(s.isim, (std::vector<float>{1, 1}));
 }
 

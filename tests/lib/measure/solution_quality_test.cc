@@ -73,8 +73,8 @@ TEST(SolutionQualityEntryPoint, MeasuresInThePreparedSpace) {
   const SparseMatrix m = SparseOf({{3, 0}, {7, 0}, {0, 1}, {0, 9}});
   const std::vector<int> part = {0, 0, 1, 1};
   EXPECT_FLOAT_EQ(MOLVA_V_GetSolutionQuality(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(),
-                                             m.rowval.data(), kCosine, 2, kRowNone, kColumnNone,
-                                             1.0F, 2, part.data()),
+                                             m.rowval.data(), MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE,
+                                             MOLVA_COL_NONE, 1.0F, 2, part.data()),
                   4);
 }
 

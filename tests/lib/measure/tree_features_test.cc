@@ -169,9 +169,9 @@ Features OfMatrix(const SparseMatrix& m, const Ids& part, const Ids& ptree, int 
   const int nparts = static_cast<int>(ptree.size() / 2);
   Features f(2 * nparts, nfeatures);
   MOLVA_V_GetTreeFeatures(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                          kCosine, kRowNone, kColumnNone, 1.0F, nparts, part.data(), ptree.data(),
-                          nfeatures, f.internalids.data(), f.internalwgts.data(),
-                          f.externalids.data(), f.externalwgts.data());
+                          MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, nparts,
+                          part.data(), ptree.data(), nfeatures, f.internalids.data(),
+                          f.internalwgts.data(), f.externalids.data(), f.externalwgts.data());
   return f;
 }
 

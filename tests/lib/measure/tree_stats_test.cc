@@ -152,9 +152,9 @@ TEST(TreeStats, EqualTheAveragesOverAllPairs) {
 NodeStats OfMatrix(const SparseMatrix& m, const Ints& part, const Ints& ptree) {
   const int nparts = static_cast<int>(ptree.size() / 2);
   NodeStats s(nparts);
-  MOLVA_V_GetTreeStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                       kRowNone, kColumnNone, 1.0F, nparts, part.data(), ptree.data(),
-                       s.pwgts.data(), s.isims.data(), s.xsims.data());
+  MOLVA_V_GetTreeStats(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                       MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, nparts, part.data(),
+                       ptree.data(), s.pwgts.data(), s.isims.data(), s.xsims.data());
   return s;
 }
 

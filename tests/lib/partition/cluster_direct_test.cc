@@ -22,8 +22,8 @@ using testing_support::SparseOf;
 std::vector<int> Direct(const SparseMatrix& m, int nparts, int crfun = 2, int dbglvl = 0) {
   std::vector<int> part(static_cast<std::size_t>(m.nrows), -7);
   MOLVA_VP_ClusterDirect(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
-                         kCosine, crfun, kRowNone, kColumnNone, 1.0F, 10, 10, 1, dbglvl, nparts,
-                         part.data());
+                         MOLVA_SIM_COSINE, crfun, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 10, 10, 1,
+                         dbglvl, nparts, part.data());
   return part;
 }
 
@@ -66,8 +66,8 @@ TEST(DirectClustering, ClustersDenseRowsByCorrelation) {
   // Rising and falling rows at different levels and scales: correlation sees only the direction.
   const std::vector<float> values = {1, 2, 3, 9, 6, 3, 11, 12, 13, 5, 4, 3, 0, 50, 100, 7, 0, -7};
   std::vector<int> part(6);
-  MOLVA_VP_ClusterDirect(6, 3, nullptr, nullptr, values.data(), kCorrelation, 2, kRowNone,
-                         kColumnNone, 1.0F, 10, 10, 1, 0, 2, part.data());
+  MOLVA_VP_ClusterDirect(6, 3, nullptr, nullptr, values.data(), MOLVA_SIM_CORRELATION, 2,
+                         MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 10, 10, 1, 0, 2, part.data());
   EXPECT_EQ(part[0], part[2]);
   EXPECT_EQ(part[0], part[4]);
   EXPECT_EQ(part[1], part[3]);

@@ -22,7 +22,7 @@ using testing_support::SparseOf;
 
 struct Options {
   int crfun = 2;
-  int colmodel = kColumnNone;
+  int colmodel = MOLVA_COL_NONE;
   int ntrials = 10;
   int refine = 0;
   int dbglvl = 0;
@@ -31,9 +31,10 @@ struct Options {
 
 std::vector<int> Bisected(const SparseMatrix& m, int nparts, const Options& options = {}) {
   std::vector<int> part(static_cast<std::size_t>(m.nrows), -7);
-  MOLVA_VP_ClusterRB(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                     options.crfun, kRowNone, options.colmodel, 1.0F, options.ntrials, 10,
-                     options.seed, options.refine, options.dbglvl, nparts, part.data());
+  MOLVA_VP_ClusterRB(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                     MOLVA_SIM_COSINE, options.crfun, MOLVA_ROW_NONE, options.colmodel, 1.0F,
+                     options.ntrials, 10, options.seed, options.refine, options.dbglvl, nparts,
+                     part.data());
   return part;
 }
 
@@ -105,8 +106,8 @@ TEST(RepeatedBisection, AGlobalRefinementDoesNotWorsenTheCriterion) {
   const SparseMatrix m = RandomDocuments(6, 120, 90, 7, 7);
   const auto quality = [&m](const std::vector<int>& part) {
     return MOLVA_V_GetSolutionQuality(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(),
-                                      m.rowval.data(), kCosine, 2, kRowNone, kColumnNone, 1.0F, 7,
-                                      part.data());
+                                      m.rowval.data(), MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE,
+                                      MOLVA_COL_NONE, 1.0F, 7, part.data());
   };
   EXPECT_GT(quality(Bisected(m, 7, {.refine = 1})), quality(Bisected(m, 7)));
 }

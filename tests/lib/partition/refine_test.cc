@@ -165,7 +165,7 @@ TEST(Refinement, GoesOnFromTheNewClusterAfterAMove) {
   std::vector<int> part = {0, 0, 0, 1, 1, 2, 2, 0};
   SeedBoth(1);
   const std::string progress = OutputOf([&] {
-    RefineClusteringKWay({.crfun = 2, .niter = 1, .dbglvl = kDebugRefinement}, *mat, 3, part);
+    RefineClusteringKWay({.crfun = 2, .niter = 1, .dbglvl = MOLVA_DBG_REFINEMENT}, *mat, 3, part);
   });
   EXPECT_EQ(part, (std::vector<int>{0, 0, 0, 1, 1, 2, 2, 2}));
   // Both steps of the one visit are counted: I2 is 3 + 2 + 3 rows of unit length, per row 1.
@@ -177,8 +177,8 @@ TEST(RefinementProgress, ReportsTheStartAndOnePairPerPass) {
   const auto mat = PreparedOf({{1, 0}, {1, 0}, {0, 1}, {0, 1}});
   std::vector<int> part = {0, 0, 1, 1};
   EXPECT_EQ(OutputOf([&] {
-              RefineClusteringKWay({.crfun = 2, .niter = 10, .dbglvl = kDebugRefinement}, *mat, 2,
-                                   part);
+              RefineClusteringKWay({.crfun = 2, .niter = 10, .dbglvl = MOLVA_DBG_REFINEMENT}, *mat,
+                                   2, part);
             }),
             "\nInit: 1.0000, 0 1.0000, \n");
 }
@@ -187,8 +187,8 @@ TEST(RefinementProgress, HasNoPairWithoutPasses) {
   const auto mat = PreparedOf({{1, 0}, {1, 0}, {0, 1}, {0, 1}});
   std::vector<int> part = {0, 0, 1, 1};
   EXPECT_EQ(OutputOf([&] {
-              RefineClusteringKWay({.crfun = 1, .niter = 0, .dbglvl = kDebugRefinement}, *mat, 2,
-                                   part);
+              RefineClusteringKWay({.crfun = 1, .niter = 0, .dbglvl = MOLVA_DBG_REFINEMENT}, *mat,
+                                   2, part);
             }),
             "\nInit: 1.0000, \n");
 }
@@ -198,7 +198,8 @@ TEST(RefinementProgress, StartsWithAnExtraLineWhereTheWholeCollectionIsLookedAt)
   for (int code = 1; code <= 9; ++code) {
     std::vector<int> part = {0, 0, 1, 1};
     const std::string progress = OutputOf([&] {
-      RefineClusteringKWay({.crfun = code, .niter = 0, .dbglvl = kDebugRefinement}, *mat, 2, part);
+      RefineClusteringKWay({.crfun = code, .niter = 0, .dbglvl = MOLVA_DBG_REFINEMENT}, *mat, 2,
+                           part);
     });
     const bool looks_at_whole = code != 1 && code != 2 && code != 8;
     EXPECT_EQ(progress.substr(0, 7), looks_at_whole ? "\n\nInit:" : "\nInit: ") << code;

@@ -59,7 +59,7 @@ TEST(Trials, ATieKeepsTheEarlierTrial) {
 TEST(Trials, ReportTheSizesAndTheBestQuality) {
   const auto mat = PreparedOf({{1, 0}, {0, 1}});
   EXPECT_EQ(OutputOf([&] {
-              Best({.crfun = 2, .ntrials = 2, .niter = 5, .dbglvl = kDebugClustering}, *mat, 2);
+              Best({.crfun = 2, .ntrials = 2, .niter = 5, .dbglvl = MOLVA_DBG_CLUSTERING}, *mat, 2);
             }),
             "\n------------------------------------------------------------------------------\n"
             "Testing [nrows:2 ncols:2 nnz:2]>Sim: 1.0000\n"
@@ -69,7 +69,7 @@ TEST(Trials, ReportTheSizesAndTheBestQuality) {
 TEST(Trials, StartRefinementProgressOnALineOfItsOwn) {
   const auto mat = PreparedOf({{1, 0}, {0, 1}});
   EXPECT_EQ(OutputOf([&] {
-              Best({.crfun = 2, .ntrials = 1, .niter = 5, .dbglvl = kDebugRefinement}, *mat, 2);
+              Best({.crfun = 2, .ntrials = 1, .niter = 5, .dbglvl = MOLVA_DBG_REFINEMENT}, *mat, 2);
             }),
             "\n\nInit: 1.0000, 0 1.0000, \n");
 }

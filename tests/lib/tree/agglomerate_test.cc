@@ -288,7 +288,7 @@ TEST(Merging, TakesWeightsThatAddUpToMoreThanAnInt) {
       Tree tree(3);
       std::vector<float> smat = rows.smat;
       const std::string output = OutputOf([&] {
-        MOLVA_SA_Cluster(3, weights.data(), smat.data(), crfun, 2, kDebugMerging, 1,
+        MOLVA_SA_Cluster(3, weights.data(), smat.data(), crfun, 2, MOLVA_DBG_MERGING, 1,
                          tree.part.data(), tree.ptree.data(), tree.tsims.data(), tree.gains.data());
       });
       EXPECT_NE(output.find(std::to_string(weight) + "], CRval="), std::string::npos);

@@ -36,10 +36,10 @@ struct Tree {
 
 Tree Built(const SparseMatrix& m, int treetype, int nparts, const std::vector<int>& part,
            int crfun = 2) {
-  Tree tree(treetype == kFullTree ? m.nrows : nparts);
-  MOLVA_V_BuildTree(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                    crfun, kRowNone, kColumnNone, 1.0F, treetype, 0, nparts, part.data(),
-                    tree.ptree.data(), tree.tsims.data());
+  Tree tree(treetype == MOLVA_TREE_ROWS ? m.nrows : nparts);
+  MOLVA_V_BuildTree(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                    MOLVA_SIM_COSINE, crfun, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, treetype, 0,
+                    nparts, part.data(), tree.ptree.data(), tree.tsims.data());
   return tree;
 }
 
@@ -74,7 +74,7 @@ TEST(TreeOverClusters, HasTheClustersAsLeavesAndAverageSimilaritiesAtNodes) {
     const auto mat = Prepared(matrix);
     ASSERT_EQ(mat->nrows, 60);
     const std::vector<int> part = RandomPart(3, 60, 7);
-    const Tree tree = Built(matrix, kClusterTree, 7, part, crfun);
+    const Tree tree = Built(matrix, MOLVA_TREE_CLUSTERS, 7, part, crfun);
     ExpectBinaryTree(tree.ptree);
     const std::vector<std::set<int>> clusters = LeafSets(tree.ptree);
     for (std::size_t x = 7; x < 13; ++x) {
@@ -101,14 +101,14 @@ TEST(TreeOverClusters, JoinsTheMostSimilarClustersFirst) {
   // Clusters 0 and 2 share a column, cluster 1 stands apart.
   const SparseMatrix matrix = SparseOf(
       {{1, 1, 0, 0}, {1, 1, 0, 0}, {0, 0, 0, 1}, {0, 0, 0, 1}, {0, 1, 1, 0}, {0, 1, 1, 0}});
-  const Tree tree = Built(matrix, kClusterTree, 3, {0, 0, 1, 1, 2, 2});
+  const Tree tree = Built(matrix, MOLVA_TREE_CLUSTERS, 3, {0, 0, 1, 1, 2, 2});
   EXPECT_EQ(tree.ptree, (std::vector<int>{3, 4, 3, 4, -1, -1}));
   EXPECT_FLOAT_EQ(tree.tsims[3], 0.5F);
   EXPECT_FLOAT_EQ(tree.tsims[4], 0);
 }
 
 TEST(TreeOverClusters, OfOneClusterHasNoMerge) {
-  const Tree tree = Built(SparseOf({{1, 0}, {0, 1}, {1, 1}}), kClusterTree, 1, {0, 0, 0});
+  const Tree tree = Built(SparseOf({{1, 0}, {0, 1}, {1, 1}}), MOLVA_TREE_CLUSTERS, 1, {0, 0, 0});
   EXPECT_EQ(tree.ptree, (std::vector<int>{-1, -1}));
   EXPECT_EQ(tree.tsims, (std::vector<float>{0, 0}));
 }
@@ -117,13 +117,13 @@ TEST(TreeOverClusters, LeavesEmptyClustersOut) {
   // Clusters 1 and 3 of five are empty: leaves 0, 2 and 4 are joined by nodes 5 and 6.
   const SparseMatrix matrix = SparseOf(
       {{1, 1, 0, 0}, {1, 1, 0, 0}, {0, 0, 0, 1}, {0, 0, 0, 1}, {0, 1, 1, 0}, {0, 1, 1, 0}});
-  const Tree tree = Built(matrix, kClusterTree, 5, {0, 0, 2, 2, 4, 4});
+  const Tree tree = Built(matrix, MOLVA_TREE_CLUSTERS, 5, {0, 0, 2, 2, 4, 4});
   EXPECT_EQ(tree.ptree, (std::vector<int>{5, -1, 6, -1, 5, 6, -1, -1, -1, -1}));
   EXPECT_FLOAT_EQ(tree.tsims[5], 0.5F);
 }
 
 TEST(TreeOverClusters, IsEmptyWhenAllClustersButOneAre) {
-  const Tree tree = Built(SparseOf({{1, 0}, {0, 1}, {1, 1}}), kClusterTree, 3, {1, 1, 1});
+  const Tree tree = Built(SparseOf({{1, 0}, {0, 1}, {1, 1}}), MOLVA_TREE_CLUSTERS, 3, {1, 1, 1});
   EXPECT_EQ(tree.ptree, std::vector<int>(6, -1));
 }
 
@@ -131,7 +131,7 @@ TEST(CompleteTree, KeepsEveryClusterAsASubtree) {
   for (int crfun = 1; crfun <= 7; ++crfun) {
     const SparseMatrix matrix = RandomDocuments(4, 50, 40, 4, 9);
     const std::vector<int> part = RandomPart(4, 50, 6);
-    const Tree tree = Built(matrix, kFullTree, 6, part, crfun);
+    const Tree tree = Built(matrix, MOLVA_TREE_ROWS, 6, part, crfun);
     ExpectBinaryTree(tree.ptree);
     const std::vector<std::set<int>> rows = LeafSets(tree.ptree);
     for (int k = 0; k < 6; ++k) {
@@ -146,7 +146,7 @@ TEST(CompleteTree, KeepsEveryClusterAsASubtree) {
 
 TEST(CompleteTree, HangsASingleRowDirectlyBelowTheClusters) {
   const SparseMatrix matrix = SparseOf({{1, 1, 0}, {1, 1, 0}, {0, 1, 1}, {0, 0, 1}});
-  const Tree tree = Built(matrix, kFullTree, 2, {0, 0, 0, 1});
+  const Tree tree = Built(matrix, MOLVA_TREE_ROWS, 2, {0, 0, 0, 1});
   EXPECT_EQ(tree.ptree[3], 6);
 }
 
@@ -155,7 +155,7 @@ TEST(CompleteTree, NumbersParentsAgainButNotSimilarities) {
   const SparseMatrix matrix = SparseOf(
       {{1, 1, 0, 0}, {1, 1, 0, 0}, {0, 0, 1, 1}, {0, 0, 3, 4}, {1, 1, 0, 0}, {0, 0, 1, 1}});
   const std::vector<int> part = {0, 0, 1, 1, 0, 1};
-  const Tree tree = Built(matrix, kFullTree, 2, part);
+  const Tree tree = Built(matrix, MOLVA_TREE_ROWS, 2, part);
   // Cluster 0 makes nodes 6 and 7 (three equal rows, gains 0), cluster 1 nodes 8 and 9 (first rows
   // 2 and 5, gain 0, then row 3), the root is 10. Top down, node 9 gains less than node 7, so it is
   // next below the root; then 7 and 8 are open with gains of 0.
@@ -172,7 +172,7 @@ TEST(CompleteTree, NumbersParentsAgainButNotSimilarities) {
 TEST(CompleteTree, ShiftsInternalNodesWhenPreparationDropsRows) {
   // Rows 1 and 4 are empty. Four prepared rows in two pairs: the root is node 6 + 4 - 2 = 8.
   const SparseMatrix matrix = SparseOf({{1, 0}, {0, 0}, {0, 1}, {1, 0}, {0, 0}, {0, 1}});
-  const Tree tree = Built(matrix, kFullTree, 2, {0, -1, 1, 0, -1, 1});
+  const Tree tree = Built(matrix, MOLVA_TREE_ROWS, 2, {0, -1, 1, 0, -1, 1});
   const std::vector<int>& p = tree.ptree;
   EXPECT_EQ(p[1], -1);
   EXPECT_EQ(p[4], -1);
@@ -193,7 +193,7 @@ TEST(CompleteTree, ShiftsTheMissingParentOfALoneRowToo) {
   doubled.rowptr = {0, 1, 3, 4};
   doubled.rowind = {0, 1, 1, 2};
   doubled.rowval = {1, 1, 1, 1};
-  const Tree tree = Built(doubled, kFullTree, 1, {-1, 0, -1});
+  const Tree tree = Built(doubled, MOLVA_TREE_ROWS, 1, {-1, 0, -1});
   EXPECT_EQ(tree.ptree, (std::vector<int>{-1, 1, -1, -1, -1, -1}));
   Array<int> ftree = MakeChildTable(tree.ptree, "Test: ftree");
   EXPECT_EQ(FindRoot(ChildTable(ftree)), 0);
@@ -201,7 +201,7 @@ TEST(CompleteTree, ShiftsTheMissingParentOfALoneRowToo) {
 
 TEST(CompleteTree, SkipsEmptyClusters) {
   const SparseMatrix matrix = SparseOf({{1, 0}, {1, 0}, {0, 1}, {0, 1}});
-  const Tree tree = Built(matrix, kFullTree, 5, {4, 4, 1, 1});
+  const Tree tree = Built(matrix, MOLVA_TREE_ROWS, 5, {4, 4, 1, 1});
   ExpectBinaryTree(tree.ptree);
   EXPECT_EQ(tree.ptree[0], tree.ptree[1]);
   EXPECT_EQ(tree.ptree[2], tree.ptree[3]);
@@ -211,8 +211,9 @@ TEST(CompleteTree, OfOneRowIsALeaf) {
   const std::vector<float> values = {1, 2};
   Tree tree(1);
   const std::vector<int> part = {0};
-  MOLVA_V_BuildTree(1, 2, nullptr, nullptr, values.data(), kCosine, 2, kRowNone, kColumnNone, 1.0F,
-                    kFullTree, 0, 1, part.data(), tree.ptree.data(), tree.tsims.data());
+  MOLVA_V_BuildTree(1, 2, nullptr, nullptr, values.data(), MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE,
+                    MOLVA_COL_NONE, 1.0F, MOLVA_TREE_ROWS, 0, 1, part.data(), tree.ptree.data(),
+                    tree.tsims.data());
   EXPECT_EQ(tree.ptree, (std::vector<int>{-1, -1}));
 }
 
@@ -244,13 +245,13 @@ TEST(BuildTree, OverANegativeNumberOfClustersIsEmpty) {
   const SparseMatrix empty = SparseOf({{0, 0}, {0, 0}});
   for (const int nparts : {-1, -2, -1000}) {
     Tree tree(1);
-    MOLVA_V_BuildTree(2, 2, empty.rowptr.data(), empty.rowind.data(), nullptr, kCosine, 2, kRowNone,
-                      kColumnNone, 1.0F, kClusterTree, 0, nparts, std::vector{0, 0}.data(),
-                      tree.ptree.data(), tree.tsims.data());
+    MOLVA_V_BuildTree(2, 2, empty.rowptr.data(), empty.rowind.data(), nullptr, MOLVA_SIM_COSINE, 2,
+                      MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, MOLVA_TREE_CLUSTERS, 0, nparts,
+                      std::vector{0, 0}.data(), tree.ptree.data(), tree.tsims.data());
     EXPECT_EQ(tree.ptree, (std::vector<int>{-9, -9}));
-    EXPECT_EQ(Built(empty, kFullTree, nparts, {0, 0}).ptree, std::vector<int>(4, -1));
+    EXPECT_EQ(Built(empty, MOLVA_TREE_ROWS, nparts, {0, 0}).ptree, std::vector<int>(4, -1));
   }
-  EXPECT_FATAL(Built(SparseOf({{1, 0}, {1, 1}, {0, 1}}), kFullTree, -1, {0, 0, 0}),
+  EXPECT_FATAL(Built(SparseOf({{1, 0}, {1, 1}, {0, 1}}), MOLVA_TREE_ROWS, -1, {0, 0, 0}),
                "A complete tree needs a cluster for every row! Row=0, Cluster=0\n");
 }
 
@@ -262,7 +263,7 @@ TEST(BuildTree, EndsTheRunOnAnUnknownType) {
 
 TEST(BuildTree, EndsTheRunOnCriteriaThatMergingCannotServe) {
   const SparseMatrix matrix = SparseOf({{1, 0}, {1, 1}, {0, 1}});
-  for (const int treetype : {kClusterTree, kFullTree}) {
+  for (const int treetype : {MOLVA_TREE_CLUSTERS, MOLVA_TREE_ROWS}) {
     EXPECT_FATAL(Built(matrix, treetype, 1, {0, 0, 0}, 8),
                  "Unknown clustering criterion function (CRFun) of 8\n");
   }
@@ -270,20 +271,20 @@ TEST(BuildTree, EndsTheRunOnCriteriaThatMergingCannotServe) {
 
 TEST(BuildTree, EndsTheRunOnARowWithoutAClusterInACompleteTree) {
   const SparseMatrix matrix = SparseOf({{1, 0}, {1, 1}, {0, 1}});
-  EXPECT_FATAL(Built(matrix, kFullTree, 2, {0, 2, 1}),
+  EXPECT_FATAL(Built(matrix, MOLVA_TREE_ROWS, 2, {0, 2, 1}),
                "A complete tree needs a cluster for every row! Row=1, Cluster=2\n");
 }
 
 TEST(BuildTree, EndsTheRunBeforeItAsksForTheMatrixOfTooManyItems) {
   const SparseMatrix matrix = SparseOf({{1, 0}, {1, 1}, {0, 1}});
-  EXPECT_FATAL(Built(matrix, kClusterTree, 65537, {0, 0, 0}),
+  EXPECT_FATAL(Built(matrix, MOLVA_TREE_CLUSTERS, 65537, {0, 0, 0}),
                "A tree over 65537 items cannot be built, the most is 65536!\n");
   const std::vector<float> values(2 * 65537, 1.0F);
   const std::vector<int> part(65537, 0);
   Tree tree(65537);
-  EXPECT_FATAL(MOLVA_V_BuildTree(65537, 2, nullptr, nullptr, values.data(), kCosine, 2, kRowNone,
-                                 kColumnNone, 1.0F, kFullTree, 0, 1, part.data(), tree.ptree.data(),
-                                 tree.tsims.data()),
+  EXPECT_FATAL(MOLVA_V_BuildTree(65537, 2, nullptr, nullptr, values.data(), MOLVA_SIM_COSINE, 2,
+                                 MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, MOLVA_TREE_ROWS, 0, 1,
+                                 part.data(), tree.ptree.data(), tree.tsims.data()),
                "A tree over 65537 items cannot be built, the most is 65536!\n");
 }
 

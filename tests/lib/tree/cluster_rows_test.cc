@@ -29,9 +29,9 @@ struct Result {
 
 Result Clustered(const SparseMatrix& m, int nparts, int dbglvl = 0) {
   Result result(m.nrows);
-  MOLVA_VA_Cluster(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine, 2,
-                   kRowNone, kColumnNone, 1.0F, dbglvl, nparts, result.part.data(),
-                   result.ptree.data(), result.tsims.data());
+  MOLVA_VA_Cluster(m.nrows, m.ncols, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                   MOLVA_SIM_COSINE, 2, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, dbglvl, nparts,
+                   result.part.data(), result.ptree.data(), result.tsims.data());
   return result;
 }
 
@@ -78,10 +78,10 @@ TEST(RowMerging, EndsTheRunWhenThereAreMoreClustersThanRows) {
 TEST(RowMerging, EndsTheRunBeforeItAsksForTheMatrixOfTooManyRows) {
   const std::vector<float> values(65537, 1.0F);
   Result result(65537);
-  EXPECT_FATAL(
-      MOLVA_VA_Cluster(65537, 1, nullptr, nullptr, values.data(), kCosine, 2, kRowNone, kColumnNone,
-                       1.0F, 0, 1, result.part.data(), result.ptree.data(), result.tsims.data()),
-      "A tree over 65537 items cannot be built, the most is 65536!\n");
+  EXPECT_FATAL(MOLVA_VA_Cluster(65537, 1, nullptr, nullptr, values.data(), MOLVA_SIM_COSINE, 2,
+                                MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, 1, result.part.data(),
+                                result.ptree.data(), result.tsims.data()),
+               "A tree over 65537 items cannot be built, the most is 65536!\n");
 }
 
 }  // namespace

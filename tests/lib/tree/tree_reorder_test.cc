@@ -221,14 +221,16 @@ TEST(TreeReordering, OfRowsKeepsTheOrderWhenARowIsDropped) {
   const SparseMatrix whole = SparseOf({{1, 0}, {0.6F, 0.8F}, {0, 1}});
   const std::vector<int> ptree = {3, 3, 4, 4, -1, -1};
   std::vector<int> ftree = ChildrenOf(ptree);
-  MOLVA_V_TreeReorder(3, 2, whole.rowptr.data(), whole.rowind.data(), whole.rowval.data(), kCosine,
-                      kRowNone, kColumnNone, 1.0F, 0, ptree.data(), ftree.data());
+  MOLVA_V_TreeReorder(3, 2, whole.rowptr.data(), whole.rowind.data(), whole.rowval.data(),
+                      MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, ptree.data(),
+                      ftree.data());
   EXPECT_EQ(LeafOrder(ptree, ftree), (std::vector<int>{2, 1, 0}));
 
   const SparseMatrix gap = SparseOf({{1, 0}, {0.6F, 0.8F}, {0, 0}});
   ftree = ChildrenOf(ptree);
-  MOLVA_V_TreeReorder(3, 2, gap.rowptr.data(), gap.rowind.data(), gap.rowval.data(), kCosine,
-                      kRowNone, kColumnNone, 1.0F, 0, ptree.data(), ftree.data());
+  MOLVA_V_TreeReorder(3, 2, gap.rowptr.data(), gap.rowind.data(), gap.rowval.data(),
+                      MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, ptree.data(),
+                      ftree.data());
   EXPECT_EQ(LeafOrder(ptree, ftree), (std::vector<int>{2, 0, 1}));
 }
 
@@ -238,9 +240,9 @@ TEST(TreeReordering, OfClustersWeighsThemByTheirRows) {
   const std::vector<int> part = {0, 0, 1, 1, 2, 2};
   const std::vector<int> ptree = {3, 3, 4, 4, -1, -1};
   std::vector<int> ftree = ChildrenOf(ptree);
-  MOLVA_V_ClusterTreeReorder(6, 2, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                             kRowNone, kColumnNone, 1.0F, 0, 3, part.data(), ptree.data(),
-                             ftree.data());
+  MOLVA_V_ClusterTreeReorder(6, 2, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                             MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, 3,
+                             part.data(), ptree.data(), ftree.data());
   EXPECT_EQ(LeafOrder(ptree, ftree), (std::vector<int>{2, 1, 0}));
 }
 
@@ -281,9 +283,9 @@ TEST(TreeReordering, IsSafeWithEmptyClusters) {
   const std::vector<int> ptree = {4, -1, 4, -1, -1, -1};
   std::vector<int> ftree = ChildrenOf(ptree);
   const std::vector<int> before = ftree;
-  MOLVA_V_ClusterTreeReorder(4, 2, m.rowptr.data(), m.rowind.data(), m.rowval.data(), kCosine,
-                             kRowNone, kColumnNone, 1.0F, 0, 3, part.data(), ptree.data(),
-                             ftree.data());
+  MOLVA_V_ClusterTreeReorder(4, 2, m.rowptr.data(), m.rowind.data(), m.rowval.data(),
+                             MOLVA_SIM_COSINE, MOLVA_ROW_NONE, MOLVA_COL_NONE, 1.0F, 0, 3,
+                             part.data(), ptree.data(), ftree.data());
   EXPECT_EQ(ftree, before);
 }
 
