@@ -41,7 +41,7 @@ struct ClusterNumbers {
   molva::Array<float> externalwgts;
 };
 
-ClusterNumbers Measure(const RunParams& params, const Matrix& mat, const int* part) {
+ClusterNumbers MeasureClusters(const RunParams& params, const Matrix& mat, const int* part) {
   const std::int64_t slots = std::int64_t{params.nclusters} * std::max(params.nfeatures, 0);
   ClusterNumbers n(params.nclusters, mat.nrows, slots);
   MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
@@ -69,7 +69,7 @@ void PrintList(const Matrix& mat, int nfeatures, const int* ids, const float* we
 }  // namespace
 
 void ShowClusterFeatures(const RunParams& params, const Matrix& mat, const int* part) {
-  const ClusterNumbers n = Measure(params, mat, part);
+  const ClusterNumbers n = MeasureClusters(params, mat, part);
   std::printf("%s%d-way clustering solution - Descriptive & Discriminating Features...\n%s",
               kSeparator, params.nclusters, kSeparator);
   for (int k = 0; k < params.nclusters; ++k) {

@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   // on, and the files that it still has to write are written.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  // Every way out flushes standard output and tells when that fails.
+  // Every way out flushes standard output and reports when that fails.
   std::atexit(molva::FlushStandardOutput);
   return mardle::Run(argc, argv);
 }

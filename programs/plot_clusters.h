@@ -9,7 +9,7 @@ namespace mardle {
 // Draws the clusters into params.plotclustersfile: one band per cluster with the cells of its
 // centroid, the higher the more rows it has, the tree over the clusters to the left with each
 // cluster's number and size, the columns' labels above. A plot without rows or columns is not made,
-// which is told on standard error.
+// which is reported on standard error.
 void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const int* part);
 
 }  // namespace mardle

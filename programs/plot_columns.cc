@@ -6,6 +6,7 @@
 #include <numeric>
 #include <string>
 
+#include "lib/support/compact_columns.h"
 namespace mardle {
 namespace {
 
@@ -107,27 +108,9 @@ void SelectColumns(const RunParams& params, PlottedMatrix& plotted, const char* 
 
 int CompactMatrix(int nrows, int ncols, int* rowptr, int* rowind, float* rowval, std::span<int> map,
                   std::span<const int> keep) {
-  molva::Array<int> cmap = AllocIntsSet(ncols, -1, "CompactMatrix: cmap");
-  int kept_columns = 0;
-  for (int j = 0; j < ncols; ++j) {
-    const auto column = static_cast<std::size_t>(j);
-    if (keep[column] == 0) continue;
-    map[static_cast<std::size_t>(kept_columns)] = map[column];
-    cmap[j] = kept_columns++;
-  }
-  int kept_entries = 0;
-  int begin = 0;
-  for (int i = 0; i < nrows; ++i) {
-    const int end = rowptr[i + 1];
-    for (int p = begin; p < end; ++p) {
-      if (cmap[rowind[p]] < 0) continue;
-      rowind[kept_entries] = cmap[rowind[p]];
-      rowval[kept_entries++] = rowval[p];
-    }
-    begin = end;
-    rowptr[i + 1] = kept_entries;
-  }
-  return kept_columns;
+  molva::Array<int> cmap = AllocInts(ncols, "CompactMatrix: cmap");
+  return molva::CompactColumns({nrows, rowptr, rowind, rowval}, map, cmap,
+                               [keep](std::size_t j) { return keep[j] != 0; });
 }
 
 OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> ftree, int items,

@@ -13,8 +13,8 @@ namespace mardle {
 // Draws the prepared matrix into params.plotmatrixfile: one line of cells per row, a frame with
 // "cluster %d" around each cluster, the columns' labels above, and, where they exist, the complete
 // tree of the run (ptree, 2 nrows parents; empty for none) to the left and the tree over the
-// columns (params.clustercolumns) above. A plot without rows or columns is not made, which is told
-// on standard error.
+// columns (params.clustercolumns) above. A plot without rows or columns is not made, which is
+// reported on standard error.
 void PlotMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
                 const int* part);
 

@@ -35,7 +35,7 @@ class PlotPage {
   PlotPage(const PlotPage&) = delete;
   PlotPage& operator=(const PlotPage&) = delete;
 
-  // Finishes the page and closes the file; failed writes are told on standard error.
+  // Finishes the page and closes the file; failed writes are reported on standard error.
   void Close();
 
   void SetFontSize(double size);

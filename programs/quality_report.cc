@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Measure computes every number of the report; the Print routines lay them out. What is counted
-// from classes stems from no value of the matrix, which the 0 behind it tells Printed.
+// MeasureQuality computes every number of the report; the Print routines lay them out. What is
+// counted from classes stems from no value of the matrix, which the 0 behind it tells Printed.
 #include "programs/quality_report.h"
 
 #include <algorithm>
@@ -47,8 +47,8 @@ struct QualityNumbers {
   float fscore = 0;
 };
 
-QualityNumbers Measure(const RunParams& params, const Matrix& mat, const int* part,
-                       std::span<const int> ptree) {
+QualityNumbers MeasureQuality(const RunParams& params, const Matrix& mat, const int* part,
+                              std::span<const int> ptree) {
   QualityNumbers numbers(params.nclusters, mat.nrows, mat.nclasses);
   MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
                           mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
@@ -145,7 +145,7 @@ void PrintWithoutClasses(const RunParams& params, const Matrix& mat, const Quali
 
 void EvaluateClusters(const RunParams& params, const Matrix& mat, const int* part,
                       std::span<const int> ptree, float crvalue) {
-  const QualityNumbers numbers = Measure(params, mat, part, ptree);
+  const QualityNumbers numbers = MeasureQuality(params, mat, part, ptree);
   if (mat.nclasses >= 2) {
     PrintWithClasses(params, mat, numbers, !ptree.empty(), crvalue);
   } else {

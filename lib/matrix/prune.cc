@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "lib/matrix/prune.h"
 
+#include <numeric>
+
+#include "lib/support/compact_columns.h"
 #include "lib/support/sort.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -54,29 +57,10 @@ void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat
 }
 
 void EliminateColumns(PreparedMatrix& mat, std::span<const int> rmvec, std::span<int> cperm) {
-  Array<int> cmap = AllocIntsSet(mat.ncols, -1, "EliminateColumns: cmap");
-  int kept_columns = 0;
-  for (int j = 0; j < mat.ncols; ++j) {
-    const auto column = static_cast<std::size_t>(j);
-    if (rmvec[column] != 0) continue;
-    cperm[static_cast<std::size_t>(kept_columns)] = j;
-    cmap[j] = kept_columns++;
-  }
-  mat.ncols = kept_columns;
-
-  int kept_entries = 0;
-  int begin = 0;
-  for (int i = 0; i < mat.nrows; ++i) {
-    const int end = mat.rowptr[i + 1];
-    for (int p = begin; p < end; ++p) {
-      const int column = cmap[mat.rowind[p]];
-      if (column < 0) continue;
-      mat.rowind[kept_entries] = column;
-      mat.rowval[kept_entries++] = mat.rowval[p];
-    }
-    begin = end;
-    mat.rowptr[i + 1] = kept_entries;
-  }
+  Array<int> cmap = AllocInts(mat.ncols, "EliminateColumns: cmap");
+  std::iota(cperm.begin(), cperm.end(), 0);
+  mat.ncols = CompactColumns({mat.nrows, mat.rowptr.data(), mat.rowind.data(), mat.rowval.data()},
+                             cperm, cmap, [rmvec](std::size_t j) { return rmvec[j] == 0; });
 }
 
 }  // namespace molva

@@ -14,7 +14,7 @@ struct CloseStream {
 };
 
 // An open stream and the name it was opened under. Closed silently at scope end; a writer calls
-// CloseFile, which tells of failed writes.
+// CloseFile, which reports failed writes.
 struct File {
   std::unique_ptr<std::FILE, CloseStream> stream;
   std::string path;
@@ -29,11 +29,11 @@ File OpenFile(const char* path, const char* mode);
 // the run with "Failed on RVfopen\n".
 File RVfopen(const char* path, const char* mode, const char* name);
 
-// Closes the file. Data that could not be written is told in one line on standard error, and the
-// run goes on.
+// Closes the file. Data that could not be written is reported in one line on standard error, and
+// the run goes on.
 void CloseFile(File& file);
 
-// Flushes standard output and tells of failed writes as CloseFile does.
+// Flushes standard output and reports failed writes as CloseFile does.
 void FlushStandardOutput();
 
 // Takes the places of standard streams that are closed, so that no file opened later gets the

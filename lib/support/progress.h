@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Tells a host program how far a clustering is, and lets it stop one. Without a hook each call is
-// one comparison.
+// Reports to a host program how far a clustering is, and lets it stop one. Without a hook each call
+// is one comparison.
 #pragma once
 
 #include "lib/molva_codes.h"

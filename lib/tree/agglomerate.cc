@@ -5,7 +5,6 @@
 #include <cstdio>
 
 #include "lib/criteria/merge_gains.h"
-#include "lib/matrix/composites.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
 #include "lib/support/printed.h"
@@ -25,19 +24,9 @@ struct Items {
   Array<float> tsim;   // D_i.D, D the composite of all items
   Array<float*> smat;  // row i of the matrix
 
-  ClusterMeasure Measure(int i) const { return {pwgts[i], smat[i][i], tsim[i]}; }
-
-  // The two items as one.
-  ClusterMeasure Merged(int i, int j) const {
-    return {std::int64_t{pwgts[i]} + pwgts[j],
-            static_cast<Wide>(smat[i][i]) + smat[j][j] + 2 * static_cast<Wide>(smat[i][j]),
-            static_cast<Wide>(tsim[i]) + tsim[j]};
-  }
-
-  // The average similarity between a row of one item and a row of the other.
-  Wide AverageSimilarity(int i, int j) const {
-    return static_cast<Wide>(smat[i][j]) / static_cast<Wide>(CountProduct(pwgts[i], pwgts[j]));
-  }
+  ClusterMeasure Alone(int i) const { return {pwgts[i], smat[i][i], tsim[i]}; }
+  ClusterMeasure Joined(int i, int j) const { return Merged(Alone(i), Alone(j), smat[i][j]); }
+  Wide Similarity(int i, int j) const { return AverageSimilarity(smat[i][j], pwgts[i], pwgts[j]); }
 
   // Adds item j to item i: the rows first, then the columns, so that s_ii ends as
   // s_ii + 2 s_ij + s_jj.
@@ -74,7 +63,7 @@ void ReportMerge(const Control& control, const Items& items, const Array<int>& i
   if (!HasDebugBit(control, MOLVA_DBG_MERGING)) return;
   std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f %f\n", imap[merge.i], imap[merge.j],
               node, AddValues(items.pwgts[merge.i], items.pwgts[merge.j]), Printed(crvalue),
-              Printed(merge.gain), Printed(items.AverageSimilarity(merge.i, merge.j)));
+              Printed(merge.gain), Printed(items.Similarity(merge.i, merge.j)));
 }
 
 // The items that are still to be merged: the first `count` of rowids. rmap is its inverse.
@@ -111,7 +100,7 @@ class LocalGains {
     terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: tsim");
     FillItems(merging, items_);
     for (int i = 0; i < n; ++i) {
-      terms_[i] = Term::Of(items_.Measure(i));
+      terms_[i] = Term::Of(items_.Alone(i));
       imap_[i] = active_.rmap[i] = active_.rowids[i] = i;
     }
     active_.count = n;
@@ -128,7 +117,7 @@ class LocalGains {
 
  private:
   float Gain(int i, int j) const {
-    return static_cast<float>(Value::Gain(Term::Of(items_.Merged(i, j)), terms_[i], terms_[j]));
+    return static_cast<float>(Value::Gain(Term::Of(items_.Joined(i, j)), terms_[i], terms_[j]));
   }
 
   void FillQueue() {
@@ -157,18 +146,15 @@ class LocalGains {
     ReportMerge(control_, items_, imap_, merge, node, crvalue_);
     Record(merge, node);
     items_.Fold(merge.i, merge.j, active_.items());
-    terms_[merge.i] = Term::Of(items_.Measure(merge.i));
+    terms_[merge.i] = Term::Of(items_.Alone(merge.i));
     imap_[merge.i] = node;
     active_.Remove(merge.j);
     Requeue(merge);
   }
 
   void Record(const Merge& merge, int node) const {
-    const auto x = static_cast<std::size_t>(node);
-    merging_.ptree[static_cast<std::size_t>(imap_[merge.i])] = node;
-    merging_.ptree[static_cast<std::size_t>(imap_[merge.j])] = node;
-    merging_.gains[x] = merge.gain;
-    merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(merge.i, merge.j));
+    RecordMerge(merging_, imap_[merge.i], imap_[merge.j], node, merge.gain,
+                items_.Similarity(merge.i, merge.j));
   }
 
   // First every pair of the two merged items leaves the queue, then the pairs of the new item
@@ -227,7 +213,7 @@ class RatioGains {
     terms_ = Array<Sums>(n, "BuildSimHAC_I1I2E1G1G1P: tsim");
     for (int i = 0; i < n; ++i) {
       rowids_[i] = i;
-      terms_[i] = TermsOf(items_.Measure(i));
+      terms_[i] = TermsOf(items_.Alone(i));
       sums_.numerator += terms_[i].numerator;
       sums_.denominator += terms_[i].denominator;
     }
@@ -252,7 +238,7 @@ class RatioGains {
   }
 
   Sums After(int i, int j) const {
-    const Sums merged = TermsOf(items_.Merged(i, j));
+    const Sums merged = TermsOf(items_.Joined(i, j));
     return {
         sums_.numerator + (merged.numerator - terms_[i].numerator - terms_[j].numerator),
         sums_.denominator + (merged.denominator - terms_[i].denominator - terms_[j].denominator)};
@@ -280,21 +266,18 @@ class RatioGains {
   }
 
   void Record(int i, int j, int node, Wide ratio, Wide gain) const {
-    const auto x = static_cast<std::size_t>(node);
-    merging_.gains[x] = static_cast<float>(gain);
-    merging_.tsims[x] = static_cast<float>(items_.AverageSimilarity(i, j));
     if (HasDebugBit(control_, MOLVA_DBG_MERGING)) {
       std::printf("Merging [%5d %5d -> %5d] [%5d], CRval=%.2e %f\n", rowids_[i], rowids_[j], node,
                   AddValues(items_.pwgts[i], items_.pwgts[j]), Printed(ratio), Printed(gain));
     }
-    merging_.ptree[static_cast<std::size_t>(rowids_[i])] = node;
-    merging_.ptree[static_cast<std::size_t>(rowids_[j])] = node;
+    RecordMerge(merging_, rowids_[i], rowids_[j], node, static_cast<float>(gain),
+                items_.Similarity(i, j));
   }
 
   // Slot j is folded into slot i and the last slot moves into its place: row, column, the rest.
   void Join(int i, int j, int node) {
     items_.Fold(i, j, FirstSlots{active_});
-    terms_[i] = TermsOf(items_.Measure(i));
+    terms_[i] = TermsOf(items_.Alone(i));
     rowids_[i] = node;
 
     const int last = --active_;
@@ -323,10 +306,10 @@ class RatioGains {
 
 void BuildSimHAC(const Control& control, const Merging& merging) {
   SetFloats(merging.tsims, 0);
-  if (control.crfun < 1 || control.crfun > 7) {
+  if (control.crfun < MOLVA_CRFUN_I1 || control.crfun > MOLVA_CRFUN_H2) {
     FatalError("Unknown clustering criterion function (CRFun) of %d\n", control.crfun);
   }
-  if (control.crfun <= 5) {
+  if (control.crfun <= MOLVA_CRFUN_G1P) {
     BuildSimHAC_LocalGains(control, merging);
   } else {
     BuildSimHAC_I1I2E1G1G1P(control, merging);
@@ -339,15 +322,15 @@ void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
       HasDebugBit(control, MOLVA_DBG_CLUSTERING) || HasDebugBit(control, MOLVA_DBG_MERGING);
   if (!reports && merging.n <= kMostClearItems && MergeWhileClear(control.crfun, merging)) return;
   switch (control.crfun) {
-    case 1:
+    case MOLVA_CRFUN_I1:
       return RunLocalGains<Maximised<I1Term>>(control, merging);
-    case 2:
+    case MOLVA_CRFUN_I2:
       return RunLocalGains<Maximised<I2Term>>(control, merging);
-    case 3:
+    case MOLVA_CRFUN_E1:
       return RunLocalGains<Minimised<E1Term>>(control, merging);
-    case 4:
+    case MOLVA_CRFUN_G1:
       return RunLocalGains<Minimised<G1Term>>(control, merging);
-    case 5:
+    case MOLVA_CRFUN_G1P:
       return RunLocalGains<Minimised<G1PrimeTerm>>(control, merging);
     default:
       RefuseCode(control.crfun);
@@ -356,9 +339,9 @@ void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
 
 void BuildSimHAC_I1I2E1G1G1P(const Control& control, const Merging& merging) {
   switch (control.crfun) {
-    case 6:
+    case MOLVA_CRFUN_H1:
       return RatioGains<I1Term>(control, merging).Run();
-    case 7:
+    case MOLVA_CRFUN_H2:
       return RatioGains<I2Term>(control, merging).Run();
     default:
       RefuseCode(control.crfun);

@@ -7,19 +7,9 @@
 #include <span>
 
 #include "lib/matrix/control.h"
+#include "lib/tree/merging.h"
 
 namespace molva {
-
-// The items to merge and the tree that comes out. smat[i * n + j] = D_i.D_j is used in place and
-// overwritten; the arrays over nodes hold 2n elements.
-struct Merging {
-  int n;
-  const int* pwgts;  // rows in each item
-  float* smat;
-  std::span<int> ptree;    // parent of each node; the root's is not written
-  std::span<float> tsims;  // average similarity between the rows of a node's children; leaves 0
-  std::span<float> gains;  // what the merge added to the criterion; leaves are not written
-};
 
 // Builds the tree under criterion 1 to 7; any other code is fatal:
 // "Unknown clustering criterion function (CRFun) of %d\n".

@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "lib/criteria/merge_gains.h"
-#include "lib/matrix/composites.h"
+#include "lib/molva_codes.h"
 #include "lib/rough/rough_looks.h"
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
@@ -65,9 +65,11 @@ struct Slots {
 
   float* Row(int i) const { return smat + static_cast<std::size_t>(i) * stride; }
 
+  ClusterMeasure Alone(int i) const { return {pwgts[i], squares[i], tsim[i]}; }
+
   template <typename Term>
   void SetTerm(int i) {
-    terms[i] = Term::Of(ClusterMeasure{pwgts[i], squares[i], tsim[i]});
+    terms[i] = Term::Of(Alone(i));
     rough_terms[i] = static_cast<double>(terms[i]);
   }
 
@@ -164,10 +166,7 @@ class ClearMerges {
  private:
   // j < i
   float Gain(int i, int j) const {
-    const Wide squared_length = static_cast<Wide>(items_.squares[i]) + items_.squares[j] +
-                                2 * static_cast<Wide>(items_.Row(i)[j]);
-    const ClusterMeasure merged{std::int64_t{items_.pwgts[i]} + items_.pwgts[j], squared_length,
-                                static_cast<Wide>(items_.tsim[i]) + items_.tsim[j]};
+    const ClusterMeasure merged = Merged(items_.Alone(i), items_.Alone(j), items_.Row(i)[j]);
     return static_cast<float>(Value::Gain(Term::Of(merged), items_.terms[i], items_.terms[j]));
   }
 
@@ -256,12 +255,8 @@ class ClearMerges {
   }
 
   void Record(int i, int j, int node) const {
-    const auto x = static_cast<std::size_t>(node);
-    const Wide pairs = static_cast<Wide>(CountProduct(items_.pwgts[i], items_.pwgts[j]));
-    merging_.ptree[static_cast<std::size_t>(items_.nodes[i])] = node;
-    merging_.ptree[static_cast<std::size_t>(items_.nodes[j])] = node;
-    merging_.gains[x] = bounds_[j];
-    merging_.tsims[x] = static_cast<float>(static_cast<Wide>(items_.Row(j)[i]) / pairs);
+    RecordMerge(merging_, items_.nodes[i], items_.nodes[j], node, bounds_[j],
+                AverageSimilarity(items_.Row(j)[i], items_.pwgts[i], items_.pwgts[j]));
   }
 
   // products_ receives the products of the new item.
@@ -355,15 +350,15 @@ bool MergeWhileClear(int crfun, const Merging& merging) {
   if (!RoughLooksAreUsed()) return false;
   if (!IsSymmetric(static_cast<std::size_t>(merging.n), merging.smat)) return false;
   switch (crfun) {
-    case 1:
+    case MOLVA_CRFUN_I1:
       return RunClear<Maximised<I1Term>>(merging);
-    case 2:
+    case MOLVA_CRFUN_I2:
       return RunClear<Maximised<I2Term>>(merging);
-    case 3:
+    case MOLVA_CRFUN_E1:
       return RunClear<Minimised<E1Term>>(merging);
-    case 4:
+    case MOLVA_CRFUN_G1:
       return RunClear<Minimised<G1Term>>(merging);
-    case 5:
+    case MOLVA_CRFUN_G1P:
       return RunClear<Minimised<G1PrimeTerm>>(merging);
     default:
       return false;

@@ -10,7 +10,7 @@
 // work for each of them, and no memory beside the matrix.
 #pragma once
 
-#include "lib/tree/agglomerate.h"
+#include "lib/tree/merging.h"
 
 namespace molva {
 

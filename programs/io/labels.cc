@@ -23,8 +23,8 @@ constexpr Companion kColumnLabels{"Column label", ".clabel", "ReadMat: clabel"};
 constexpr Companion kRowLabels{"Row label", ".rlabel", "ReadMat: rlabels"};
 constexpr Companion kRowClasses{"Row class", ".rclass", "ReadMat: rclasses"};
 
-// The name to read from. A named file that is missing is told here, and its name is used all the
-// same, so that the default beside the matrix is not taken in its place.
+// The name to read from. A named file that is missing is reported here, and its name is used all
+// the same, so that the default beside the matrix is not taken in its place.
 std::string NameOf(const Companion& companion, const molva::String& given,
                    const char* matrix_name) {
   if (!given) return std::string(matrix_name) + companion.suffix;

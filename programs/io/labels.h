@@ -10,8 +10,8 @@ namespace mardle {
 
 // Reads the three optional files named in params, or else "%s.clabel", "%s.rlabel" and "%s.rclass"
 // beside the matrix, one entry a line. A missing file gives generated labels (col00001, row00001)
-// or one class for all rows; a missing file that was named is told on standard output. A file that
-// ends before every column or row has its line ends the run.
+// or one class for all rows; a missing file that was named is reported on standard output. A file
+// that ends before every column or row has its line ends the run.
 void ReadLabelsAndClasses(const RunParams& params, Matrix& mat);
 
 // Numbers the distinct class labels in the order of their first appearance and fills classes,

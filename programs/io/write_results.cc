@@ -58,7 +58,7 @@ std::string TreeName(const molva::String& filename, const molva::String& treefil
 
 void WriteClustering(const RunParams& params, const Matrix& mat, const int* part) {
   const std::string name = ClusteringName(params);
-  // Opened before the z-scores are computed, so a name that cannot be written is told at once.
+  // Opened before the z-scores are computed, so a name that cannot be written is reported at once.
   molva::File file = molva::OpenFile(name.c_str(), "w");
   if (!file) molva::FatalError("Problems in opening the clustering file: %s", name.c_str());
   if (params.zscores != 0) {

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+//
+// What the ways of merging share: the items and the tree that comes out, two items as one, and the
+// record of a merge.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "lib/criteria/terms.h"
+#include "lib/matrix/composites.h"
+#include "lib/support/wide.h"
+
+namespace molva {
+
+// The items to merge and the tree that comes out. smat[i * n + j] = D_i.D_j is used in place and
+// overwritten; the arrays over nodes hold 2n elements.
+struct Merging {
+  int n;
+  const int* pwgts;  // rows in each item
+  float* smat;
+  std::span<int> ptree;    // parent of each node; the root's is not written
+  std::span<float> tsims;  // average similarity between the rows of a node's children; leaves 0
+  std::span<float> gains;  // what the merge added to the criterion; leaves are not written
+};
+
+// Two items as one, from each alone and the product of their composites.
+inline ClusterMeasure Merged(const ClusterMeasure& i, const ClusterMeasure& j, Wide product) {
+  return {i.size + j.size, i.squared_length + j.squared_length + 2 * product,
+          i.similarity + j.similarity};
+}
+
+// The average similarity between a row of one item and a row of the other.
+inline Wide AverageSimilarity(float product, int rows_i, int rows_j) {
+  return static_cast<Wide>(product) / static_cast<Wide>(CountProduct(rows_i, rows_j));
+}
+
+// Nodes a and b became the children of `node`.
+inline void RecordMerge(const Merging& merging, int a, int b, int node, float gain,
+                        Wide similarity) {
+  const auto x = static_cast<std::size_t>(node);
+  merging.ptree[static_cast<std::size_t>(a)] = node;
+  merging.ptree[static_cast<std::size_t>(b)] = node;
+  merging.gains[x] = gain;
+  merging.tsims[x] = static_cast<float>(similarity);
+}
+
+}  // namespace molva
