@@ -4,6 +4,8 @@
 #include <array>
 #include <span>
 
+#include "lib/molva.h"
+
 namespace mardle {
 namespace {
 
@@ -22,6 +24,8 @@ const char* NameOf(std::span<const char* const> names, int code) {
 const char* CriterionName(int crfun) { return NameOf(kCriteria, crfun); }
 const char* RowModelName(int rowmodel) { return NameOf(kRowModels, rowmodel); }
 const char* ColumnModelName(int colmodel) { return NameOf(kColumnModels, colmodel); }
-const char* SimilarityName(int simfun) { return simfun == 1 ? "Cosine" : "CorrCoef"; }
+const char* SimilarityName(int simfun) {
+  return simfun == MOLVA_SIM_COSINE ? "Cosine" : "CorrCoef";
+}
 
 }  // namespace mardle

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/printed.h"
 
@@ -41,18 +40,20 @@ struct ClusterNumbers {
   molva::Array<float> externalwgts;
 };
 
-ClusterNumbers MeasureClusters(const RunParams& params, const Matrix& mat, const int* part) {
-  const std::int64_t slots = std::int64_t{params.nclusters} * std::max(params.nfeatures, 0);
-  ClusterNumbers n(params.nclusters, mat.nrows, slots);
-  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, params.nclusters, part, n.pwgts.get(), n.cintsim.get(),
-                          n.cintsdev.get(), n.izscores.get(), n.cextsim.get(), n.cextsdev.get(),
-                          n.ezscores.get());
-  MOLVA_V_GetClusterFeatures(
-      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
-      params.rowmodel, params.colmodel, params.prune, params.nclusters, part, params.nfeatures,
-      n.internalids.get(), n.internalwgts.get(), n.externalids.get(), n.externalwgts.get());
+ClusterNumbers NumbersOfClusters(const RunParams& params, const Matrix& mat,
+                                 const Clusters& clusters) {
+  const std::int64_t slots = std::int64_t{clusters.count} * std::max(params.nfeatures, 0);
+  ClusterNumbers n(clusters.count, mat.nrows, slots);
+  const EngineInput input = RunInput(params, mat, clusters);
+  MeasureClusters(input, {.pwgts = n.pwgts,
+                          .cintsim = n.cintsim,
+                          .cintsdev = n.cintsdev,
+                          .izscores = n.izscores,
+                          .cextsim = n.cextsim,
+                          .cextsdev = n.cextsdev,
+                          .ezscores = n.ezscores});
+  DescribeClusters(input, params.nfeatures,
+                   {n.internalids, n.internalwgts, n.externalids, n.externalwgts});
   return n;
 }
 
@@ -68,11 +69,11 @@ void PrintList(const Matrix& mat, int nfeatures, const int* ids, const float* we
 
 }  // namespace
 
-void ShowClusterFeatures(const RunParams& params, const Matrix& mat, const int* part) {
-  const ClusterNumbers n = MeasureClusters(params, mat, part);
+void ShowClusterFeatures(const RunParams& params, const Matrix& mat, const Clusters& clusters) {
+  const ClusterNumbers n = NumbersOfClusters(params, mat, clusters);
   std::printf("%s%d-way clustering solution - Descriptive & Discriminating Features...\n%s",
-              kSeparator, params.nclusters, kSeparator);
-  for (int k = 0; k < params.nclusters; ++k) {
+              kSeparator, clusters.count, kSeparator);
+  for (int k = 0; k < clusters.count; ++k) {
     const std::int64_t begin = std::int64_t{k} * std::max(params.nfeatures, 0);
     std::printf("Cluster %3d, Size: %5d, ISim: %.3f, ESim: %.3f\n", k, n.pwgts[k],
                 molva::Printed(n.cintsim[k]), molva::Printed(n.cextsim[k]));
@@ -80,7 +81,7 @@ void ShowClusterFeatures(const RunParams& params, const Matrix& mat, const int* 
     PrintList(mat, params.nfeatures, n.internalids.get() + begin, n.internalwgts.get() + begin);
     std::printf("   Discriminating: ");
     PrintList(mat, params.nfeatures, n.externalids.get() + begin, n.externalwgts.get() + begin);
-    if (k < params.nclusters - 1) std::printf("\n");
+    if (k < clusters.count - 1) std::printf("\n");
   }
   std::printf("%s", kSeparator);
 }

@@ -98,7 +98,7 @@ void CopyFormat(std::array<char, 256>& field, const char* text) {
 void Apply(const Option& option, const char* value, RunParams& params) {
   switch (option.value) {
     case kNone:
-      params.*option.flag = 1;
+      params.*option.flag = true;
       return;
     case kInt:
       params.*option.number = ToInt(value);
@@ -110,11 +110,11 @@ void Apply(const Option& option, const char* value, RunParams& params) {
       params.*option.text = molva::mystrdup(value);
       return;
     case kOptionalInt:
-      params.*option.flag = 1;
+      params.*option.flag = true;
       if (value != nullptr) params.*option.number = ToInt(value);
       return;
     case kOptionalText:
-      params.*option.flag = 1;
+      params.*option.flag = true;
       if (value != nullptr) params.*option.text = molva::mystrdup(value);
       return;
     case kFormat:

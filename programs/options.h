@@ -16,7 +16,7 @@ struct Option {
   const char* name;
   Value value;
   // The fields it sets; the others are null.
-  int RunParams::*flag = nullptr;            // set to 1: kNone, kOptionalInt, kOptionalText
+  bool RunParams::*flag = nullptr;           // set: kNone, kOptionalInt, kOptionalText
   int RunParams::*number = nullptr;          // kInt, kOptionalInt
   float RunParams::*fraction = nullptr;      // kFloat
   molva::String RunParams::*text = nullptr;  // kText, kOptionalText

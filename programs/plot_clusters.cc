@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "lib/molva.h"
 #include "lib/support/wide.h"
 #include "programs/plot_cells.h"
 #include "programs/plot_columns.h"
@@ -68,19 +67,14 @@ struct ClusterLayout {
 // The tree over the clusters of the plotted rows, under the tree criterion. Clusters that it leaves
 // out, for want of rows, follow after the others.
 OrderedTree TreeOverClusters(const RunParams& params, const PlottedMatrix& plotted) {
-  const int k = params.nclusters;
+  const int k = plotted.nclusters;
   molva::Array<int> ptree = molva::AllocInts(2 * std::int64_t{k}, {kRoutine, ": ptree"});
   molva::Array<float> tsims = molva::AllocFloats(2 * std::int64_t{k}, {kRoutine, ": tsims"});
-  MOLVA_V_BuildTree(plotted.nrows, plotted.ncols, plotted.rowptr.get(), plotted.rowind.get(),
-                    plotted.rowval.get(), 1, params.treecrfun, 1, 1, 1.0F, 1, params.dbglvl, k,
-                    plotted.part.get(), ptree.get(), tsims.get());
+  const EngineInput input = PlotInput(params, plotted);
+  BuildTree(input, MOLVA_TREE_CLUSTERS, params.treecrfun, ptree, tsims);
   molva::Array<int> ftree =
       molva::MakeChildTable({ptree.get(), ptree.size()}, {kRoutine, ": ftree"});
-  if (params.noreorder == 0) {
-    MOLVA_V_ClusterTreeReorder(plotted.nrows, plotted.ncols, plotted.rowptr.get(),
-                               plotted.rowind.get(), plotted.rowval.get(), 1, 1, 1, 1.0F,
-                               params.dbglvl, k, plotted.part.get(), ptree.get(), ftree.get());
-  }
+  if (!params.noreorder) ReorderClusterTree(input, ptree, ftree);
   return KeepPresentLeaves({ptree.get(), ptree.size()}, ftree, k, {kRoutine, ": xnode", ": ynode"});
 }
 
@@ -217,20 +211,20 @@ double TopOf(const ClusterLayout& layout, const Bands& bands, const std::vector<
 
 }  // namespace
 
-void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const int* part) {
-  PlottedMatrix plotted = PrepareForPlot(params, mat, part, kRoutine);
-  const Bands bands = MeasureBands(params.nclusters, plotted);
+void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const Clusters& clusters) {
+  PlottedMatrix plotted = PrepareForPlot(params, mat, clusters, kRoutine);
+  const Bands bands = MeasureBands(clusters.count, plotted);
   SelectColumns(params, plotted, kRoutine);
-  if (plotted.nrows < 1 || plotted.ncols < 1 || params.nclusters < 1) {
+  if (plotted.nrows < 1 || plotted.ncols < 1 || clusters.count < 1) {
     std::fprintf(stderr, "No rows or no columns to plot: %s is not written\n",
                  params.plotclustersfile.get());
     return;
   }
   OrderedTree cluster_tree = TreeOverClusters(params, plotted);
   std::optional<OrderedTree> column_tree;
-  if (params.clustercolumns != 0) column_tree = ClusterColumns(params, plotted, kRoutine);
+  if (params.clustercolumns) column_tree = ClusterColumns(params, plotted, kRoutine);
 
-  const ClusterLayout layout(params.nclusters, plotted.ncols, bands);
+  const ClusterLayout layout(clusters.count, plotted.ncols, bands);
   PlotPage page(params.plotclustersfile.get(), "PlotTreeClusterMatrix: fpout",
                 params.plotformat.data(), layout.width, layout.height);
   const std::vector<Point> leaves = DrawClusterTree(page, layout, bands, cluster_tree);
@@ -251,7 +245,7 @@ void PlotTreeClusterMatrix(const RunParams& params, const Matrix& mat, const int
     labels_from += room + 0.5 * room / (column_tree->tree.n - 1);
   }
   LabelColumns(page, layout, mat, plotted, order, grid, labels_from);
-  DrawBands(page, layout, bands, plotted, leaves, order, grid, params.zeroblack != 0);
+  DrawBands(page, layout, bands, plotted, leaves, order, grid, params.zeroblack);
   page.Close();
 }
 

@@ -14,13 +14,6 @@ using molva::AllocFloats;
 using molva::AllocInts;
 using molva::AllocIntsSet;
 
-// What plots measure is prepared already: cosine, no models, nothing pruned but what every
-// preparation prunes.
-constexpr int kCosine = 1;
-constexpr int kNoModel = 1;
-constexpr float kNoPruning = 1.0F;
-constexpr int kColumnCriterion = 2;
-
 void Mark(const molva::Array<int>& ids, molva::Array<int>& cmarker) {
   for (const int column : ids) {
     if (column >= 0) cmarker[column] = 1;
@@ -66,39 +59,47 @@ std::span<const float> PlottedMatrix::values() const {
   return {rowval.get(), static_cast<std::size_t>(rowptr[nrows])};
 }
 
-PlottedMatrix PrepareForPlot(const RunParams& params, const Matrix& mat, const int* part,
+PlottedMatrix PrepareForPlot(const RunParams& params, const Matrix& mat, const Clusters& clusters,
                              const char* routine) {
   PlottedMatrix plotted;
+  plotted.nclusters = clusters.count;
   plotted.rperm = AllocInts(mat.nrows, {routine, ": rperm"});
   plotted.cperm = AllocInts(mat.ncols, {routine, ": cperm"});
+  const EngineInput in = RunInput(params, mat, clusters);
   int* rowptr = nullptr;
   int* rowind = nullptr;
   float* rowval = nullptr;
-  MOLVA_InternalizeMatrix(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, &plotted.nrows, &plotted.ncols, &rowptr, &rowind, &rowval,
-                          plotted.rperm.get(), plotted.cperm.get());
+  MOLVA_InternalizeMatrix(in.nrows, in.ncols, in.rowptr, in.rowind, in.rowval, in.simfun,
+                          in.rowmodel, in.colmodel, in.prune, &plotted.nrows, &plotted.ncols,
+                          &rowptr, &rowind, &rowval, plotted.rperm.get(), plotted.cperm.get());
   plotted.rowptr.reset(rowptr);
   plotted.rowind.reset(rowind);
   plotted.rowval.reset(rowval);
   plotted.part = AllocInts(plotted.nrows, {routine, ": part"});
-  for (int i = 0; i < plotted.nrows; ++i) plotted.part[i] = part[plotted.rperm[i]];
+  for (int i = 0; i < plotted.nrows; ++i) plotted.part[i] = clusters.part[plotted.rperm[i]];
   return plotted;
 }
 
+EngineInput PlotInput(const RunParams& params, const PlottedMatrix& plotted) {
+  return {.nrows = plotted.nrows,
+          .ncols = plotted.ncols,
+          .rowptr = plotted.rowptr.get(),
+          .rowind = plotted.rowind.get(),
+          .rowval = plotted.rowval.get(),
+          .dbglvl = params.dbglvl,
+          .clusters = {plotted.nclusters, plotted.part.get()}};
+}
+
 void SelectColumns(const RunParams& params, PlottedMatrix& plotted, const char* routine) {
-  if (params.denseinput != 0) return;
+  if (params.denseinput) return;
   const int nfeatures = std::max(params.nfeatures, 0);
-  const std::int64_t slots = std::int64_t{params.nclusters} * nfeatures;
+  const std::int64_t slots = std::int64_t{plotted.nclusters} * nfeatures;
   molva::Array<int> internalids = AllocInts(slots, {routine, ": internalids"});
   molva::Array<float> internalwgts = AllocFloats(slots, {routine, ": internalwgts"});
   molva::Array<int> externalids = AllocInts(slots, {routine, ": externalids"});
   molva::Array<float> externalwgts = AllocFloats(slots, {routine, ": externalwgts"});
-  MOLVA_V_GetClusterFeatures(plotted.nrows, plotted.ncols, plotted.rowptr.get(),
-                             plotted.rowind.get(), plotted.rowval.get(), kCosine, kNoModel,
-                             kNoModel, kNoPruning, params.nclusters, plotted.part.get(), nfeatures,
-                             internalids.get(), internalwgts.get(), externalids.get(),
-                             externalwgts.get());
+  DescribeClusters(PlotInput(params, plotted), nfeatures,
+                   {internalids, internalwgts, externalids, externalwgts});
   molva::Array<int> cmarker = AllocIntsSet(plotted.ncols, 0, {routine, ": cmarker"});
   Mark(internalids, cmarker);
   Mark(externalids, cmarker);
@@ -165,16 +166,16 @@ OrderedTree ClusterColumns(const RunParams& params, const PlottedMatrix& plotted
   molva::Array<int> cpart = AllocInts(c, {routine, ": cpart"});
   molva::Array<int> cptree = AllocInts(2 * std::int64_t{c}, {routine, ": cptree"});
   molva::Array<float> ctsims = AllocFloats(2 * std::int64_t{c}, {routine, ": ctsims"});
-  MOLVA_VA_Cluster(c, plotted.nrows, columns.colptr.get(), columns.colind.get(),
-                   columns.colval.get(), kCosine, kColumnCriterion, kNoModel, kNoModel, kNoPruning,
-                   params.dbglvl, 1, cpart.get(), cptree.get(), ctsims.get());
+  const EngineInput input{.nrows = c,
+                          .ncols = plotted.nrows,
+                          .rowptr = columns.colptr.get(),
+                          .rowind = columns.colind.get(),
+                          .rowval = columns.colval.get(),
+                          .dbglvl = params.dbglvl};
+  MergeRows(input, MOLVA_CRFUN_I2, 1, {cpart, cptree, ctsims});
   molva::Array<int> ftree =
       molva::MakeChildTable({cptree.get(), cptree.size()}, {routine, ": ftree"});
-  if (params.noreorder == 0 && c <= kMostReordered) {
-    MOLVA_V_TreeReorder(c, plotted.nrows, columns.colptr.get(), columns.colind.get(),
-                        columns.colval.get(), kCosine, kNoModel, kNoModel, kNoPruning,
-                        params.dbglvl, cptree.get(), ftree.get());
-  }
+  if (!params.noreorder && c <= kMostReordered) ReorderRowTree(input, cptree, ftree);
   return KeepPresentLeaves({cptree.get(), cptree.size()}, ftree, c,
                            {routine, ": cxnode", ": cynode"});
 }

@@ -11,6 +11,7 @@
 
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
+#include "programs/io/engine_calls.h"
 #include "programs/io/matrix.h"
 #include "programs/plot_page.h"
 #include "programs/plot_tree.h"
@@ -32,6 +33,7 @@ struct PlottedMatrix {
   molva::Array<int> rperm;  // input row of each row
   molva::Array<int> cperm;  // input column of each column
   molva::Array<int> part;   // cluster of each row, -1 for none
+  int nclusters = 0;
 
   std::span<const int> RowColumns(int i) const;
   std::span<const float> RowValues(int i) const;
@@ -40,8 +42,12 @@ struct PlottedMatrix {
 
 // Prepares the matrix as the run did, before any column is left out. The routine's name names the
 // blocks.
-PlottedMatrix PrepareForPlot(const RunParams& params, const Matrix& mat, const int* part,
+PlottedMatrix PrepareForPlot(const RunParams& params, const Matrix& mat, const Clusters& clusters,
                              const char* routine);
+
+// What the library is handed of a plotted matrix, which is prepared already: cosine, no models,
+// nothing pruned but what every preparation prunes.
+EngineInput PlotInput(const RunParams& params, const PlottedMatrix& plotted);
 
 // Keeps the columns among the params.nfeatures most descriptive or discriminating ones of a
 // cluster, measured on the prepared rows as they are; with dense input all columns.

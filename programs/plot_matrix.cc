@@ -63,10 +63,8 @@ OrderedTree TreeOverRows(const RunParams& params, const PlottedMatrix& plotted,
   }
   molva::Array<int> ftree =
       molva::MakeChildTable({parents.get(), parents.size()}, {routine, ": ftree"});
-  if (params.noreorder == 0 && n <= kMostReordered) {
-    MOLVA_V_TreeReorder(n, plotted.ncols, plotted.rowptr.get(), plotted.rowind.get(),
-                        plotted.rowval.get(), 1, 1, 1, 1.0F, params.dbglvl, parents.get(),
-                        ftree.get());
+  if (!params.noreorder && n <= kMostReordered) {
+    ReorderRowTree(PlotInput(params, plotted), parents, ftree);
   }
   return KeepPresentLeaves({parents.get(), parents.size()}, ftree, n,
                            {routine, ": rxnode", ": rynode"});
@@ -161,8 +159,8 @@ void DrawFrames(PlotPage& page, const MatrixLayout& layout, const std::vector<Ba
 }
 
 void PlotTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                    const int* part, const char* routine) {
-  PlottedMatrix plotted = PrepareForPlot(params, mat, part, routine);
+                    const Clusters& clusters, const char* routine) {
+  PlottedMatrix plotted = PrepareForPlot(params, mat, clusters, routine);
   std::optional<OrderedTree> row_tree;
   if (!ptree.empty() && plotted.nrows > 0) {
     row_tree = TreeOverRows(params, plotted, ptree, routine);
@@ -174,7 +172,7 @@ void PlotTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const 
     return;
   }
   std::optional<OrderedTree> column_tree;
-  if (params.clustercolumns != 0) column_tree = ClusterColumns(params, plotted, routine);
+  if (params.clustercolumns) column_tree = ClusterColumns(params, plotted, routine);
 
   const MatrixLayout layout(plotted.nrows, plotted.ncols, row_tree.has_value(),
                             column_tree.has_value());
@@ -194,30 +192,30 @@ void PlotTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const 
                  {}};
   grid.column_position = PositionsOf(grid.columns);
   DrawColumnLabels(page, layout, mat, plotted, grid.columns);
-  DrawCells(page, layout, plotted, grid, params.zeroblack != 0);
-  DrawFrames(page, layout, BandsOf(params.nclusters, plotted, grid.rows));
+  DrawCells(page, layout, plotted, grid, params.zeroblack);
+  DrawFrames(page, layout, BandsOf(clusters.count, plotted, grid.rows));
   page.Close();
 }
 
 }  // namespace
 
 void PlotMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                const int* part) {
-  if (params.denseinput != 0) {
-    PlotDenseTreeMatrix(params, mat, ptree, part);
+                const Clusters& clusters) {
+  if (params.denseinput) {
+    PlotDenseTreeMatrix(params, mat, ptree, clusters);
   } else {
-    PlotSparseTreeMatrix(params, mat, ptree, part);
+    PlotSparseTreeMatrix(params, mat, ptree, clusters);
   }
 }
 
 void PlotSparseTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                          const int* part) {
-  PlotTreeMatrix(params, mat, ptree, part, "PlotSparseTreeMatrix");
+                          const Clusters& clusters) {
+  PlotTreeMatrix(params, mat, ptree, clusters, "PlotSparseTreeMatrix");
 }
 
 void PlotDenseTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                         const int* part) {
-  PlotTreeMatrix(params, mat, ptree, part, "PlotDenseTreeMatrix");
+                         const Clusters& clusters) {
+  PlotTreeMatrix(params, mat, ptree, clusters, "PlotDenseTreeMatrix");
 }
 
 }  // namespace mardle

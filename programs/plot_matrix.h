@@ -5,6 +5,7 @@
 
 #include <span>
 
+#include "programs/io/engine_calls.h"
 #include "programs/io/matrix.h"
 #include "programs/run_params.h"
 
@@ -16,12 +17,12 @@ namespace mardle {
 // columns (params.clustercolumns) above. A plot without rows or columns is not made, which is
 // reported on standard error.
 void PlotMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                const int* part);
+                const Clusters& clusters);
 
 // The two forms of input; they differ in the columns that are kept and in the names of blocks.
 void PlotSparseTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                          const int* part);
+                          const Clusters& clusters);
 void PlotDenseTreeMatrix(const RunParams& params, const Matrix& mat, std::span<const int> ptree,
-                         const int* part);
+                         const Clusters& clusters);
 
 }  // namespace mardle

@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <string>
 
-#include "lib/molva.h"
 #include "lib/support/alloc.h"
 #include "lib/support/printed.h"
 #include "programs/code_names.h"
@@ -23,8 +22,9 @@ using molva::Printed;
 
 // The names that begin with EvaluatePartition keep that beginning.
 struct QualityNumbers {
-  QualityNumbers(int nclusters, int nrows, int nclasses)
-      : pwgts(AllocIntsSet(nclusters, 0, "EvaluateClusters: pwgts")),
+  QualityNumbers(int clusters, int nrows, int nclasses)
+      : nclusters(clusters),
+        pwgts(AllocIntsSet(nclusters, 0, "EvaluateClusters: pwgts")),
         cintsim(AllocFloatsSet(nclusters, 0, "EvaluateClusters: cintsim")),
         cintsdev(AllocFloatsSet(nclusters, 0, "EvaluateClusters: cintsdev")),
         izscores(AllocFloatsSet(nrows, 0, "EvaluateClusters: izscores")),
@@ -37,6 +37,7 @@ struct QualityNumbers {
         purities(AllocFloatsSet(nclusters, 0, "EvaluatePartition: purities")),
         fscores(AllocFloatsSet(nclasses, 0, "EvaluatePartition: fscores")) {}
 
+  int nclusters;
   molva::Array<int> pwgts;
   molva::Array<float> cintsim, cintsdev, izscores, cextsim, cextsdev, ezscores;
   molva::Rows<int> classdist;  // rows of each class in each cluster
@@ -47,16 +48,19 @@ struct QualityNumbers {
   float fscore = 0;
 };
 
-QualityNumbers MeasureQuality(const RunParams& params, const Matrix& mat, const int* part,
+QualityNumbers MeasureQuality(const RunParams& params, const Matrix& mat, const Clusters& clusters,
                               std::span<const int> ptree) {
-  QualityNumbers numbers(params.nclusters, mat.nrows, mat.nclasses);
-  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, params.nclusters, part, numbers.pwgts.get(),
-                          numbers.cintsim.get(), numbers.cintsdev.get(), numbers.izscores.get(),
-                          numbers.cextsim.get(), numbers.cextsdev.get(), numbers.ezscores.get());
-  const std::int64_t total = CountClasses(mat.classes, part, numbers.classdist, numbers.ocldist);
-  for (int c = 0; c < params.nclusters; ++c) {
+  QualityNumbers numbers(clusters.count, mat.nrows, mat.nclasses);
+  MeasureClusters(RunInput(params, mat, clusters), {.pwgts = numbers.pwgts,
+                                                    .cintsim = numbers.cintsim,
+                                                    .cintsdev = numbers.cintsdev,
+                                                    .izscores = numbers.izscores,
+                                                    .cextsim = numbers.cextsim,
+                                                    .cextsdev = numbers.cextsdev,
+                                                    .ezscores = numbers.ezscores});
+  const std::int64_t total =
+      CountClasses(mat.classes, clusters.part, numbers.classdist, numbers.ocldist);
+  for (int c = 0; c < clusters.count; ++c) {
     numbers.entropies[c] = ComputeEntropy(mat.nclasses, total, numbers.ocldist, numbers.pwgts[c],
                                           numbers.classdist[c]);
     numbers.purities[c] =
@@ -90,7 +94,7 @@ void PrintClassNames(const Matrix& mat) {
 // The heading of a table with classes; with the complete tree also what it says of each class.
 void PrintSolution(const RunParams& params, const Matrix& mat, const QualityNumbers& numbers,
                    bool with_tree, float crvalue, const std::string& rule) {
-  std::printf("%d-way clustering: [%s=%.2e], Entropy: %.3f, Purity: %.3f", params.nclusters,
+  std::printf("%d-way clustering: [%s=%.2e], Entropy: %.3f, Purity: %.3f", numbers.nclusters,
               CriterionName(params.crfun), Printed(crvalue), Printed(numbers.entropy, 0),
               Printed(numbers.purity, 0));
   if (!with_tree) {
@@ -116,7 +120,7 @@ void PrintWithClasses(const RunParams& params, const Matrix& mat, const QualityN
   std::printf("cid  Size  ISim  ISdev   ESim  ESdev  Entpy Purty | ");
   PrintClassNames(mat);
   std::printf("\n%s\n", rule.c_str());
-  for (int c = 0; c < params.nclusters; ++c) {
+  for (int c = 0; c < numbers.nclusters; ++c) {
     PrintSimilarities(numbers, c);
     std::printf("%5.3f %5.3f | ", Printed(numbers.entropies[c], 0),
                 Printed(numbers.purities[c], 0));
@@ -130,11 +134,11 @@ void PrintWithoutClasses(const RunParams& params, const Matrix& mat, const Quali
                          float crvalue) {
   const std::string rule = RuleLine(mat.nclasses);
   std::printf("%s\n", rule.c_str());
-  std::printf("%d-way clustering solution: [%s=%.2e]\n", params.nclusters,
+  std::printf("%d-way clustering solution: [%s=%.2e]\n", numbers.nclusters,
               CriterionName(params.crfun), Printed(crvalue));
   std::printf("%s\n", rule.c_str());
   std::printf("cid  Size  ISim  ISdev   ESim  ESdev  | \n%s\n", rule.c_str());
-  for (int c = 0; c < params.nclusters; ++c) {
+  for (int c = 0; c < numbers.nclusters; ++c) {
     PrintSimilarities(numbers, c);
     std::printf("| \n");
   }
@@ -143,9 +147,9 @@ void PrintWithoutClasses(const RunParams& params, const Matrix& mat, const Quali
 
 }  // namespace
 
-void EvaluateClusters(const RunParams& params, const Matrix& mat, const int* part,
+void EvaluateClusters(const RunParams& params, const Matrix& mat, const Clusters& clusters,
                       std::span<const int> ptree, float crvalue) {
-  const QualityNumbers numbers = MeasureQuality(params, mat, part, ptree);
+  const QualityNumbers numbers = MeasureQuality(params, mat, clusters, ptree);
   if (mat.nclasses >= 2) {
     PrintWithClasses(params, mat, numbers, !ptree.empty(), crvalue);
   } else {

@@ -5,6 +5,7 @@
 
 #include <span>
 
+#include "programs/io/engine_calls.h"
 #include "programs/io/matrix.h"
 #include "programs/run_params.h"
 
@@ -15,7 +16,7 @@ namespace mardle {
 // criterion value and the solution's entropy and purity. With classes and the complete tree (2
 // nrows parents; empty when none was built) it also prints how well each class is found in the
 // tree.
-void EvaluateClusters(const RunParams& params, const Matrix& mat, const int* part,
+void EvaluateClusters(const RunParams& params, const Matrix& mat, const Clusters& clusters,
                       std::span<const int> ptree, float crvalue);
 
 }  // namespace mardle

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "programs/run.h"
 
+#include <cstdint>
 #include <new>
+#include <span>
 
 #include "lib/molva.h"
 #include "lib/support/alloc.h"
@@ -10,6 +12,7 @@
 #include "lib/support/printed.h"
 #include "programs/data_numbers.h"
 #include "programs/feature_report.h"
+#include "programs/io/engine_calls.h"
 #include "programs/io/matrix.h"
 #include "programs/io/read_matrix.h"
 #include "programs/io/write_results.h"
@@ -23,6 +26,12 @@
 
 namespace mardle {
 namespace {
+
+RunParams ParsedCommandLine(int argc, char** argv) {
+  RunParams params;
+  ParseCommandLine(params, argc, argv);
+  return params;
+}
 
 // Adds the processor time of a scope to a timer: subtracts the clock at its start and adds it at
 // its end. The timer is single precision at both.
@@ -39,97 +48,81 @@ class TimedScope {
   float& timer_;
 };
 
-void Read(RunParams& params, Matrix& mat) {
-  const TimedScope timed(params.IOTmr);
-  ReadMatrix(params, mat);
-}
-
-// With both methods asked for, repeated bisection runs.
-void Cluster(const RunParams& params, const Matrix& mat, int* part) {
-  if (params.rb != 0) {
-    MOLVA_VP_ClusterRB(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
-                       params.simfun, params.crfun, params.rowmodel, params.colmodel, params.prune,
-                       params.ntrials, params.niter, params.seed, params.refine, params.dbglvl,
-                       params.nclusters, part);
-  } else {
-    MOLVA_VP_ClusterDirect(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                           mat.rowval.get(), params.simfun, params.crfun, params.rowmodel,
-                           params.colmodel, params.prune, params.ntrials, params.niter, params.seed,
-                           params.dbglvl, params.nclusters, part);
-  }
-}
-
 // What a run finds. The tree arrays are null without the complete tree.
 struct Solution {
+  int nclusters = 0;
   molva::Array<int> part;
   molva::Array<int> ptree;
   molva::Array<float> tsims;
   float crvalue = 0;
+
+  Clusters clusters() const { return {nclusters, part.get()}; }
+  std::span<const int> parents() const { return {ptree.get(), ptree.size()}; }
 };
 
-// The complete tree is built under the criterion of the clustering. Its file is written here, and
-// the flag cleared, so that the report of the tree over the clusters does not write again.
-void BuildFullTree(RunParams& params, const Matrix& mat, Solution& solution) {
-  const std::int64_t nodes = 2 * std::int64_t{mat.nrows};
+// The complete tree is built under the criterion of the clustering. Its file is written here.
+void BuildFullTree(const RunParams& params, const EngineInput& input, Solution& solution) {
+  const std::int64_t nodes = 2 * std::int64_t{input.nrows};
   solution.ptree = molva::AllocIntsSet(nodes, -1, "main: ptree");
   solution.tsims = molva::AllocFloatsSet(nodes, 0, "main: tsims");
-  MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
-                    params.simfun, params.crfun, params.rowmodel, params.colmodel, params.prune, 2,
-                    params.dbglvl, params.nclusters, solution.part.get(), solution.ptree.get(),
-                    solution.tsims.get());
-  if (params.writetree != 0) {
-    WriteTree(params.filename, params.treefile, mat.nrows, solution.ptree.get(),
+  BuildTree(input, MOLVA_TREE_ROWS, params.crfun, solution.ptree, solution.tsims);
+  if (params.writetree) {
+    WriteTree(params.filename, params.treefile, input.nrows, solution.ptree.get(),
               solution.tsims.get());
   }
-  params.writetree = 0;
 }
 
-Solution FindSolution(RunParams& params, const Matrix& mat) {
+Solution FindSolution(const RunParams& params, const Matrix& mat, int nclusters) {
   Solution solution;
+  solution.nclusters = nclusters;
   solution.part = molva::AllocIntsSet(mat.nrows, -1, "main: part");
-  const TimedScope timed(params.ClusterTmr);
+  const EngineInput input = RunInput(params, mat, solution.clusters());
   molva::DataBringNotANumber(DataBringNotANumber(params, mat));
-  Cluster(params, mat, solution.part.get());
-  solution.crvalue = MOLVA_V_GetSolutionQuality(
-      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
-      params.crfun, params.rowmodel, params.colmodel, params.prune, params.nclusters,
-      solution.part.get());
-  if (params.fulltree != 0) BuildFullTree(params, mat, solution);
+  FindClusters(params, input, solution.part);
+  solution.crvalue = CriterionValue(input, params.crfun);
+  if (params.fulltree) BuildFullTree(params, input, solution);
   return solution;
 }
 
-void Write(RunParams& params, const Matrix& mat, const Solution& solution) {
-  const TimedScope timed(params.IOTmr);
-  if (params.nooutput == 0) WriteClustering(params, mat, solution.part.get());
+// With the complete tree its file is the one that was asked for.
+TreeOutput ClusterTreeOutput(const RunParams& params) {
+  return {.written = params.writetree && !params.fulltree, .printed = params.showtree};
 }
 
-void Report(RunParams& params, const Matrix& mat, const Solution& solution) {
-  const TimedScope timed(params.ReportTmr);
-  const int* part = solution.part.get();
-  EvaluateClusters(params, mat, part, {solution.ptree.get(), solution.ptree.size()},
-                   solution.crvalue);
-  if (params.showfeatures != 0) ShowClusterFeatures(params, mat, part);
-  if (params.showtree != 0 || params.writetree != 0) ShowHACTree(params, mat, part);
+void Report(const RunParams& params, const Matrix& mat, const Solution& solution) {
+  const Clusters clusters = solution.clusters();
+  EvaluateClusters(params, mat, clusters, solution.parents(), solution.crvalue);
+  if (params.showfeatures) ShowClusterFeatures(params, mat, clusters);
+  const TreeOutput tree = ClusterTreeOutput(params);
+  if (tree.written || tree.printed) ShowHACTree(params, mat, clusters, tree);
   // Sparse rows under the correlation coefficient are not plotted, and nothing is said about it.
-  const bool can_plot = params.denseinput != 0 || params.simfun == 1;
-  if (params.plotmatrixfile && can_plot) {
-    PlotMatrix(params, mat, {solution.ptree.get(), solution.ptree.size()}, part);
-  }
-  if (params.plotclustersfile && can_plot) PlotTreeClusterMatrix(params, mat, part);
+  const bool can_plot = params.denseinput || params.simfun == MOLVA_SIM_COSINE;
+  if (params.plotmatrixfile && can_plot) PlotMatrix(params, mat, solution.parents(), clusters);
+  if (params.plotclustersfile && can_plot) PlotTreeClusterMatrix(params, mat, clusters);
+}
+
+// Runs a step and adds its time to a timer.
+template <typename Step>
+auto Timed(float& timer, Step step) {
+  const TimedScope timed(timer);
+  return step();
 }
 
 int RunToTheEnd(int argc, char** argv) {
-  RunParams params;
-  ParseCommandLine(params, argc, argv);
+  const RunParams params = ParsedCommandLine(argc, argv);
+  RunTimers timers;
   const molva::Owned<Matrix> mat = CreateMatrix();
-  Read(params, *mat);
-  if (params.nclusters == 0) params.nclusters = mat->nclasses;
-  PrintRunInfo(params, *mat);
+  Timed(timers.IOTmr, [&] { ReadMatrix(params, *mat); });
+  const int nclusters = params.nclusters != 0 ? params.nclusters : mat->nclasses;
+  PrintRunInfo(params, *mat, nclusters);
 
-  const Solution solution = FindSolution(params, *mat);
-  Write(params, *mat, solution);
-  Report(params, *mat, solution);
-  return PrintTimingInfo(params);
+  const Solution solution =
+      Timed(timers.ClusterTmr, [&] { return FindSolution(params, *mat, nclusters); });
+  Timed(timers.IOTmr, [&] {
+    if (!params.nooutput) WriteClustering(params, *mat, solution.clusters());
+  });
+  Timed(timers.ReportTmr, [&] { Report(params, *mat, solution); });
+  return PrintTimingInfo(timers);
 }
 
 }  // namespace

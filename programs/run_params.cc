@@ -6,12 +6,12 @@
 namespace mardle {
 
 void DeriveSettings(RunParams& params) {
-  if (params.rb == 0 && params.direct == 0) params.rb = 1;
+  if (!params.rb && !params.direct) params.rb = true;
   if (params.treecrfun == 0) params.treecrfun = params.crfun;
   // Z-scores live in the clustering file, so it is written all the same.
-  if (params.zscores != 0) params.nooutput = 0;
+  if (params.zscores) params.nooutput = false;
   // Full rows leave nothing for IDF to tell apart; this beats an explicit column model.
-  if (params.simfun == MOLVA_SIM_CORRELATION || params.denseinput != 0) {
+  if (params.simfun == MOLVA_SIM_CORRELATION || params.denseinput) {
     params.colmodel = MOLVA_COL_NONE;
   }
 }

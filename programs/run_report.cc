@@ -14,11 +14,11 @@ constexpr char kAsterisks[] =
 constexpr int kVersionMajor = 1;
 constexpr int kVersionMinor = 5;
 
-const char* YesOrNo(int flag) { return flag != 0 ? "YES" : "NO"; }
+const char* YesOrNo(bool flag) { return flag ? "YES" : "NO"; }
 
 }  // namespace
 
-void PrintRunInfo(const RunParams& params, const Matrix& mat) {
+void PrintRunInfo(const RunParams& params, const Matrix& mat, int nclusters) {
   std::printf("%s", kAsterisks);
   std::printf(" MOLVA %d.%d - mardle\n\n", kVersionMajor, kVersionMinor);
   std::printf(
@@ -32,21 +32,20 @@ void PrintRunInfo(const RunParams& params, const Matrix& mat) {
               ColumnModelName(params.colmodel), static_cast<double>(params.prune), params.ntrials,
               params.niter);
   std::printf("  Direct=%s, RB=%s, Refine=%s, SimFun=%s, #Clusters: %d\n\n", YesOrNo(params.direct),
-              YesOrNo(params.rb), YesOrNo(params.refine), SimilarityName(params.simfun),
-              params.nclusters);
+              YesOrNo(params.rb), YesOrNo(params.refine), SimilarityName(params.simfun), nclusters);
   std::printf(
       "Solution ------------------------------------------------------------------------\n\n");
 }
 
-int PrintTimingInfo(const RunParams& params) {
+int PrintTimingInfo(const RunTimers& timers) {
   std::printf(
       "\nTiming Information --------------------------------------------------------------\n");
   std::printf("   I/O:                              %10.3f sec\n",
-              static_cast<double>(params.IOTmr));
+              static_cast<double>(timers.IOTmr));
   std::printf("   Clustering:                       %10.3f sec\n",
-              static_cast<double>(params.ClusterTmr));
+              static_cast<double>(timers.ClusterTmr));
   std::printf("   Reporting:                        %10.3f sec\n",
-              static_cast<double>(params.ReportTmr));
+              static_cast<double>(timers.ReportTmr));
   std::printf("%s", kAsterisks);
   return static_cast<int>(std::string_view(kAsterisks).size());
 }

@@ -8,10 +8,11 @@
 
 namespace mardle {
 
-// Prints the banner, the matrix, the options, and the heading under which the solution follows.
-void PrintRunInfo(const RunParams& params, const Matrix& mat);
+// Prints the banner, the matrix, the options with the number of clusters to be made, and the
+// heading under which the solution follows.
+void PrintRunInfo(const RunParams& params, const Matrix& mat, int nclusters);
 
 // Prints the three timers and the closing line; returns the length of that line, newline included.
-int PrintTimingInfo(const RunParams& params);
+int PrintTimingInfo(const RunTimers& timers);
 
 }  // namespace mardle

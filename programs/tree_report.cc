@@ -24,27 +24,20 @@ using molva::AllocInts;
 constexpr char kSeparator[] =
     "--------------------------------------------------------------------------------\n";
 
-std::int64_t Nodes(const RunParams& params) { return 2 * std::int64_t{params.nclusters}; }
-
 // The children of every node in the order in which they are drawn.
-molva::Array<int> OrderedChildren(const RunParams& params, const Matrix& mat, const int* part,
+molva::Array<int> OrderedChildren(const RunParams& params, const EngineInput& input,
                                   const molva::Array<int>& ptree) {
   molva::Array<int> ftree =
       molva::MakeChildTable({ptree.get(), ptree.size()}, "ShowHACTree: ftree");
-  if (params.noreorder == 0) {
-    MOLVA_V_ClusterTreeReorder(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                               mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                               params.prune, params.dbglvl, params.nclusters, part, ptree.get(),
-                               ftree.get());
-  }
+  if (!params.noreorder) ReorderClusterTree(input, ptree, ftree);
   return ftree;
 }
 
 // Counts follow the cluster's number directly, so they line up as long as all cluster numbers have
 // the same printed width.
-void PrintClassView(const RunParams& params, const Matrix& mat, const int* part,
+void PrintClassView(const Matrix& mat, const Clusters& clusters,
                     const molva::ChildTable& children) {
-  const TreeDrawing drawing = DrawTree(params.nclusters, children, false);
+  const TreeDrawing drawing = DrawTree(clusters.count, children, false);
   const std::string rule(
       static_cast<std::size_t>(drawing.width + 5 * std::int64_t{mat.nclasses} + 5), '-');
   const bool has_classes = mat.nclasses > 1;
@@ -52,10 +45,10 @@ void PrintClassView(const RunParams& params, const Matrix& mat, const int* part,
   molva::Array<int> cluster_of_line;
   std::printf("%s", drawing.canvas[0].data());
   if (has_classes) {
-    classdist = molva::AllocIntMatrix(params.nclusters, mat.nclasses, 0, "ShowHACTree: classdist");
-    CountClasses(mat.classes, part, classdist, {});
+    classdist = molva::AllocIntMatrix(clusters.count, mat.nclasses, 0, "ShowHACTree: classdist");
+    CountClasses(mat.classes, clusters.part, classdist, {});
     cluster_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: ynode");
-    for (int k = 0; k < params.nclusters; ++k) {
+    for (int k = 0; k < clusters.count; ++k) {
       if (drawing.ynode[k] >= 0) cluster_of_line[drawing.ynode[k]] = k;
     }
     std::printf("   ");
@@ -91,18 +84,12 @@ struct NodeNumbers {
   molva::Array<float> internalwgts, externalwgts;
 };
 
-NodeNumbers MeasureNodes(const RunParams& params, const Matrix& mat, const int* part,
-                         const molva::Array<int>& ptree) {
-  NodeNumbers n(Nodes(params), std::max(params.nfeatures, 0));
-  MOLVA_V_GetTreeStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
-                       params.simfun, params.rowmodel, params.colmodel, params.prune,
-                       params.nclusters, part, ptree.get(), n.pwgts.get(), n.cintsim.get(),
-                       n.cextsim.get());
-  MOLVA_V_GetTreeFeatures(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, params.nclusters, part, ptree.get(), params.nfeatures,
-                          n.internalids.get(), n.internalwgts.get(), n.externalids.get(),
-                          n.externalwgts.get());
+NodeNumbers NumbersOfNodes(const EngineInput& input, const molva::Array<int>& ptree,
+                           int nfeatures) {
+  NodeNumbers n(input.clusters.nodes(), std::max(nfeatures, 0));
+  MeasureNodes(input, ptree, {n.pwgts, n.cintsim, n.cextsim});
+  DescribeNodes(input, ptree, nfeatures,
+                {n.internalids, n.internalwgts, n.externalids, n.externalwgts});
   return n;
 }
 
@@ -116,52 +103,51 @@ void PrintNodeFeatures(const Matrix& mat, int nfeatures, const int* ids, const f
   if (nfeatures < 1 || ids[nfeatures - 1] == -1) std::printf("\n");
 }
 
-void PrintLabelView(const RunParams& params, const Matrix& mat, const int* part,
+void PrintLabelView(const Matrix& mat, const EngineInput& input, int nfeatures,
                     const molva::Array<int>& ptree, const molva::ChildTable& children) {
-  const NodeNumbers n = MeasureNodes(params, mat, part, ptree);
-  const TreeDrawing drawing = DrawTree(params.nclusters, children, true);
+  const NodeNumbers n = NumbersOfNodes(input, ptree, nfeatures);
+  const TreeDrawing drawing = DrawTree(input.clusters.count, children, true);
   molva::Array<int> node_of_line = molva::AllocIntsSet(drawing.lines, -1, "ShowHACTree: ynode");
-  for (int x = 0; x < 2 * params.nclusters - 1; ++x) {
+  for (int x = 0; x < 2 * input.clusters.count - 1; ++x) {
     if (drawing.ynode[x] >= 0) node_of_line[drawing.ynode[x]] = x;
   }
   std::printf("%s     Size   ISim   XSim\n", drawing.canvas[0].data());
   for (int y = 1; y < drawing.lines; ++y) {
     const int x = node_of_line[y];
-    const std::int64_t begin = std::int64_t{x} * std::max(params.nfeatures, 0);
+    const std::int64_t begin = std::int64_t{x} * std::max(nfeatures, 0);
     std::printf("%s   [%5d, %.3f, %.3f] [", drawing.canvas[y].data(), n.pwgts[x],
                 molva::Printed(n.cintsim[x]), molva::Printed(n.cextsim[x]));
-    PrintNodeFeatures(mat, params.nfeatures, n.internalids.get() + begin,
-                      n.internalwgts.get() + begin);
+    PrintNodeFeatures(mat, nfeatures, n.internalids.get() + begin, n.internalwgts.get() + begin);
     std::printf("\n");
   }
 }
 
-void PrintTree(const RunParams& params, const Matrix& mat, const int* part,
+void PrintTree(const RunParams& params, const Matrix& mat, const EngineInput& input,
                const molva::Array<int>& ptree) {
-  molva::Array<int> ftree = OrderedChildren(params, mat, part, ptree);
+  molva::Array<int> ftree = OrderedChildren(params, input, ptree);
   const molva::ChildTable children(ftree);
   std::printf("\n%sHierarchical Tree that optimizes the %s criterion function...\n%s", kSeparator,
               CriterionName(params.treecrfun), kSeparator);
-  if (params.labeltree != 0) {
-    PrintLabelView(params, mat, part, ptree, children);
+  if (params.labeltree) {
+    PrintLabelView(mat, input, params.nfeatures, ptree, children);
   } else {
-    PrintClassView(params, mat, part, children);
+    PrintClassView(mat, input.clusters, children);
   }
   std::printf("%s", kSeparator);
 }
 
 }  // namespace
 
-void ShowHACTree(const RunParams& params, const Matrix& mat, const int* part) {
-  molva::Array<int> ptree = AllocInts(Nodes(params), "ShowHACTree: ptree");
-  molva::Array<float> tsims = AllocFloats(Nodes(params), "ShowHACTree: tsims");
-  MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
-                    params.simfun, params.treecrfun, params.rowmodel, params.colmodel, params.prune,
-                    1, params.dbglvl, params.nclusters, part, ptree.get(), tsims.get());
-  if (params.writetree != 0) {
-    WriteTree(params.filename, params.treefile, params.nclusters, ptree.get(), tsims.get());
+void ShowHACTree(const RunParams& params, const Matrix& mat, const Clusters& clusters,
+                 const TreeOutput& output) {
+  const EngineInput input = RunInput(params, mat, clusters);
+  molva::Array<int> ptree = AllocInts(clusters.nodes(), "ShowHACTree: ptree");
+  molva::Array<float> tsims = AllocFloats(clusters.nodes(), "ShowHACTree: tsims");
+  BuildTree(input, MOLVA_TREE_CLUSTERS, params.treecrfun, ptree, tsims);
+  if (output.written) {
+    WriteTree(params.filename, params.treefile, clusters.count, ptree.get(), tsims.get());
   }
-  if (params.showtree != 0) PrintTree(params, mat, part, ptree);
+  if (output.printed) PrintTree(params, mat, input, ptree);
 }
 
 }  // namespace mardle

@@ -110,7 +110,7 @@ void ReadMatrix(const RunParams& params, Matrix& mat) {
     InitMatrix(mat);
     mat.nrows = header.nrows;
     mat.ncols = header.ncols;
-    if (params.denseinput != 0) {
+    if (params.denseinput) {
       ReadDenseRows(reader, header, mat);
     } else {
       ReadSparseRows(reader, header, mat);

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 
-#include "lib/molva.h"
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
 #include "lib/support/printed.h"
@@ -18,15 +17,15 @@ std::string NameOf(const molva::String& given, const molva::String& stem, const 
   return std::string(stem.get()) + kind + std::to_string(count);
 }
 
-void WriteClusters(std::FILE* out, const Matrix& mat, const int* part) {
-  for (int i = 0; i < mat.nrows; ++i) std::fprintf(out, "%d\n", part[i]);
+void WriteClusters(std::FILE* out, int nrows, const int* part) {
+  for (int i = 0; i < nrows; ++i) std::fprintf(out, "%d\n", part[i]);
 }
 
 // The blocks carry the quality report's names, which measures the same way.
 void WriteClustersAndScores(std::FILE* out, const RunParams& params, const Matrix& mat,
-                            const int* part) {
+                            const Clusters& clusters) {
   using molva::AllocFloatsSet;
-  const int nclusters = params.nclusters;
+  const int nclusters = clusters.count;
   molva::Array<int> pwgts = molva::AllocIntsSet(nclusters, 0, "EvaluateClusters: pwgts");
   molva::Array<float> cintsim = AllocFloatsSet(nclusters, 0, "EvaluateClusters: cintsim");
   molva::Array<float> cintsdev = AllocFloatsSet(nclusters, 0, "EvaluateClusters: cintsdev");
@@ -34,37 +33,44 @@ void WriteClustersAndScores(std::FILE* out, const RunParams& params, const Matri
   molva::Array<float> cextsim = AllocFloatsSet(nclusters, 0, "EvaluateClusters: cextsim");
   molva::Array<float> cextsdev = AllocFloatsSet(nclusters, 0, "EvaluateClusters: cextsdev");
   molva::Array<float> ezscores = AllocFloatsSet(mat.nrows, 0, "EvaluateClusters: ezscores");
-  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, nclusters, part, pwgts.get(), cintsim.get(), cintsdev.get(),
-                          izscores.get(), cextsim.get(), cextsdev.get(), ezscores.get());
+  MeasureClusters(RunInput(params, mat, clusters), {.pwgts = pwgts,
+                                                    .cintsim = cintsim,
+                                                    .cintsdev = cintsdev,
+                                                    .izscores = izscores,
+                                                    .cextsim = cextsim,
+                                                    .cextsdev = cextsdev,
+                                                    .ezscores = ezscores});
   for (int i = 0; i < mat.nrows; ++i) {
-    const bool clustered = part[i] >= 0 && part[i] < nclusters;
-    std::fprintf(out, "%d %f %f\n", part[i],
-                 molva::Printed(izscores[i], clustered ? cintsim[part[i]] : 0),
-                 molva::Printed(ezscores[i], clustered ? cextsim[part[i]] : 0));
+    const int k = clusters.part[i];
+    const bool clustered = k >= 0 && k < nclusters;
+    std::fprintf(out, "%d %f %f\n", k, molva::Printed(izscores[i], clustered ? cintsim[k] : 0),
+                 molva::Printed(ezscores[i], clustered ? cextsim[k] : 0));
   }
 }
 
 }  // namespace
 
+std::string ClusteringName(const RunParams& params, int nclusters) {
+  return NameOf(params.outputfile, params.filename, ".clustering.", nclusters);
+}
+
 std::string ClusteringName(const RunParams& params) {
-  return NameOf(params.outputfile, params.filename, ".clustering.", params.nclusters);
+  return ClusteringName(params, params.nclusters);
 }
 
 std::string TreeName(const molva::String& filename, const molva::String& treefile, int n) {
   return NameOf(treefile, filename, ".tree.", n);
 }
 
-void WriteClustering(const RunParams& params, const Matrix& mat, const int* part) {
-  const std::string name = ClusteringName(params);
+void WriteClustering(const RunParams& params, const Matrix& mat, const Clusters& clusters) {
+  const std::string name = ClusteringName(params, clusters.count);
   // Opened before the z-scores are computed, so a name that cannot be written is reported at once.
   molva::File file = molva::OpenFile(name.c_str(), "w");
   if (!file) molva::FatalError("Problems in opening the clustering file: %s", name.c_str());
-  if (params.zscores != 0) {
-    WriteClustersAndScores(file.get(), params, mat, part);
+  if (params.zscores) {
+    WriteClustersAndScores(file.get(), params, mat, clusters);
   } else {
-    WriteClusters(file.get(), mat, part);
+    WriteClusters(file.get(), mat.nrows, clusters.part);
   }
   molva::CloseFile(file);
 }

@@ -42,10 +42,6 @@ void RequireTakenFrom(const Words& words, const molva::String& text) {
 
 void CheckParams(const Words& words, const mardle::RunParams& params) {
   for (const mardle::Option& option : mardle::OptionTable()) {
-    if (option.flag != nullptr) {
-      const int flag = params.*option.flag;
-      Require(flag == 0 || flag == 1, "flags are 0 or 1");
-    }
     if (option.text != nullptr) RequireTakenFrom(words, params.*option.text);
   }
   Require(static_cast<bool>(params.filename), "a run has a file name");
@@ -60,7 +56,7 @@ void AddText(const molva::String& text, Record& record) {
 
 void AddParams(const mardle::RunParams& params, Record& record) {
   for (const mardle::Option& option : mardle::OptionTable()) {
-    if (option.flag != nullptr) record.Add(std::vector{params.*option.flag});
+    if (option.flag != nullptr) record.Add(std::vector<int>{params.*option.flag});
     if (option.number != nullptr) record.Add(std::vector{params.*option.number});
     if (option.fraction != nullptr) record.Add(std::vector{params.*option.fraction});
     if (option.text != nullptr) AddText(params.*option.text, record);

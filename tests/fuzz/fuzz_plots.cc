@@ -131,16 +131,17 @@ mardle::RunParams AnyParams(Input& input, const char* format, const char* path) 
 void DrawMatrix(Input& input, const char* format, const MemoryFile& file) {
   const bool bands = input.Flag();
   const mardle::RunParams params = AnyParams(input, format, file.path());
-  mardle::Matrix mat = AnyMatrix(input, params.denseinput != 0);
+  mardle::Matrix mat = AnyMatrix(input, params.denseinput);
   molva::Array<int> part = molva::AllocIntsSet(mat.nrows, -1, "Fuzz: part");
   for (int& k : part) k = input.Below(params.nclusters + 2) - 1;
   mat.clabels = molva::Strings(mat.ncols, "Fuzz: clabels");
   for (int j = 0; j < mat.ncols; ++j) {
     mat.clabels.Set(static_cast<std::size_t>(j), AnyLabel(input).c_str());
   }
-  if (bands) return mardle::PlotTreeClusterMatrix(params, mat, part.get());
+  const mardle::Clusters clusters{params.nclusters, part.get()};
+  if (bands) return mardle::PlotTreeClusterMatrix(params, mat, clusters);
   molva::Array<int> ptree;
-  if (params.fulltree != 0) {
+  if (params.fulltree) {
     const std::int64_t nodes = 2 * std::int64_t{mat.nrows};
     ptree = molva::AllocIntsSet(nodes, -1, "Fuzz: ptree");
     molva::Array<float> tsims = molva::AllocFloatsSet(nodes, 0, "Fuzz: tsims");
@@ -148,7 +149,7 @@ void DrawMatrix(Input& input, const char* format, const MemoryFile& file) {
                       params.crfun, params.rowmodel, params.colmodel, params.prune, 2, 0,
                       params.nclusters, part.get(), ptree.get(), tsims.get());
   }
-  mardle::PlotMatrix(params, mat, {ptree.get(), ptree.size()}, part.get());
+  mardle::PlotMatrix(params, mat, {ptree.get(), ptree.size()}, clusters);
 }
 
 bool IsKnownLine(std::string_view line) {

@@ -39,7 +39,9 @@ std::string Report(const Matrix& mat, const Part& part, int nclusters, int nfeat
   params.colmodel = 1;
   params.nclusters = nclusters;
   params.nfeatures = nfeatures;
-  return testing_support::OutputOf([&] { mardle::ShowClusterFeatures(params, mat, part.data()); });
+  return testing_support::OutputOf([&] {
+    mardle::ShowClusterFeatures(params, mat, {params.nclusters, part.data()});
+  });
 }
 
 // Unit rows (1,0) twice and (0.6,0.8), (0,1): composites (2,0) and (0.6,1.8). The second has the
@@ -140,8 +142,9 @@ TEST(FeatureReport, NamesItsBlocks) {
   params.colmodel = 1;
   params.nclusters = 2;
   testing::internal::CaptureStdout();
-  const Texts names =
-      testing_support::BlockNames([&] { mardle::ShowClusterFeatures(params, mat, part.data()); });
+  const Texts names = testing_support::BlockNames([&] {
+    mardle::ShowClusterFeatures(params, mat, {params.nclusters, part.data()});
+  });
   testing::internal::GetCapturedStdout();
   Texts expected;
   for (const char* array :

@@ -62,14 +62,17 @@ TEST_F(ManyClusters, HaveALineEachInTheTable) {
     std::snprintf(line.data(), line.size(), "%3d     2 +1.000 +0.000 +0.125 +0.000 | \n", k);
     table += line.data();
   }
-  EXPECT_EQ(OutputOf([this] { mardle::EvaluateClusters(params_, mat_, part_.data(), {}, 262144); }),
-            table + rule);
+  EXPECT_EQ(
+      OutputOf([this] {
+        mardle::EvaluateClusters(params_, mat_, {params_.nclusters, part_.data()}, {}, 262144);
+      }),
+      table + rule);
 }
 
 TEST_F(ManyClusters, AreWrittenRowByRow) {
   const testing_support::TempFolder folder;
   params_.filename = molva::mystrdup(folder.Path("m").c_str());
-  mardle::WriteClustering(params_, mat_, part_.data());
+  mardle::WriteClustering(params_, mat_, {params_.nclusters, part_.data()});
   std::string lines;
   for (int k = 0; k < kClusters; ++k) {
     lines += std::to_string(k) + "\n" + std::to_string(k) + "\n";
@@ -79,8 +82,9 @@ TEST_F(ManyClusters, AreWrittenRowByRow) {
 
 TEST_F(ManyClusters, HaveABlockEachInTheFeatureReport) {
   params_.nfeatures = 1;
-  std::istringstream report(
-      OutputOf([this] { mardle::ShowClusterFeatures(params_, mat_, part_.data()); }));
+  std::istringstream report(OutputOf([this] {
+    mardle::ShowClusterFeatures(params_, mat_, {params_.nclusters, part_.data()});
+  }));
   int blocks = 0;
   std::string axis;
   for (std::string line; std::getline(report, line);) {
@@ -101,7 +105,9 @@ TEST_F(ManyClusters, AreTooManyForATree) {
   for (const int labeltree : {0, 1}) {
     params_.labeltree = labeltree;
     EXPECT_EQ(
-        testing_support::FatalMessage([this] { mardle::ShowHACTree(params_, mat_, part_.data()); }),
+        testing_support::FatalMessage([this] {
+          mardle::ShowHACTree(params_, mat_, {params_.nclusters, part_.data()}, {.printed = true});
+        }),
         "A tree over 131072 items cannot be built, the most is 65536!\n");
   }
 }

@@ -49,8 +49,7 @@ std::string Fields(const RunParams& p) {
        << TextOf(p.rclassfile) << "\noutputfile " << TextOf(p.outputfile) << "\ntreefile "
        << TextOf(p.treefile) << "\nplotmatrixfile " << TextOf(p.plotmatrixfile)
        << "\nplotclustersfile " << TextOf(p.plotclustersfile) << "\nplotformat "
-       << p.plotformat.data() << "\nIOTmr " << p.IOTmr << "\nClusterTmr " << p.ClusterTmr
-       << "\nReportTmr " << p.ReportTmr << "\n";
+       << p.plotformat.data() << "\n";
   return text.str();
 }
 
@@ -60,8 +59,7 @@ constexpr char kDefaults[] =
     "treecrfun 2\nlabeltree 0\nwritetree 0\nzscores 0\nfulltree 0\ndenseinput 0\n"
     "clustercolumns 0\nzeroblack 0\nnoreorder 0\nfilename file\nclabelfile (absent)\n"
     "rlabelfile (absent)\nrclassfile (absent)\noutputfile (absent)\ntreefile (absent)\n"
-    "plotmatrixfile (absent)\nplotclustersfile (absent)\nplotformat ps\nIOTmr 0\nClusterTmr 0\n"
-    "ReportTmr 0\n";
+    "plotmatrixfile (absent)\nplotclustersfile (absent)\nplotformat ps\n";
 
 // The defaults with other values in the fields named.
 std::string DefaultsBut(const std::vector<std::pair<std::string, std::string>>& changes) {

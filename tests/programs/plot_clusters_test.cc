@@ -51,7 +51,7 @@ RunParams DenseParams(int nclusters) {
 Metafile Plot(RunParams params, const Matrix& mat, const Ints& part) {
   return testing_support::PlotOf([&](const std::string& path) {
     params.plotclustersfile = molva::mystrdup(path.c_str());
-    mardle::PlotTreeClusterMatrix(params, mat, part.data());
+    mardle::PlotTreeClusterMatrix(params, mat, {params.nclusters, part.data()});
   });
 }
 
@@ -468,7 +468,9 @@ std::string ErrorsWithoutPlot(RunParams params, const Matrix& mat, const Ints& p
   const TempFolder folder;
   const std::string path = folder.Path("plot");
   params.plotclustersfile = molva::mystrdup(path.c_str());
-  std::string errors = ErrorsOf([&] { mardle::PlotTreeClusterMatrix(params, mat, part.data()); });
+  std::string errors = ErrorsOf([&] {
+    mardle::PlotTreeClusterMatrix(params, mat, {params.nclusters, part.data()});
+  });
   EXPECT_FALSE(std::filesystem::exists(path));
   return errors.replace(errors.find(path), path.size(), "PATH");
 }
@@ -490,7 +492,7 @@ TEST(ClusterPlot, EndsTheRunWhenItsFileCannotBeOpened) {
       {
         RunParams params = DenseParams(1);
         params.plotclustersfile = molva::mystrdup("/no/such/folder/plot");
-        mardle::PlotTreeClusterMatrix(params, DenseInput({{1, 2}}), Ints{0}.data());
+        mardle::PlotTreeClusterMatrix(params, DenseInput({{1, 2}}), {1, Ints{0}.data()});
       },
       "PlotTreeClusterMatrix: fpout: " + std::string(std::strerror(ENOENT)) +
           "\nFailed on RVfopen\n");
@@ -504,7 +506,7 @@ TEST(ClusterPlot, JoinsClustersUnderTheCriterionOfTrees) {
         params.crfun = 2;
         params.treecrfun = 8;
         params.plotclustersfile = molva::mystrdup("/dev/null");
-        mardle::PlotTreeClusterMatrix(params, DenseInput({{1, 2}, {2, 1}}), Ints{0, 1}.data());
+        mardle::PlotTreeClusterMatrix(params, DenseInput({{1, 2}, {2, 1}}), {2, Ints{0, 1}.data()});
       },
       "Unknown clustering criterion function (CRFun) of 8\n");
 }
@@ -515,8 +517,9 @@ TEST(ClusterPlot, NamesTheBlocksThatCannotBeHad) {
   params.clustercolumns = 1;
   const TempFolder folder;
   params.plotclustersfile = molva::mystrdup(folder.Path("plot").c_str());
-  const Texts names = testing_support::NamesOfBlocks(
-      [&] { mardle::PlotTreeClusterMatrix(params, mat, kSixParts.data()); });
+  const Texts names = testing_support::NamesOfBlocks([&] {
+    mardle::PlotTreeClusterMatrix(params, mat, {3, kSixParts.data()});
+  });
   for (const char* name : {"PlotTreeClusterMatrix: pwgts", "PlotTreeClusterMatrix: tpwgts",
                            "PlotTreeClusterMatrix: center", "PlotSparseTreeMatrix: tsize",
                            "PlotSparseTreeMatrix: part", "PlotSparseTreeMatrix: ptree",

@@ -47,6 +47,7 @@ PlottedMatrix PlottedOf(const FloatRows& rows, const Ints& part) {
   for (int j = 0; j < mat.ncols; ++j) plotted.cperm[j] = j;
   plotted.part = molva::AllocInts(mat.nrows, "part");
   std::copy(part.begin(), part.end(), plotted.part.begin());
+  plotted.nclusters = *std::max_element(part.begin(), part.end()) + 1;
   return plotted;
 }
 
@@ -123,7 +124,8 @@ TEST(CompactMatrix, NamesTheMapThatCannotBeHad) {
 TEST(PrepareForPlot, MapsWhatIsLeftBackToTheInput) {
   const mardle::Matrix mat = SparseInput({{0, 3, 4, 0}, {0, 4, 3, 0}, {0, 0, 0, 5}, {0, 0, 2, 0}});
   const Ints part = {1, 0, -1, 1};
-  const PlottedMatrix plotted = mardle::PrepareForPlot(PlotParams(2), mat, part.data(), "Test");
+  const PlottedMatrix plotted =
+      mardle::PrepareForPlot(PlotParams(2), mat, {2, part.data()}, "Test");
   ASSERT_EQ(plotted.nrows, 3);
   ASSERT_EQ(plotted.ncols, 2);
   EXPECT_EQ(Ints(plotted.rperm.begin(), plotted.rperm.begin() + 3), (Ints{0, 1, 3}));
@@ -143,7 +145,7 @@ TEST(PrepareForPlot, FollowsTheRun) {
   RunParams params = PlotParams(1);
   params.denseinput = 1;
   params.rowmodel = 2;
-  const PlottedMatrix plotted = mardle::PrepareForPlot(params, mat, Ints{0, 0}.data(), "Test");
+  const PlottedMatrix plotted = mardle::PrepareForPlot(params, mat, {2, Ints{0, 0}.data()}, "Test");
   EXPECT_EQ(VectorOf(plotted.RowValues(0)), (Floats{0, 1}));
   EXPECT_EQ(VectorOf(plotted.RowValues(1)), (Floats{1, 0}));
 }
@@ -206,7 +208,7 @@ TEST(ColumnSelection, KeepsAtMostTheListsOfAllClusters) {
   for (const int nfeatures : {1, 5}) {
     SCOPED_TRACE(nfeatures);
     params.nfeatures = nfeatures;
-    PlottedMatrix plotted = mardle::PrepareForPlot(params, mat, part.data(), "Test");
+    PlottedMatrix plotted = mardle::PrepareForPlot(params, mat, {2, part.data()}, "Test");
     mardle::SelectColumns(params, plotted, "Test");
     EXPECT_GE(plotted.ncols, nfeatures);
     EXPECT_LE(plotted.ncols, 3 * 2 * nfeatures);
@@ -227,7 +229,7 @@ TEST(ColumnSelection, HoldsTheHeaviestColumnsOfEveryCluster) {
   Ints part(40);
   for (int& k : part) k = static_cast<int>(random() % 2);
   PlottedMatrix plotted =
-      mardle::PrepareForPlot(PlotParams(2), SparseInput(rows), part.data(), "Test");
+      mardle::PrepareForPlot(PlotParams(2), SparseInput(rows), {2, part.data()}, "Test");
   const auto units = testing_support::UnitRows(rows);
   std::set<int> heaviest;
   for (int k = 0; k < 2; ++k) {

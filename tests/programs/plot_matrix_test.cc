@@ -51,7 +51,7 @@ RunParams DenseParams(int nclusters) {
 Metafile Plot(RunParams params, const Matrix& mat, const Ints& part, const Ints& ptree = {}) {
   return testing_support::PlotOf([&](const std::string& path) {
     params.plotmatrixfile = molva::mystrdup(path.c_str());
-    mardle::PlotMatrix(params, mat, ptree, part.data());
+    mardle::PlotMatrix(params, mat, ptree, {params.nclusters, part.data()});
   });
 }
 
@@ -501,7 +501,9 @@ std::string ErrorsWithoutPlot(RunParams params, const Matrix& mat, const Ints& p
   const TempFolder folder;
   const std::string path = folder.Path("plot");
   params.plotmatrixfile = molva::mystrdup(path.c_str());
-  std::string errors = ErrorsOf([&] { mardle::PlotMatrix(params, mat, {}, part.data()); });
+  std::string errors = ErrorsOf([&] {
+    mardle::PlotMatrix(params, mat, {}, {params.nclusters, part.data()});
+  });
   EXPECT_FALSE(std::filesystem::exists(path));
   return errors.replace(errors.find(path), path.size(), "PATH");
 }
@@ -535,7 +537,7 @@ TEST(MatrixPlot, EndsTheRunWhenItsFileCannotBeOpened) {
       {
         RunParams params = DenseParams(1);
         params.plotmatrixfile = molva::mystrdup("/no/such/folder/plot");
-        mardle::PlotMatrix(params, DenseInput({{1, 2}}), {}, Ints{0}.data());
+        mardle::PlotMatrix(params, DenseInput({{1, 2}}), {}, {1, Ints{0}.data()});
       },
       "PlotFullTree: fpout: " + std::string(std::strerror(ENOENT)) + "\nFailed on RVfopen\n");
 }
@@ -546,8 +548,9 @@ Texts NamesOfBlocks(bool dense) {
   params.clustercolumns = 1;
   const TempFolder folder;
   params.plotmatrixfile = molva::mystrdup(folder.Path("plot").c_str());
-  return testing_support::NamesOfBlocks(
-      [&] { mardle::PlotMatrix(params, mat, kCrossedTree, Ints(4, 0).data()); });
+  return testing_support::NamesOfBlocks([&] {
+    mardle::PlotMatrix(params, mat, kCrossedTree, {1, Ints(4, 0).data()});
+  });
 }
 
 TEST(MatrixPlot, NamesTheBlocksThatCannotBeHad) {

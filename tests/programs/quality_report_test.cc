@@ -48,8 +48,9 @@ RunParams Params(int nclusters) {
 
 std::string Report(const RunParams& params, const Matrix& mat, const Part& part, float crvalue = 4,
                    const std::vector<int>& ptree = {}) {
-  return testing_support::OutputOf(
-      [&] { mardle::EvaluateClusters(params, mat, part.data(), ptree, crvalue); });
+  return testing_support::OutputOf([&] {
+    mardle::EvaluateClusters(params, mat, {params.nclusters, part.data()}, ptree, crvalue);
+  });
 }
 
 Texts LinesOf(const std::string& text) {
@@ -244,7 +245,7 @@ TEST(QualityReport, NamesTheBlockThatCannotBeHad) {
   const std::vector<int> ptree = {4, 4, 5, 5, 6, 6, -1, -1};
   const auto report_with = [&](int successes) {
     const testing_support::FailingAllocations failing(successes);
-    mardle::EvaluateClusters(params, mat, part.data(), ptree, 4);
+    mardle::EvaluateClusters(params, mat, {params.nclusters, part.data()}, ptree, 4);
   };
   const struct {
     const char* name;

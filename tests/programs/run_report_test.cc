@@ -35,7 +35,7 @@ Matrix SparseMatrix(int nrows, int ncols, int entries) {
 }
 
 std::string Header(const RunParams& params, const Matrix& mat) {
-  return OutputOf([&] { mardle::PrintRunInfo(params, mat); });
+  return OutputOf([&] { mardle::PrintRunInfo(params, mat, params.nclusters); });
 }
 
 bool Has(const std::string& text, const std::string& line) {
@@ -113,11 +113,8 @@ TEST(RunHeader, PrintsAFileNameOfAnyLengthAsItIs) {
 }
 
 TEST(RunTiming, TellsTheThreeTimers) {
-  RunParams params;
-  params.IOTmr = 0.25F;
-  params.ClusterTmr = 123456.5F;
-  params.ReportTmr = 0;
-  EXPECT_EQ(OutputOf([&] { mardle::PrintTimingInfo(params); }),
+  const mardle::RunTimers timers{.IOTmr = 0.25F, .ClusterTmr = 123456.5F, .ReportTmr = 0};
+  EXPECT_EQ(OutputOf([&] { mardle::PrintTimingInfo(timers); }),
             "\n"
             "Timing Information --------------------------------------------------------------\n"
             "   I/O:                                   0.250 sec\n"
@@ -128,7 +125,7 @@ TEST(RunTiming, TellsTheThreeTimers) {
 
 TEST(RunTiming, ReturnsTheLengthOfItsLastLine) {
   int length = 0;
-  OutputOf([&] { length = mardle::PrintTimingInfo(RunParams()); });
+  OutputOf([&] { length = mardle::PrintTimingInfo({}); });
   EXPECT_EQ(length, 84);
 }
 

@@ -66,8 +66,13 @@ RunParams Params(int nclusters) {
   return params;
 }
 
+void Show(const RunParams& params, const Matrix& mat, const Part& part) {
+  mardle::ShowHACTree(params, mat, {params.nclusters, part.data()},
+                      {.written = params.writetree, .printed = params.showtree});
+}
+
 std::string Report(const RunParams& params, const Matrix& mat, const Part& part) {
-  return OutputOf([&] { mardle::ShowHACTree(params, mat, part.data()); });
+  return OutputOf([&] { Show(params, mat, part); });
 }
 
 Texts LinesOf(const std::string& text) {
@@ -157,7 +162,7 @@ TEST(TreeReport, EndsTheRunOnACriterionThatBuildsNoTree) {
   RunParams params = Params(2);
   for (const int code : {8, 9, 0, -1}) {
     params.treecrfun = code;
-    EXPECT_FATAL(mardle::ShowHACTree(params, TwoPairs(), kTwo.data()),
+    EXPECT_FATAL(Show(params, TwoPairs(), kTwo),
                  "Unknown clustering criterion function (CRFun) of " + std::to_string(code) + "\n");
   }
 }
@@ -296,10 +301,8 @@ TEST_F(TreeFile, ThatCannotBeCreatedEndsTheRunBeforeTheReport) {
   const std::string path = folder_.Path("no/such/folder/tree");
   params_.treefile = molva::mystrdup(path.c_str());
   std::string message;
-  const std::string report = OutputOf([&] {
-    message = testing_support::FatalMessage(
-        [&] { mardle::ShowHACTree(params_, TwoPairs(), kTwo.data()); });
-  });
+  const std::string report = OutputOf(
+      [&] { message = testing_support::FatalMessage([&] { Show(params_, TwoPairs(), kTwo); }); });
   EXPECT_EQ(message, "Problems in creating the tree file: " + path);
   EXPECT_EQ(report, "");
 }
@@ -318,8 +321,7 @@ TEST(TreeReport, ReportsMergesOnRequest) {
 Texts BlocksOf(const RunParams& params) {
   const Matrix mat = TwoPairs({"x", "y", "x", "y"});
   testing::internal::CaptureStdout();
-  const Texts names =
-      testing_support::BlockNames([&] { mardle::ShowHACTree(params, mat, kTwo.data()); });
+  const Texts names = testing_support::BlockNames([&] { Show(params, mat, kTwo); });
   testing::internal::GetCapturedStdout();
   Texts own;
   for (const std::string& name : names) {

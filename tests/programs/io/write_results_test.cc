@@ -97,7 +97,7 @@ class ClusteringFile : public ::testing::Test {
     NameOutput(folder_.Path("res.txt"));
     Matrix mat;
     mat.nrows = static_cast<int>(part.size());
-    mardle::WriteClustering(params_, mat, part.data());
+    mardle::WriteClustering(params_, mat, {params_.nclusters, part.data()});
     return ReadText(folder_.Path("res.txt"));
   }
 
@@ -120,7 +120,7 @@ TEST_F(ClusteringFile, IsNamedAfterTheMatrixAndTheNumberOfClusters) {
   mat.nrows = 1;
   const int part = 4;
   params_.nclusters = 5;
-  mardle::WriteClustering(params_, mat, &part);
+  mardle::WriteClustering(params_, mat, {params_.nclusters, &part});
   EXPECT_EQ(ReadText(folder_.Path("docs.mat.clustering.5")), "4\n");
 }
 
@@ -138,7 +138,7 @@ TEST_F(ClusteringFile, ThatCannotBeOpenedEndsTheRun) {
   const std::string path = folder_.Path("no/such/folder/res.txt");
   NameOutput(path);
   Matrix mat;
-  EXPECT_FATAL(mardle::WriteClustering(params_, mat, nullptr),
+  EXPECT_FATAL(mardle::WriteClustering(params_, mat, {params_.nclusters, nullptr}),
                "Problems in opening the clustering file: " + path);
 }
 
@@ -149,7 +149,7 @@ TEST_F(ClusteringFile, IsOpenedBeforeTheScoresAreComputed) {
   params_.zscores = 1;
   params_.rowmodel = 99;
   const Matrix mat = DenseMatrix(kTwoTriples);
-  EXPECT_FATAL(mardle::WriteClustering(params_, mat, kTriples.data()),
+  EXPECT_FATAL(mardle::WriteClustering(params_, mat, {params_.nclusters, kTriples.data()}),
                "Problems in opening the clustering file: " + path);
 }
 
@@ -159,7 +159,7 @@ TEST_F(ClusteringFile, OnAFullDiskIsToldInOneLineAndTheRunGoesOn) {
   mat.nrows = 1;
   const int part = 0;
   testing::internal::CaptureStderr();
-  mardle::WriteClustering(params_, mat, &part);
+  mardle::WriteClustering(params_, mat, {params_.nclusters, &part});
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             std::string("Writing /dev/full failed: ") + std::strerror(ENOSPC) + "\n");
 }
@@ -169,7 +169,7 @@ TEST_F(ClusteringFile, OnAFullDiskIsToldInOneLineAndTheRunGoesOn) {
 TEST_F(ClusteringFile, HoldsTheScoresOfEachRowOnRequest) {
   NameOutput(folder_.Path("res.txt"));
   params_.zscores = 1;
-  mardle::WriteClustering(params_, DenseMatrix(kTwoTriples), kTriples.data());
+  mardle::WriteClustering(params_, DenseMatrix(kTwoTriples), {params_.nclusters, kTriples.data()});
   const std::vector<ScoredRow> rows = ScoredRows(ReadText(folder_.Path("res.txt")));
   ASSERT_EQ(rows.size(), 6U);
   for (std::size_t i = 0; i < 6; ++i) {
@@ -186,7 +186,7 @@ TEST_F(ClusteringFile, HoldsScoresWithSixDecimals) {
   params_.nclusters = 3;
   const Matrix mat = DenseMatrix({{1, 2}, {2, 1}, {-1, 3}, {4, 4}, {0, 1}, {1, -1}});
   const std::vector<int> part = {0, 1, 0, 1, 0, 2};
-  mardle::WriteClustering(params_, mat, part.data());
+  mardle::WriteClustering(params_, mat, {params_.nclusters, part.data()});
   EXPECT_EQ(ReadText(folder_.Path("res.txt")), ExpectedScores(params_, mat, part));
 }
 
@@ -204,7 +204,7 @@ TEST_F(ClusteringFile, HoldsScoresOfZeroForARowThatPreparationDrops) {
   mat.rowind = molva::AllocIntsSet(2, 0, "rowind");
   mat.rowval = molva::AllocFloatsSet(2, 1, "rowval");
   const std::vector<int> part = {0, 0, -1};
-  mardle::WriteClustering(params_, mat, part.data());
+  mardle::WriteClustering(params_, mat, {params_.nclusters, part.data()});
   const std::string text = ReadText(folder_.Path("res.txt"));
   EXPECT_TRUE(text.ends_with("\n-1 0.000000 0.000000\n")) << text;
 }
@@ -216,7 +216,7 @@ TEST_F(ClusteringFile, NamesTheScoreBlockThatCannotBeHad) {
   const Matrix mat = DenseMatrix(kTwoTriples);
   const auto write_with = [&](int successes) {
     const testing_support::FailingAllocations failing(successes);
-    mardle::WriteClustering(params_, mat, kTriples.data());
+    mardle::WriteClustering(params_, mat, {params_.nclusters, kTriples.data()});
   };
   const std::array<const char*, 7> names = {"pwgts",   "cintsim",  "cintsdev", "izscores",
                                             "cextsim", "cextsdev", "ezscores"};
