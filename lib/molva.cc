@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <span>
 
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepare.h"

@@ -119,7 +119,7 @@ OrderedTree KeepPresentLeaves(std::span<const int> ptree, std::span<const int> f
   OrderedTree ordered;
   std::vector<int> absent;
   for (int item = 0; item < items; ++item) {
-    const bool present = molva::HasParent(ptree, static_cast<std::size_t>(item)) || items == 1;
+    const bool present = molva::HasParent(ptree, item) || items == 1;
     (present ? ordered.leaf_of : absent).push_back(item);
   }
   const auto n = static_cast<int>(ordered.leaf_of.size());

@@ -79,12 +79,12 @@ void CopyDense(PreparedMatrix& mat, const RawMatrix& raw) {
 }
 
 // Drops the rows without entries. The entries themselves stay where they are.
-void DropEmptyRows(PreparedMatrix& mat, std::span<int> rperm) {
+void DropEmptyRows(PreparedMatrix& mat, Span<int> rperm) {
   int kept = 0;
   for (int i = 0; i < mat.nrows; ++i) {
     const int end = mat.rowptr[i + 1];
     if (end == mat.rowptr[kept]) continue;
-    rperm[static_cast<std::size_t>(kept)] = i;
+    rperm[kept] = i;
     mat.rowptr[++kept] = end;
   }
   mat.nrows = kept;
@@ -113,8 +113,7 @@ void SetUpMatrix(const Control& control, PreparedMatrix& mat, const RawMatrix& r
   mat.sparse = EntryCount(mat) < raw.cells() ? 1 : 0;
 }
 
-void PrepareMatrix(const Control& control, PreparedMatrix& mat, std::span<int> rperm,
-                   std::span<int> cperm) {
+void PrepareMatrix(const Control& control, PreparedMatrix& mat, Span<int> rperm, Span<int> cperm) {
   ApplyRowModel(control, mat);
   ComputeScaleFactors(control, mat);
   NormalizeRows(control, mat);
@@ -141,16 +140,16 @@ PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, cons
   return copy;
 }
 
-void MapPartIn(PreparedCopy& copy, std::span<const int> part) {
+void MapPartIn(PreparedCopy& copy, Span<const int> part) {
   for (int i = 0; i < copy.nrows; ++i) {
-    copy.ppart[i] = part[static_cast<std::size_t>(copy.rperm[i])];
+    copy.ppart[i] = part[copy.rperm[i]];
   }
 }
 
-void MapPartOut(const PreparedCopy& copy, std::span<int> part) {
+void MapPartOut(const PreparedCopy& copy, Span<int> part) {
   std::fill(part.begin(), part.end(), -1);
   for (int i = 0; i < copy.nrows; ++i) {
-    part[static_cast<std::size_t>(copy.rperm[i])] = copy.ppart[i];
+    part[copy.rperm[i]] = copy.ppart[i];
   }
 }
 

@@ -3,10 +3,9 @@
 // From the caller's matrix to the prepared copy that every entry point works on.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -19,8 +18,7 @@ void SetUpMatrix(const Control& control, PreparedMatrix& mat, const RawMatrix& r
 // Row model, column model, normalisation; then, for a sparse matrix, column pruning, removal of
 // rows without entries, and normalisation once more. rperm[prepared row] = caller's row and
 // cperm[prepared column] = caller's column.
-void PrepareMatrix(const Control& control, PreparedMatrix& mat, std::span<int> rperm,
-                   std::span<int> cperm);
+void PrepareMatrix(const Control& control, PreparedMatrix& mat, Span<int> rperm, Span<int> cperm);
 
 // A prepared copy of the caller's matrix with its maps back. The routine's name names the blocks
 // "NAME: rperm", "NAME: cperm" and "NAME: ppart".
@@ -32,11 +30,8 @@ struct PreparedCopy {
   int nrows = 0;  // prepared rows; workers may give the matrix up early
 
   // ppart and rperm cut to the prepared rows.
-  std::span<int> part() { return {ppart.data(), PreparedRows()}; }
-  std::span<const int> rows() const { return {rperm.data(), PreparedRows()}; }
-
- private:
-  std::size_t PreparedRows() const { return static_cast<std::size_t>(nrows); }
+  Span<int> part() { return {ppart.data(), nrows}; }
+  Span<const int> rows() const { return {rperm.data(), nrows}; }
 };
 
 // Without a clustering to map there is no ppart.
@@ -45,9 +40,9 @@ PreparedCopy MakePreparedCopy(const Control& control, const RawMatrix& raw, cons
                               Clustering clustering = Clustering::kMapped);
 
 // Fills ppart from the caller's clustering.
-void MapPartIn(PreparedCopy& copy, std::span<const int> part);
+void MapPartIn(PreparedCopy& copy, Span<const int> part);
 
 // Fills the caller's clustering from ppart; rows that preparation dropped get -1.
-void MapPartOut(const PreparedCopy& copy, std::span<int> part);
+void MapPartOut(const PreparedCopy& copy, Span<int> part);
 
 }  // namespace molva

@@ -7,9 +7,9 @@ Owned<PreparedMatrix> CreateMatrix() { return AllocRecord<PreparedMatrix>("Creat
 
 void FreeMatrix(Owned<PreparedMatrix>& mat) { mat.reset(); }
 
-std::span<float> RowValues(PreparedMatrix& mat, int i) {
+Span<float> RowValues(PreparedMatrix& mat, int i) {
   const int begin = mat.rowptr[i];
-  return {mat.rowval.data() + begin, static_cast<std::size_t>(mat.rowptr[i + 1] - begin)};
+  return {mat.rowval.data() + begin, mat.rowptr[i + 1] - begin};
 }
 
 void CreateColMat(PreparedMatrix& mat) {

@@ -5,9 +5,9 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 
 #include "lib/support/alloc.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -15,12 +15,12 @@ struct PreparedMatrix {
   int sparse = 0;  // 1 when fewer than nrows * ncols entries are stored; decides IDF and pruning
   int nrows = -1;
   int ncols = -1;
-  Array<int> rowptr;       // nrows + 1 row starts
-  Array<int> rowind;       // the column of each entry
-  Array<float> rowval;     // the value of each entry
-  Array<int> colptr;       // ncols + 1 column starts; empty until a column copy is built
-  Array<int> colind;       // the row of each entry, increasing within a column
-  Array<float> colval;     // the value of each entry
+  Array<int> rowptr;    // nrows + 1 row starts
+  Array<int> rowind;    // the column of each entry
+  Array<float> rowval;  // the value of each entry
+  Array<int> colptr;    // ncols + 1 column starts; empty until a column copy is built
+  Array<int> colind;    // the row of each entry, increasing within a column
+  Array<float> colval;  // the value of each entry
 };
 
 // A record without rows, in a block named "CreateMatrix: mat".
@@ -31,18 +31,18 @@ void FreeMatrix(Owned<PreparedMatrix>& mat);
 
 // The stored entries of one row, in stored order.
 struct RowView {
-  std::span<const int> columns;
-  std::span<const float> values;
+  Span<const int> columns;
+  Span<const float> values;
   std::size_t size() const { return columns.size(); }
 };
 
 inline RowView Row(const PreparedMatrix& mat, int i) {
   const int begin = mat.rowptr[i];
-  const auto size = static_cast<std::size_t>(mat.rowptr[i + 1] - begin);
+  const int size = mat.rowptr[i + 1] - begin;
   return {{mat.rowind.data() + begin, size}, {mat.rowval.data() + begin, size}};
 }
 
-std::span<float> RowValues(PreparedMatrix& mat, int i);
+Span<float> RowValues(PreparedMatrix& mat, int i);
 
 // Builds the column-compressed copy: colptr, colind, colval.
 void CreateColMat(PreparedMatrix& mat);

@@ -12,11 +12,11 @@ namespace molva {
 namespace {
 
 // Adds every row to `center` and every stored entry to the count of its column.
-void SumColumns(const PreparedMatrix& mat, std::span<float> center, std::span<int> counts) {
+void SumColumns(const PreparedMatrix& mat, Span<float> center, Span<int> counts) {
   for (int i = 0; i < mat.nrows; ++i) {
     const RowView row = Row(mat, i);
     for (std::size_t p = 0; p < row.size(); ++p) {
-      const auto j = static_cast<std::size_t>(row.columns[p]);
+      const int j = row.columns[p];
       center[j] += row.values[p];
       ++counts[j];
     }
@@ -24,7 +24,7 @@ void SumColumns(const PreparedMatrix& mat, std::span<float> center, std::span<in
 }
 
 // The columns as (weight in the unit-length center, column), heaviest first.
-Array<KeyValue> RankColumns(std::span<float> center) {
+Array<KeyValue> RankColumns(Span<float> center) {
   const float length = NormFloats(center);
   Array<KeyValue> fcand = AllocKeyValues(static_cast<std::int64_t>(center.size()),
                                          "SimilarityBasedFeatureSelection: fcand");
@@ -37,8 +37,7 @@ Array<KeyValue> RankColumns(std::span<float> center) {
 
 }  // namespace
 
-void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat,
-                                     std::span<int> cperm) {
+void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat, Span<int> cperm) {
   // Counts start at 1, so every column that the walk does not reach is marked for removal.
   Array<int> rmvec = AllocIntsSet(mat.ncols, 1, "SimilarityBasedFeatureSelection: rmvec");
   Array<float> center = AllocFloatsSet(mat.ncols, 0, "SimilarityBasedFeatureSelection: center");
@@ -56,7 +55,7 @@ void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat
   EliminateColumns(mat, rmvec, cperm);
 }
 
-void EliminateColumns(PreparedMatrix& mat, std::span<const int> rmvec, std::span<int> cperm) {
+void EliminateColumns(PreparedMatrix& mat, Span<const int> rmvec, Span<int> cperm) {
   Array<int> cmap = AllocInts(mat.ncols, "EliminateColumns: cmap");
   std::iota(cperm.begin(), cperm.end(), 0);
   mat.ncols = CompactColumns({mat.nrows, mat.rowptr.data(), mat.rowind.data(), mat.rowval.data()},

@@ -46,9 +46,8 @@ void ReportFill(const Control& control, int n, const float* smat, std::size_t st
 
 }  // namespace
 
-void ComputeCluster2ClusterSimilarities(const PreparedMatrix& mat, int nparts,
-                                        std::span<const int> part, float* smat, std::size_t stride,
-                                        std::span<int> pwgts) {
+void ComputeCluster2ClusterSimilarities(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                                        float* smat, std::size_t stride, Span<int> pwgts) {
   Rows<float> centers =
       AllocFloatMatrix(nparts, mat.ncols, 0, "ComputeCluster2ClusterSimilarities: centers");
   SetInts(pwgts, 0);

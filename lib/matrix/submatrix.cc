@@ -12,11 +12,11 @@ struct ClusterShape {
 };
 
 // Counts the rows and entries of the cluster, and the entries of each column in `column_counts`.
-ClusterShape CountCluster(const PreparedMatrix& mat, int c, std::span<const int> part,
+ClusterShape CountCluster(const PreparedMatrix& mat, int c, Span<const int> part,
                           Array<int>& column_counts) {
   ClusterShape shape;
   for (int i = 0; i < mat.nrows; ++i) {
-    if (part[static_cast<std::size_t>(i)] != c) continue;
+    if (part[i] != c) continue;
     const RowView row = Row(mat, i);
     ++shape.nrows;
     shape.entries += static_cast<int>(row.size());
@@ -26,7 +26,7 @@ ClusterShape CountCluster(const PreparedMatrix& mat, int c, std::span<const int>
 }
 
 // Turns the count of each column into its new number; returns how many columns occur.
-int NumberColumns(std::span<int> counts) {
+int NumberColumns(Span<int> counts) {
   int next = 0;
   for (int& column : counts) column = column > 0 ? next++ : -1;
   return next;
@@ -34,7 +34,7 @@ int NumberColumns(std::span<int> counts) {
 
 }  // namespace
 
-Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span<const int> part) {
+Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, Span<const int> part) {
   Array<int> cmap = AllocIntsSet(mat.ncols, 0, "Cluster2Matrix: cmap");
   const ClusterShape shape = CountCluster(mat, c, part, cmap);
 
@@ -46,12 +46,11 @@ Owned<PreparedMatrix> Cluster2Matrix(const PreparedMatrix& mat, int c, std::span
   cluster->rowind = AllocInts(shape.entries, "Concept2Matrix: crowind");
   cluster->rowval = AllocFloats(shape.entries, "Concept2Matrix: crowval");
 
-
   int rows = 0;
   int entries = 0;
   cluster->rowptr[0] = 0;
   for (int i = 0; i < mat.nrows; ++i) {
-    if (part[static_cast<std::size_t>(i)] != c) continue;
+    if (part[i] != c) continue;
     const RowView row = Row(mat, i);
     std::transform(row.columns.begin(), row.columns.end(), cluster->rowind.data() + entries,
                    [&cmap](int j) { return cmap[j]; });

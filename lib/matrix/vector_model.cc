@@ -12,7 +12,7 @@ namespace {
 
 // The largest absolute value. A row of zeros gives 0, so its entries become 0/0, not-a-number, and
 // no guard is wanted.
-float LargestMagnitude(std::span<const float> row) {
+float LargestMagnitude(Span<const float> row) {
   float largest = 0;
   for (const float v : row) {
     if (std::fabs(v) > largest) largest = std::fabs(v);
@@ -20,12 +20,12 @@ float LargestMagnitude(std::span<const float> row) {
   return largest;
 }
 
-void ScaleByMaxTf(std::span<float> row) {
+void ScaleByMaxTf(Span<float> row) {
   const Wide largest = LargestMagnitude(row);
   for (float& v : row) v = static_cast<float>(0.5L + 0.5L * v / largest);
 }
 
-void ScaleBySqrt(std::span<float> row) {
+void ScaleBySqrt(Span<float> row) {
   for (float& v : row) {
     const Wide wide = v;
     if (v > 0) v = static_cast<float>(1 + std::sqrt(wide));
@@ -35,7 +35,7 @@ void ScaleBySqrt(std::span<float> row) {
 
 // The logarithm of a negative entry is taken of the entry itself, so it becomes not-a-number; that
 // is how this model treats negative data.
-void ScaleByLog(std::span<float> row) {
+void ScaleByLog(Span<float> row) {
   const Wide ln2 = std::log(static_cast<Wide>(2));
   for (float& v : row) {
     const Wide wide = v;
@@ -66,19 +66,19 @@ void ScaleByIdf(PreparedMatrix& mat) {
     }
   }
   for (int i = 0; i < mat.nrows; ++i) {
-    const std::span<const int> columns = Row(mat, i).columns;
-    const std::span<float> values = RowValues(mat, i);
+    const Span<const int> columns = Row(mat, i).columns;
+    const Span<float> values = RowValues(mat, i);
     for (std::size_t p = 0; p < values.size(); ++p) values[p] *= vscale[columns[p]];
   }
 }
 
-void ScaleToUnitLength(std::span<float> row) {
+void ScaleToUnitLength(Span<float> row) {
   Wide squares = 0;
   for (const Wide v : row) squares += v * v;
   if (squares > 0) ScaleFloats(static_cast<float>(1 / std::sqrt(squares)), row);
 }
 
-void SubtractMean(std::span<float> row, int ncols) {
+void SubtractMean(Span<float> row, int ncols) {
   Wide mean = 0;
   for (const float v : row) mean += v;
   mean /= ncols;
@@ -127,7 +127,7 @@ void NormalizeRows(const Control& control, PreparedMatrix& mat) {
     case MOLVA_SIM_COSINE:
       return ForEachRow(mat, ScaleToUnitLength);
     case MOLVA_SIM_CORRELATION:
-      return ForEachRow(mat, [ncols = mat.ncols](std::span<float> row) {
+      return ForEachRow(mat, [ncols = mat.ncols](Span<float> row) {
         SubtractMean(row, ncols);
         ScaleToUnitLength(row);
       });

@@ -8,7 +8,7 @@
 
 namespace molva {
 
-void GetClusterFeatures(const PreparedMatrix& mat, int nparts, std::span<const int> part,
+void GetClusterFeatures(const PreparedMatrix& mat, int nparts, Span<const int> part,
                         const FeatureLists& internal, const FeatureLists& external) {
   Rows<float> centers = AllocFloatMatrix(nparts, mat.ncols, 0, "GetClusterFeatures: centers");
   Array<float> gcenter = AllocFloatsSet(mat.ncols, 0, "GetClusterFeatures: gcenter");
@@ -22,7 +22,7 @@ void GetClusterFeatures(const PreparedMatrix& mat, int nparts, std::span<const i
   for (int k = 0; k < nparts; ++k) RankDescriptive(centers[k], dnorms[k], fcand, k, internal);
   for (int k = 0; k < nparts; ++k) {
     // From here on the composite is a unit vector; nothing else needs it.
-    const std::span<float> composite = centers[k];
+    const Span<float> composite = centers[k];
     std::transform(gcenter.begin(), gcenter.end(), composite.begin(), vec.begin(),
                    [](float whole, float own) { return whole - own; });
     ScaleToUnitLength(vec);

@@ -4,14 +4,13 @@
 // MOLVA_V_GetClusterFeatures.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/prepared_matrix.h"
 #include "lib/measure/feature_ranking.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
-void GetClusterFeatures(const PreparedMatrix& mat, int nparts, std::span<const int> part,
+void GetClusterFeatures(const PreparedMatrix& mat, int nparts, Span<const int> part,
                         const FeatureLists& internal, const FeatureLists& external);
 
 }  // namespace molva

@@ -18,7 +18,7 @@ float Rounded(Wide value) { return static_cast<float>(value); }
 float Quotient(Wide value, std::int64_t count) { return Rounded(value / static_cast<Wide>(count)); }
 
 // isim[k] = D_k.D_k / n_k^2, esim[k] = (D_k.G - D_k.D_k) / ((N - n_k) n_k)
-void MeasureClusters(const Rows<float>& centers, std::span<const float> gcenter, int nrows,
+void MeasureClusters(const Rows<float>& centers, Span<const float> gcenter, int nrows,
                      const ClusterStats& stats) {
   for (std::size_t k = 0; k < stats.pwgts.size(); ++k) {
     const int size = stats.pwgts[k];
@@ -34,12 +34,12 @@ struct RowAverages {
 };
 
 // The average similarity of a row to its own cluster, itself included, and to all other rows.
-RowAverages MeasureRow(const RowView& row, std::span<const float> composite,
-                       std::span<const float> whole, int size, int nrows) {
+RowAverages MeasureRow(const RowView& row, Span<const float> composite, Span<const float> whole,
+                       int size, int nrows) {
   Wide internal = 0;
   Wide external = 0;
   for (std::size_t p = 0; p < row.size(); ++p) {
-    const auto j = static_cast<std::size_t>(row.columns[p]);
+    const int j = row.columns[p];
     const Wide v = row.values[p];
     internal += v * composite[j];
     external += (static_cast<Wide>(whole[j]) - composite[j]) * v;
@@ -67,8 +67,7 @@ float ZScore(float value, float mean, float deviation) {
 
 }  // namespace
 
-void GetClusterStats(const PreparedMatrix& mat, std::span<const int> part,
-                     const ClusterStats& stats) {
+void GetClusterStats(const PreparedMatrix& mat, Span<const int> part, const ClusterStats& stats) {
   const auto nparts = static_cast<int>(stats.pwgts.size());
   Rows<float> centers = AllocFloatMatrix(nparts, mat.ncols, 0, "GetClusterStats: centers");
   Array<float> gcenter = AllocFloatsSet(mat.ncols, 0, "GetClusterStats: gcenter");
@@ -83,10 +82,10 @@ void GetClusterStats(const PreparedMatrix& mat, std::span<const int> part,
   SetFloats(stats.esdev, 0);
   const auto for_each_clustered_row = [&](auto&& visit) {
     for (std::size_t i = 0; i < part.size(); ++i) {
-      if (part[i] >= 0 && part[i] < nparts) visit(i, static_cast<std::size_t>(part[i]));
+      if (part[i] >= 0 && part[i] < nparts) visit(i, part[i]);
     }
   };
-  for_each_clustered_row([&](std::size_t i, std::size_t k) {
+  for_each_clustered_row([&](std::size_t i, int k) {
     const RowAverages averages =
         MeasureRow(Row(mat, static_cast<int>(i)), centers[k], gcenter, stats.pwgts[k], mat.nrows);
     isims[i] = averages.internal;
@@ -96,7 +95,7 @@ void GetClusterStats(const PreparedMatrix& mat, std::span<const int> part,
   });
   FinishDeviations(stats);
 
-  for_each_clustered_row([&](std::size_t i, std::size_t k) {
+  for_each_clustered_row([&](std::size_t i, int k) {
     if (!stats.izscores.empty())
       stats.izscores[i] = ZScore(isims[i], stats.isim[k], stats.isdev[k]);
     if (!stats.ezscores.empty())

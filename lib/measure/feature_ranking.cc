@@ -11,13 +11,13 @@ namespace molva {
 namespace {
 
 // Sorts the candidates and writes the best into list k, each weight being key * scale.
-void WriteRanked(std::span<KeyValue> fcand, Wide scale, std::int64_t k, const FeatureLists& lists) {
+void WriteRanked(Span<KeyValue> fcand, Wide scale, std::int64_t k, const FeatureLists& lists) {
   SortKeyValuesDecreasing(fcand);
   const std::int64_t begin = k * lists.nfeatures;
   const int filled = std::min(lists.nfeatures, static_cast<int>(fcand.size()));
   for (int i = 0; i < filled; ++i) {
-    const KeyValue& candidate = fcand[static_cast<std::size_t>(i)];
-    lists.ids[begin + i] = lists.cperm[static_cast<std::size_t>(candidate.value)];
+    const KeyValue& candidate = fcand[i];
+    lists.ids[begin + i] = lists.cperm[candidate.value];
     lists.weights[begin + i] = static_cast<float>(candidate.key * scale);
   }
   for (int i = filled; i < lists.nfeatures; ++i) lists.ids[begin + i] = -1;
@@ -25,8 +25,8 @@ void WriteRanked(std::span<KeyValue> fcand, Wide scale, std::int64_t k, const Fe
 
 }  // namespace
 
-void RankDescriptive(std::span<const float> composite, float squared_length,
-                     std::span<KeyValue> fcand, std::int64_t k, const FeatureLists& lists) {
+void RankDescriptive(Span<const float> composite, float squared_length, Span<KeyValue> fcand,
+                     std::int64_t k, const FeatureLists& lists) {
   for (std::size_t j = 0; j < composite.size(); ++j) {
     const Wide d = composite[j];
     fcand[j] = {static_cast<float>(d * d / squared_length), static_cast<int>(j)};
@@ -34,8 +34,8 @@ void RankDescriptive(std::span<const float> composite, float squared_length,
   WriteRanked(fcand, 1, k, lists);
 }
 
-void RankDiscriminating(std::span<const float> a, std::span<const float> b,
-                        std::span<KeyValue> fcand, std::int64_t k, const FeatureLists& lists) {
+void RankDiscriminating(Span<const float> a, Span<const float> b, Span<KeyValue> fcand,
+                        std::int64_t k, const FeatureLists& lists) {
   // The keys are added as they are stored.
   Wide sum = 0;
   for (std::size_t j = 0; j < a.size(); ++j) {
@@ -46,7 +46,7 @@ void RankDiscriminating(std::span<const float> a, std::span<const float> b,
   WriteRanked(fcand, 1 / sum, k, lists);
 }
 
-void ScaleToUnitLength(std::span<float> vector) {
+void ScaleToUnitLength(Span<float> vector) {
   const Wide factor = 1 / static_cast<Wide>(NormFloats(vector));
   for (float& v : vector) v = static_cast<float>(v * factor);
 }

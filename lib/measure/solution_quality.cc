@@ -10,7 +10,7 @@
 namespace molva {
 
 float GetCriterionFunctionValue(const Control& control, const PreparedMatrix& mat, int nparts,
-                                std::span<const int> part) {
+                                Span<const int> part) {
   Array<int> pwgts = AllocIntsSet(nparts, 0, "GetCriterionFunctionValue: pwgts");
   Array<float> dnorms = AllocFloats(nparts, "GetCriterionFunctionValue: dnorms");
   Array<float> csim = AllocFloats(nparts, "GetCriterionFunctionValue: csim");

@@ -6,8 +6,8 @@
 
 namespace molva {
 
-void GetTreeFeatures(const PreparedMatrix& mat, int nparts, std::span<const int> part,
-                     std::span<const int> ptree, const FeatureLists& internal,
+void GetTreeFeatures(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                     Span<const int> ptree, const FeatureLists& internal,
                      const FeatureLists& external) {
   TreeComposites tree = SumBelowNodes(mat, nparts, part, ptree, "GetTreeFeatures: pwgts");
   Array<KeyValue> fcand = AllocKeyValues(mat.ncols, "GetTreeFeatures: fcand");

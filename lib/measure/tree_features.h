@@ -4,18 +4,17 @@
 // MOLVA_V_GetTreeFeatures.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/prepared_matrix.h"
 #include "lib/measure/feature_ranking.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
 // Lists over 2 * nparts nodes. Every node gets its descriptive columns. What tells two siblings
 // apart is written for the second child only, on purpose; the lists of first children and of the
 // root are left as they are.
-void GetTreeFeatures(const PreparedMatrix& mat, int nparts, std::span<const int> part,
-                     std::span<const int> ptree, const FeatureLists& internal,
+void GetTreeFeatures(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                     Span<const int> ptree, const FeatureLists& internal,
                      const FeatureLists& external);
 
 }  // namespace molva

@@ -20,20 +20,19 @@ float AverageSimilarity(const TreeComposites& tree, int x, int y) {
 
 }  // namespace
 
-void GetTreeStats(const PreparedMatrix& mat, int nparts, std::span<const int> part,
-                  std::span<const int> ptree, std::span<int> pwgts, std::span<float> isims,
-                  std::span<float> xsims) {
+void GetTreeStats(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                  Span<const int> ptree, Span<int> pwgts, Span<float> isims, Span<float> xsims) {
   TreeComposites tree = SumBelowNodes(mat, nparts, part, ptree, "GetClusterStats: centers");
   std::copy(tree.pwgts.begin(), tree.pwgts.end(), pwgts.begin());
   SetFloats(xsims, 0);
   const ChildTable children(tree.ftree);
   for (int x = 0; x <= 2 * nparts - 2; ++x) {
-    isims[static_cast<std::size_t>(x)] = AverageSimilarity(tree, x, x);
+    isims[x] = AverageSimilarity(tree, x, x);
     const int a = children.first(x);
     const int b = children.second(x);
     if (a < 0 || b < 0) continue;
     const float similarity = AverageSimilarity(tree, a, b);
-    xsims[static_cast<std::size_t>(a)] = xsims[static_cast<std::size_t>(b)] = similarity;
+    xsims[a] = xsims[b] = similarity;
   }
 }
 

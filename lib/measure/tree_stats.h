@@ -4,15 +4,13 @@
 // MOLVA_V_GetTreeStats.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
 // Each output has 2 * nparts elements, as molva.h describes them.
-void GetTreeStats(const PreparedMatrix& mat, int nparts, std::span<const int> part,
-                  std::span<const int> ptree, std::span<int> pwgts, std::span<float> isims,
-                  std::span<float> xsims);
+void GetTreeStats(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                  Span<const int> ptree, Span<int> pwgts, Span<float> isims, Span<float> xsims);
 
 }  // namespace molva

@@ -7,15 +7,14 @@
 
 namespace molva {
 
-void ClusterDirect(const Control& control, const PreparedMatrix& mat, int nparts,
-                   std::span<int> part) {
+void ClusterDirect(const Control& control, const PreparedMatrix& mat, int nparts, Span<int> part) {
   SeedGenerator(control.seed);
   PartitionMatKWay(control, mat, nparts, part);
   ReorderClusters(mat, nparts, part);
 }
 
 void PartitionMatKWay(const Control& control, const PreparedMatrix& mat, int nparts,
-                      std::span<int> part) {
+                      Span<int> part) {
   BestOfTrials(control, mat, nparts, part,
                {"PartitionMatKWay: bpart", "Clustering a matrix of size", "\t"});
 }

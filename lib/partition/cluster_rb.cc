@@ -16,7 +16,7 @@ namespace {
 
 // Half 0 of cluster c keeps its number and half 1 takes the new one; `halves` has one element per
 // row of the cluster, in row order.
-void ApplyHalves(int c, int new_cluster, std::span<const int> halves, std::span<int> part) {
+void ApplyHalves(int c, int new_cluster, Span<const int> halves, Span<int> part) {
   auto half = halves.begin();
   for (int& k : part) {
     if (k == c && *half++ == 1) k = new_cluster;
@@ -24,7 +24,7 @@ void ApplyHalves(int c, int new_cluster, std::span<const int> halves, std::span<
 }
 
 void Bisect(const Control& control, const PreparedMatrix& mat, int c, int new_cluster,
-            std::span<int> part) {
+            Span<int> part) {
   // The first cluster is the whole, which need not be copied to be split.
   if (new_cluster == 1 && EveryColumnOccurs(mat)) return BisectKMeans(control, mat, part);
   const Owned<PreparedMatrix> cluster = Cluster2Matrix(mat, c, part);
@@ -36,7 +36,7 @@ void Bisect(const Control& control, const PreparedMatrix& mat, int c, int new_cl
 }  // namespace
 
 void ClusterRB(const Control& control, const PreparedMatrix& mat, int nparts, bool refine,
-               std::span<int> part) {
+               Span<int> part) {
   SeedGenerator(control.seed);
   PartitionMatRecursive(control, mat, nparts, part);
   if (refine) RefineClusteringKWay(control, mat, nparts, part);
@@ -44,7 +44,7 @@ void ClusterRB(const Control& control, const PreparedMatrix& mat, int nparts, bo
 }
 
 void PartitionMatRecursive(const Control& control, const PreparedMatrix& mat, int nparts,
-                           std::span<int> part) {
+                           Span<int> part) {
   // A single cluster needs no seed, so it may even be empty.
   if (nparts != 1) CheckClusterCount(nparts, mat.nrows);
   std::fill(part.begin(), part.end(), 0);
@@ -54,13 +54,13 @@ void PartitionMatRecursive(const Control& control, const PreparedMatrix& mat, in
   }
 }
 
-int SelectACluster(int ncl, std::span<const int> part) {
+int SelectACluster(int ncl, Span<const int> part) {
   Array<int> pwgts = AllocIntsSet(ncl, 0, "SelectACluster:pwgts ");
   for (const int k : part) ++pwgts[k];
   return ArgMaxInt(pwgts);
 }
 
-void BisectKMeans(const Control& control, const PreparedMatrix& mat, std::span<int> part) {
+void BisectKMeans(const Control& control, const PreparedMatrix& mat, Span<int> part) {
   // The blank before "Sim" differs from the tab of direct clustering, and both stay.
   BestOfTrials(control, mat, 2, part, {"BisectKMeans: bpart", "Bisecting a cluster of size", " "});
 }

@@ -10,8 +10,8 @@ namespace molva {
 namespace {
 
 // Dot products are single precision, the rest is wide until the key is stored.
-float InternalMinusExternal(std::span<const float> composite, std::span<const float> whole,
-                            int size, int nrows) {
+float InternalMinusExternal(Span<const float> composite, Span<const float> whole, int size,
+                            int nrows) {
   const Wide internal = DotFloats(composite, composite);
   const Wide external = DotFloats(composite, whole) - internal;
   return static_cast<float>(internal / static_cast<Wide>(CountProduct(size, size)) -
@@ -20,7 +20,7 @@ float InternalMinusExternal(std::span<const float> composite, std::span<const fl
 
 }  // namespace
 
-void ReorderClusters(const PreparedMatrix& mat, int nparts, std::span<int> part) {
+void ReorderClusters(const PreparedMatrix& mat, int nparts, Span<int> part) {
   Rows<float> centers = AllocFloatMatrix(nparts, mat.ncols, 0, "ReorderClusters: centers");
   Array<float> gcenter = AllocFloatsSet(mat.ncols, 0, "ReorderClusters: gcenter");
   Array<int> pwgts = AllocIntsSet(nparts, 0, "ReorderClusters: pwgts");

@@ -32,8 +32,8 @@ void ReportEnd(const Control& control, const char* lead, float quality) {
 
 }  // namespace
 
-void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts,
-                  std::span<int> part, const TrialTexts& texts) {
+void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts, Span<int> part,
+                  const TrialTexts& texts) {
   CheckClusterCount(nparts, mat.nrows);
   if (control.ntrials < 1) {
     FatalError("At least one trial is needed to find a clustering! NTrials=%d\n", control.ntrials);

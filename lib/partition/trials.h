@@ -3,10 +3,9 @@
 // The best of several randomised clusterings.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -22,8 +21,8 @@ struct TrialTexts {
 // the run when ntrials is below 1 or nparts is not between 1 and the number of rows. With debug bit
 // 1 it prints a rule, "HEADING [nrows:%d ncols:%d nnz:%d]", and at the end "LEADSim: %.4f\n" with
 // the best quality and a rule.
-void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts,
-                  std::span<int> part, const TrialTexts& texts);
+void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts, Span<int> part,
+                  const TrialTexts& texts);
 
 // Ends the run unless 1 <= nparts <= nrows: every cluster needs a row to grow from.
 void CheckClusterCount(int nparts, int nrows);

@@ -8,11 +8,11 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <span>
 #include <type_traits>
 #include <utility>
 
 #include "lib/support/key_value.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -143,11 +143,11 @@ class Rows {
 
   std::size_t size() const { return table_.size(); }
   template <typename Index>
-  std::span<T> operator[](Index i) {
+  Span<T> operator[](Index i) {
     return {table_[i], ncols_};
   }
   template <typename Index>
-  std::span<const T> operator[](Index i) const {
+  Span<const T> operator[](Index i) const {
     return {table_[i], ncols_};
   }
   explicit operator bool() const { return static_cast<bool>(table_); }

@@ -8,20 +8,21 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
+
+#include "lib/support/span.h"
 
 namespace molva {
 
 template <typename Entry, typename Placed>
-void SiftUp(std::span<Entry> heap, std::int64_t position, const Entry& entry, Placed placed) {
+void SiftUp(Span<Entry> heap, std::int64_t position, const Entry& entry, Placed placed) {
   while (position > 0) {
     const std::int64_t parent = (position - 1) / 2;
-    if (!(entry.key > heap[static_cast<std::size_t>(parent)].key)) break;
-    heap[static_cast<std::size_t>(position)] = heap[static_cast<std::size_t>(parent)];
+    if (!(entry.key > heap[parent].key)) break;
+    heap[position] = heap[parent];
     placed(position);
     position = parent;
   }
-  heap[static_cast<std::size_t>(position)] = entry;
+  heap[position] = entry;
   placed(position);
 }
 
@@ -29,18 +30,18 @@ void SiftUp(std::span<Entry> heap, std::int64_t position, const Entry& entry, Pl
 // is null when there is no right child. The queues differ here, though only for keys that are not
 // numbers.
 template <typename Entry, typename Choose, typename Placed>
-void SiftDown(std::span<Entry> heap, std::int64_t position, const Entry& entry, Choose choose,
+void SiftDown(Span<Entry> heap, std::int64_t position, const Entry& entry, Choose choose,
               Placed placed) {
   const auto size = static_cast<std::int64_t>(heap.size());
   for (std::int64_t left = 2 * position + 1; left < size; left = 2 * position + 1) {
-    const Entry* right = left + 1 < size ? &heap[static_cast<std::size_t>(left + 1)] : nullptr;
-    const int child = choose(heap[static_cast<std::size_t>(left)], right, entry.key);
+    const Entry* right = left + 1 < size ? &heap[left + 1] : nullptr;
+    const int child = choose(heap[left], right, entry.key);
     if (child < 0) break;
-    heap[static_cast<std::size_t>(position)] = heap[static_cast<std::size_t>(left + child)];
+    heap[position] = heap[left + child];
     placed(position);
     position = left + child;
   }
-  heap[static_cast<std::size_t>(position)] = entry;
+  heap[position] = entry;
   placed(position);
 }
 

@@ -15,9 +15,7 @@ int LargerChild(const KeyValue& left, const KeyValue* right, float key) {
   return right != nullptr && right->key > key ? 1 : -1;
 }
 
-std::span<KeyValue> Entries(PQueue& queue) {
-  return {queue.heap.data(), static_cast<std::size_t>(queue.nnodes)};
-}
+Span<KeyValue> Entries(PQueue& queue) { return {queue.heap.data(), queue.nnodes}; }
 
 auto Tracker(PQueue& queue) {
   return [&queue](std::int64_t position) {

@@ -33,7 +33,7 @@ class Drand48 {
 
 thread_local Drand48 generator(0);
 
-void SetStart(std::span<int> p, Start start) {
+void SetStart(Span<int> p, Start start) {
   if (start == Start::kIdentity) std::iota(p.begin(), p.end(), 0);
 }
 
@@ -43,7 +43,7 @@ void SeedGenerator(int seed) { generator = Drand48(static_cast<std::uint32_t>(se
 
 double DrawUnit() { return generator.Draw(); }
 
-void RandomPermute(std::span<int> p, Start start) {
+void RandomPermute(Span<int> p, Start start) {
   SetStart(p, start);
   Drand48 draws = generator;
   for (std::size_t round = 0; round < p.size(); ++round) {
@@ -54,7 +54,7 @@ void RandomPermute(std::span<int> p, Start start) {
   generator = draws;
 }
 
-void FastRandomPermute(std::span<int> p, Start start) {
+void FastRandomPermute(Span<int> p, Start start) {
   SetStart(p, start);
   Drand48 draws = generator;
   for (std::size_t round = 0; round < p.size() / 16; ++round) {

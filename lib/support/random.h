@@ -6,7 +6,7 @@
 // goes on as if nothing had been drawn.
 #pragma once
 
-#include <span>
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -19,10 +19,10 @@ double DrawUnit();
 enum class Start { kAsGiven, kIdentity };
 
 // p.size() rounds; each draws u, then v, as trunc(drand48() n) and swaps p[u] and p[v].
-void RandomPermute(std::span<int> p, Start start);
+void RandomPermute(Span<int> p, Start start);
 
 // A cheaper partial shuffle: n/16 rounds, each swapping the four elements from u on with the four
 // from v on, u and v drawn as trunc(drand48() (n - 8)).
-void FastRandomPermute(std::span<int> p, Start start);
+void FastRandomPermute(Span<int> p, Start start);
 
 }  // namespace molva

@@ -36,10 +36,10 @@ bool IsLong(Range range) { return range.high - range.low + 1 > kShortRange; }
 
 // Puts the first, middle and last record in order and returns the middle one, by value.
 template <typename Before>
-KeyValue MedianOfThree(std::span<KeyValue> x, Range range, Before before) {
-  KeyValue& low = x[static_cast<std::size_t>(range.low)];
-  KeyValue& middle = x[static_cast<std::size_t>(range.low + (range.high - range.low) / 2)];
-  KeyValue& high = x[static_cast<std::size_t>(range.high)];
+KeyValue MedianOfThree(Span<KeyValue> x, Range range, Before before) {
+  KeyValue& low = x[range.low];
+  KeyValue& middle = x[range.low + (range.high - range.low) / 2];
+  KeyValue& high = x[range.high];
   if (before(middle, low)) std::swap(middle, low);
   if (before(high, middle)) {
     std::swap(high, middle);
@@ -51,9 +51,9 @@ KeyValue MedianOfThree(std::span<KeyValue> x, Range range, Before before) {
 // Splits a range around its pivot and returns the two halves. The scans are bounded, so that no
 // order of keys, not-a-number ones included, can carry them out of the range.
 template <typename Before>
-std::pair<Range, Range> Partition(std::span<KeyValue> x, Range range, Before before) {
+std::pair<Range, Range> Partition(Span<KeyValue> x, Range range, Before before) {
   const KeyValue pivot = MedianOfThree(x, range, before);
-  const auto at = [x](Position p) -> KeyValue& { return x[static_cast<std::size_t>(p)]; };
+  const auto at = [x](Position p) -> KeyValue& { return x[p]; };
   Position i = range.low + 1;
   Position j = range.high - 1;
   while (i <= j) {
@@ -69,7 +69,7 @@ std::pair<Range, Range> Partition(std::span<KeyValue> x, Range range, Before bef
 }
 
 template <typename Before>
-void Insertion(std::span<KeyValue> x, Before before) {
+void Insertion(Span<KeyValue> x, Before before) {
   for (std::size_t i = 1; i < x.size(); ++i) {
     const KeyValue record = x[i];
     std::size_t hole = i;
@@ -79,7 +79,7 @@ void Insertion(std::span<KeyValue> x, Before before) {
 }
 
 template <typename Before>
-void Quicksort(std::span<KeyValue> x, Before before) {
+void Quicksort(Span<KeyValue> x, Before before) {
   PendingRanges pending;
   const Range whole{0, static_cast<Position>(x.size()) - 1};
   if (IsLong(whole)) pending.Push(whole);
@@ -95,7 +95,7 @@ void Quicksort(std::span<KeyValue> x, Before before) {
 bool KeyIsLess(const KeyValue& a, const KeyValue& b) { return a.key < b.key; }
 bool KeyIsGreater(const KeyValue& a, const KeyValue& b) { return a.key > b.key; }
 
-std::size_t CountDescents(std::span<const KeyValue> x) {
+std::size_t CountDescents(Span<const KeyValue> x) {
   std::size_t descents = 0;
   for (std::size_t i = 1; i < x.size(); ++i) descents += KeyIsLess(x[i], x[i - 1]) ? 1 : 0;
   return descents;
@@ -103,7 +103,7 @@ std::size_t CountDescents(std::span<const KeyValue> x) {
 
 }  // namespace
 
-void SortKeyValuesIncreasing(std::span<KeyValue> pairs) {
+void SortKeyValuesIncreasing(Span<KeyValue> pairs) {
   const double few = 0.05 * static_cast<double>(pairs.size());
   if (static_cast<double>(CountDescents(pairs)) < few) {
     Insertion(pairs, KeyIsLess);
@@ -112,6 +112,6 @@ void SortKeyValuesIncreasing(std::span<KeyValue> pairs) {
   }
 }
 
-void SortKeyValuesDecreasing(std::span<KeyValue> pairs) { Quicksort(pairs, KeyIsGreater); }
+void SortKeyValuesDecreasing(Span<KeyValue> pairs) { Quicksort(pairs, KeyIsGreater); }
 
 }  // namespace molva

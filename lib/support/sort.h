@@ -5,14 +5,13 @@
 // with everything; the sorts then end in some order and stay inside the array.
 #pragma once
 
-#include <span>
-
 #include "lib/support/key_value.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
 // Nearly sorted input (fewer than 0.05 n adjacent descents) is sorted by insertion alone.
-void SortKeyValuesIncreasing(std::span<KeyValue> pairs);
-void SortKeyValuesDecreasing(std::span<KeyValue> pairs);
+void SortKeyValuesIncreasing(Span<KeyValue> pairs);
+void SortKeyValuesDecreasing(Span<KeyValue> pairs);
 
 }  // namespace molva

@@ -3,7 +3,7 @@
 
 namespace molva {
 
-Array<int> MakeChildTable(std::span<const int> ptree, BlockName name) {
+Array<int> MakeChildTable(Span<const int> ptree, BlockName name) {
   Array<int> slots = AllocIntsSet(2 * static_cast<std::int64_t>(ptree.size()), -1, name);
   const ChildTable children(slots);
   for (std::size_t x = 0; x + 2 < ptree.size(); ++x) {

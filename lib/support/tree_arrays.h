@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <span>
 
 #include "lib/support/alloc.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -19,28 +19,28 @@ namespace molva {
 // absent.
 class ChildTable {
  public:
-  explicit ChildTable(std::span<int> slots) : slots_(slots) {}
-  int& first(int x) const { return slots_[2 * static_cast<std::size_t>(x)]; }
-  int& second(int x) const { return slots_[2 * static_cast<std::size_t>(x) + 1]; }
+  explicit ChildTable(Span<int> slots) : slots_(slots) {}
+  int& first(int x) const { return slots_[2 * std::int64_t{x}]; }
+  int& second(int x) const { return slots_[2 * std::int64_t{x} + 1]; }
   bool IsLeaf(int x) const { return first(x) < 0; }
   int nodes() const { return static_cast<int>(slots_.size() / 2); }
 
  private:
-  std::span<int> slots_;
+  Span<int> slots_;
 };
 
 // The children of every node, from the parents of the nodes 0 to 2L-3: each takes its parent's
 // first free slot, so the child with the smaller number comes first.
-Array<int> MakeChildTable(std::span<const int> ptree, BlockName name);
+Array<int> MakeChildTable(Span<const int> ptree, BlockName name);
 
 // The root of a tree of L leaves: the highest node that has children, or else the first leaf. -1
 // without nodes.
 int FindRoot(const ChildTable& children);
 
 // Whether node x hangs below an internal node.
-inline bool HasParent(std::span<const int> ptree, std::size_t x) {
+inline bool HasParent(Span<const int> ptree, std::int64_t x) {
   const auto elements = static_cast<int>(ptree.size());
-  return ptree[x] > static_cast<int>(x) && ptree[x] >= elements / 2 && ptree[x] < elements - 1;
+  return ptree[x] > x && ptree[x] >= elements / 2 && ptree[x] < elements - 1;
 }
 
 // Sums of node values. Counts stop at the limits of an int, for callers may pass any.
@@ -52,10 +52,10 @@ inline int AddValues(int a, int b) {
 // Adds the value of every node 0 to 2L-3 into that of its parent, in increasing order, so that
 // node values become sums over subtrees.
 template <typename T>
-void AddUpwards(std::span<const int> ptree, std::span<T> values) {
+void AddUpwards(Span<const int> ptree, Span<T> values) {
   for (std::size_t x = 0; x + 2 < ptree.size(); ++x) {
     if (!HasParent(ptree, x)) continue;
-    T& parent = values[static_cast<std::size_t>(ptree[x])];
+    T& parent = values[ptree[x]];
     parent = AddValues(parent, values[x]);
   }
 }
@@ -63,15 +63,14 @@ void AddUpwards(std::span<const int> ptree, std::span<T> values) {
 // Calls visit(leaf) for every leaf below a node, first children first, climbing by the parents, so
 // a tree of any depth needs no stack.
 template <typename Visit>
-void ForEachLeafBelow(int node, std::span<const int> ptree, const ChildTable& children,
-                      Visit visit) {
+void ForEachLeafBelow(int node, Span<const int> ptree, const ChildTable& children, Visit visit) {
   int x = node;
   for (;;) {
     while (!children.IsLeaf(x)) x = children.first(x);
     visit(x);
     for (;;) {
       if (x == node) return;
-      const int parent = ptree[static_cast<std::size_t>(x)];
+      const int parent = ptree[x];
       const bool second_waits = children.first(parent) == x && children.second(parent) >= 0;
       x = second_waits ? children.second(parent) : parent;
       if (second_waits) break;

@@ -72,7 +72,7 @@ struct ActiveList {
   Array<int> rmap;
   int count = 0;
 
-  std::span<const int> items() const { return {rowids.data(), static_cast<std::size_t>(count)}; }
+  Span<const int> items() const { return {rowids.data(), count}; }
 
   // The last one takes the place of the one that leaves.
   void Remove(int item) {
@@ -348,27 +348,25 @@ void BuildSimHAC_I1I2E1G1G1P(const Control& control, const Merging& merging) {
   }
 }
 
-void InduceClusteringFromHAC(int n, int nparts, std::span<const int> ptree, std::span<int> part) {
+void InduceClusteringFromHAC(int n, int nparts, Span<const int> ptree, Span<int> part) {
   if (n < 1) return;
-  Array<int> ftree = MakeChildTable(ptree.first(2 * static_cast<std::size_t>(n)),
-                                    "InduceClusteringFromHAC: ftree");
+  Array<int> ftree = MakeChildTable(ptree.first(2 * n), "InduceClusteringFromHAC: ftree");
   const ChildTable children(ftree);
   Array<int> queue = AllocInts(nparts, "InduceClusteringFromHAC: queue");
   queue[0] = 2 * n - 2;
   for (int listed = 1; listed < nparts; ++listed) {
-    const int highest = ArgMaxInt({queue.data(), static_cast<std::size_t>(listed)});
+    const int highest = ArgMaxInt({queue.data(), listed});
     const int node = queue[highest];
     queue[highest] = queue[listed - 1];
     queue[listed - 1] = children.first(node);
     queue[listed] = children.second(node);
   }
   for (int c = 0; c < nparts; ++c) {
-    ForEachLeafBelow(queue[c], ptree, children,
-                     [part, c](int leaf) { part[static_cast<std::size_t>(leaf)] = c; });
+    ForEachLeafBelow(queue[c], ptree, children, [part, c](int leaf) { part[leaf] = c; });
   }
 }
 
-void MergeItems(const Control& control, const Merging& merging, int nparts, std::span<int> part) {
+void MergeItems(const Control& control, const Merging& merging, int nparts, Span<int> part) {
   CheckItemCount(merging.n);
   if (nparts < 1 || nparts > std::max(merging.n, 1)) {
     FatalError("Cannot cut a tree over %d items into %d clusters!\n", merging.n, nparts);

@@ -4,9 +4,8 @@
 // criterion. It works on an n x n matrix of dot products between the items' composites alone.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/control.h"
+#include "lib/support/span.h"
 #include "lib/tree/merging.h"
 
 namespace molva {
@@ -24,10 +23,10 @@ void BuildSimHAC_LocalGains(const Control& control, const Merging& merging);
 void BuildSimHAC_I1I2E1G1G1P(const Control& control, const Merging& merging);
 
 // Cuts the tree into nparts clusters by undoing the last merges; part holds n elements.
-void InduceClusteringFromHAC(int n, int nparts, std::span<const int> ptree, std::span<int> part);
+void InduceClusteringFromHAC(int n, int nparts, Span<const int> ptree, Span<int> part);
 
 // Merges and cuts, the worker under MOLVA_SA_Cluster. Sets ptree to -1 first.
-void MergeItems(const Control& control, const Merging& merging, int nparts, std::span<int> part);
+void MergeItems(const Control& control, const Merging& merging, int nparts, Span<int> part);
 
 // Ends the run when there are more items than the engine can number. Callers ask before they
 // allocate an n x n matrix.

@@ -20,7 +20,7 @@ std::size_t Size(std::int64_t n) { return static_cast<std::size_t>(std::max<std:
 
 // Moves the non-empty clusters together: their numbers into `numbers`, their sizes and their block
 // of the matrix to the front. Returns how many there are.
-int DropEmptyClusters(std::span<int> pwgts, float* smat, std::span<int> numbers) {
+int DropEmptyClusters(Span<int> pwgts, float* smat, Span<int> numbers) {
   const std::size_t nparts = pwgts.size();
   std::size_t kept = 0;
   for (std::size_t c = 0; c < nparts; ++c) {
@@ -38,8 +38,8 @@ int DropEmptyClusters(std::span<int> pwgts, float* smat, std::span<int> numbers)
 
 // Merges clusters some of which are empty: builds over the others and spreads the tree. The blocks
 // carry the name of the numbering that they stand in for.
-void MergeNonEmptyClusters(const Control& control, int nparts, std::span<int> pwgts, float* smat,
-                           std::span<int> ppart, const TreeArrays& tree) {
+void MergeNonEmptyClusters(const Control& control, int nparts, Span<int> pwgts, float* smat,
+                           Span<int> ppart, const TreeArrays& tree) {
   Array<int> numbers = AllocInts(nparts, "BuildPartitionTree: ppart");
   Array<int> ptree = AllocInts(2 * std::int64_t{nparts}, "BuildPartitionTree: ppart");
   Array<float> tsims = AllocFloats(2 * std::int64_t{nparts}, "BuildPartitionTree: ppart");
@@ -59,37 +59,37 @@ void MergeNonEmptyClusters(const Control& control, int nparts, std::span<int> pw
 
 // The local tree of one cluster becomes nodes nextnode .. nextnode + m - 2 of the whole.
 // `rows` holds the cluster's rows in order. Returns the node of the cluster's root.
-int PlaceClusterTree(std::span<const int> rows, const TreeArrays& local, int nextnode,
+int PlaceClusterTree(Span<const int> rows, const TreeArrays& local, int nextnode,
                      const TreeArrays& tree) {
   const auto m = static_cast<int>(rows.size());
   if (m == 1) return rows[0];
   const auto whole = [m, nextnode](int node) { return Size(node - m + nextnode); };
   for (int k = 0; k < m; ++k) {
-    tree.ptree[Size(rows[Size(k)])] = static_cast<int>(whole(local.ptree[Size(k)]));
+    tree.ptree[rows[k]] = static_cast<int>(whole(local.ptree[k]));
   }
   const int root = 2 * m - 2;
   for (int x = m; x <= root; ++x) {
-    if (x < root) tree.ptree[whole(x)] = static_cast<int>(whole(local.ptree[Size(x)]));
-    tree.gains[whole(x)] = local.gains[Size(x)];
-    tree.tsims[whole(x)] = local.tsims[Size(x)];
+    if (x < root) tree.ptree[whole(x)] = static_cast<int>(whole(local.ptree[x]));
+    tree.gains[whole(x)] = local.gains[x];
+    tree.tsims[whole(x)] = local.tsims[x];
   }
   return static_cast<int>(whole(root));
 }
 
 // Joins the subtrees of `joined` clusters above: leaf c of the cluster tree is node croot[c] of the
 // whole, and its internal nodes follow from nextnode on.
-void PlaceTreeOfClusters(int nparts, int joined, std::span<const int> croot,
-                         const TreeArrays& clusters, int nextnode, const TreeArrays& tree) {
+void PlaceTreeOfClusters(int nparts, int joined, Span<const int> croot, const TreeArrays& clusters,
+                         int nextnode, const TreeArrays& tree) {
   const auto whole = [nparts, nextnode](int node) { return node - nparts + nextnode; };
   for (int c = 0; c < nparts; ++c) {
-    const int parent = clusters.ptree[Size(c)];
-    if (parent >= 0) tree.ptree[Size(croot[Size(c)])] = whole(parent);
+    const int parent = clusters.ptree[c];
+    if (parent >= 0) tree.ptree[croot[c]] = whole(parent);
   }
   for (int x = nparts; x < nparts + joined - 1; ++x) {
-    const int parent = clusters.ptree[Size(x)];
-    if (parent >= 0) tree.ptree[Size(whole(x))] = whole(parent);
-    tree.gains[Size(whole(x))] = clusters.gains[Size(x)];
-    tree.tsims[Size(whole(x))] = clusters.tsims[Size(x)];
+    const int parent = clusters.ptree[x];
+    if (parent >= 0) tree.ptree[whole(x)] = whole(parent);
+    tree.gains[whole(x)] = clusters.gains[x];
+    tree.tsims[whole(x)] = clusters.tsims[x];
   }
 }
 
@@ -121,7 +121,7 @@ struct PartitionedWork {
 
 // Builds the tree over the rows of cluster c alone, into the first 2m work arrays.
 void BuildClusterRowsTree(const Control& control, const PreparedMatrix& mat, int c,
-                          std::span<const int> part, PartitionedWork& work) {
+                          Span<const int> part, PartitionedWork& work) {
   Owned<PreparedMatrix> cluster = Cluster2Matrix(mat, c, part);
   const int m = cluster->nrows;
   CheckItemCount(m);
@@ -133,7 +133,7 @@ void BuildClusterRowsTree(const Control& control, const PreparedMatrix& mat, int
 }
 
 // A row without a cluster would have no place in the complete tree.
-void CheckEveryRowHasACluster(int nparts, std::span<const int> part) {
+void CheckEveryRowHasACluster(int nparts, Span<const int> part) {
   for (std::size_t i = 0; i < part.size(); ++i) {
     if (part[i] < 0 || part[i] >= nparts) {
       FatalError("A complete tree needs a cluster for every row! Row=%zu, Cluster=%d\n", i,
@@ -151,7 +151,7 @@ void CheckLeafCount(std::int64_t leaves) {
 }
 
 // Collects the rows of cluster c, in order, at the front of ppart, which is free again by then.
-std::span<const int> RowsOf(int c, std::span<const int> part, Array<int>& ppart) {
+Span<const int> RowsOf(int c, Span<const int> part, Array<int>& ppart) {
   std::size_t count = 0;
   for (std::size_t i = 0; i < part.size(); ++i) {
     if (part[i] == c) ppart[count++] = static_cast<int>(i);
@@ -175,7 +175,7 @@ void BuildTreeOverRows(const Control& control, PreparedCopy& copy, int nparts, s
 }  // namespace
 
 void BuildTree(const Control& control, PreparedCopy& copy, int treetype, int nparts,
-               std::span<int> ptree, std::span<float> tsims) {
+               Span<int> ptree, Span<float> tsims) {
   const std::int64_t nrows = static_cast<std::int64_t>(copy.rperm.size());
   const auto leaves = static_cast<std::int64_t>(ptree.size() / 2);
   CheckLeafCount(std::max(leaves, nrows));
@@ -194,7 +194,7 @@ void BuildTree(const Control& control, PreparedCopy& copy, int treetype, int npa
 }
 
 void BuildPartitionTree(const Control& control, const PreparedMatrix& mat, int nparts,
-                        std::span<const int> part, const TreeArrays& tree) {
+                        Span<const int> part, const TreeArrays& tree) {
   CheckItemCount(nparts);
   Array<int> ppart = AllocInts(nparts, "BuildPartitionTree: ppart");
   Array<int> pwgts = AllocInts(nparts, "BuildPartitionTree: pwgts");
@@ -210,14 +210,14 @@ void BuildPartitionTree(const Control& control, const PreparedMatrix& mat, int n
 }
 
 void BuildPartitionedTree(const Control& control, const PreparedMatrix& mat, int nparts,
-                          std::span<const int> part, const TreeArrays& tree) {
+                          Span<const int> part, const TreeArrays& tree) {
   CheckEveryRowHasACluster(nparts, part);
   PartitionedWork work(mat.nrows, nparts);
   int nextnode = mat.nrows;
   int joined = 0;
   for (int c = 0; c < nparts; ++c) {
     BuildClusterRowsTree(control, mat, c, part, work);
-    const std::span<const int> rows = RowsOf(c, part, work.ppart);
+    const Span<const int> rows = RowsOf(c, part, work.ppart);
     if (rows.empty()) continue;
     const auto m = static_cast<int>(rows.size());
     work.croot[c] = PlaceClusterTree(rows, work.Tree(m), nextnode, tree);
@@ -230,9 +230,9 @@ void BuildPartitionedTree(const Control& control, const PreparedMatrix& mat, int
   BestFirstTreeReorder(mat.nrows, tree.ptree, tree.gains);
 }
 
-void BestFirstTreeReorder(int nleaves, std::span<int> ptree, std::span<const float> gains) {
+void BestFirstTreeReorder(int nleaves, Span<int> ptree, Span<const float> gains) {
   if (nleaves < 1) return;
-  const std::span<int> parents = ptree.first(2 * Size(nleaves));
+  const Span<int> parents = ptree.first(2 * Size(nleaves));
   Array<int> ftree = MakeChildTable(parents, "BestFirstTreeReorder: ftree");
   const ChildTable children(ftree);
   Array<int> nmap = AllocIntsSet(2 * std::int64_t{nleaves}, -1, "BestFirstTreeReorder: nmap");
@@ -249,24 +249,24 @@ void BestFirstTreeReorder(int nleaves, std::span<int> ptree, std::span<const flo
     }
     nmap[top] = number;
     for (const int child : {children.first(top), children.second(top)}) {
-      if (child >= nleaves) PQueueInsert(open, child, -gains[Size(child)]);
+      if (child >= nleaves) PQueueInsert(open, child, -gains[child]);
     }
   }
   std::iota(nmap.begin(), nmap.begin() + nleaves, 0);
-  for (int x = 0; x < root; ++x) nptree[nmap[x]] = nmap[ptree[Size(x)]];
+  for (int x = 0; x < root; ++x) nptree[nmap[x]] = nmap[ptree[x]];
   std::copy(nptree.begin(), nptree.end(), parents.begin());
 }
 
-void TranslateTree(std::span<const int> leaf_of, const TreeArrays& from, const TreeArrays& to) {
+void TranslateTree(Span<const int> leaf_of, const TreeArrays& from, const TreeArrays& to) {
   const auto n = static_cast<int>(leaf_of.size());
   const int shift = static_cast<int>(to.ptree.size() / 2) - n;
   SetInts(to.ptree, -1);
-  for (int i = 0; i < n; ++i) to.ptree[Size(leaf_of[Size(i)])] = from.ptree[Size(i)] + shift;
+  for (int i = 0; i < n; ++i) to.ptree[leaf_of[i]] = from.ptree[i] + shift;
   for (int x = n; x <= 2 * n - 2; ++x) {
     const std::size_t node = Size(x + shift);
-    if (x < 2 * n - 2) to.ptree[node] = from.ptree[Size(x)] + shift;
-    to.tsims[node] = from.tsims[Size(x)];
-    if (!to.gains.empty()) to.gains[node] = from.gains[Size(x)];
+    if (x < 2 * n - 2) to.ptree[node] = from.ptree[x] + shift;
+    to.tsims[node] = from.tsims[x];
+    if (!to.gains.empty()) to.gains[node] = from.gains[x];
   }
 }
 

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <span>
 #include <utility>
 
 #include "lib/criteria/merge_gains.h"
@@ -15,6 +14,7 @@
 #include "lib/rough/rough_looks.h"
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
+#include "lib/support/span.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 
@@ -106,7 +106,7 @@ constexpr int kRetired = -1;  // in place of a slot's new number
 constexpr int kFewRetired = 8;
 
 // Several maxima side by side, since one alone would wait for each comparison.
-float LargestOf(std::span<const float> x) {
+float LargestOf(Span<const float> x) {
   std::array<float, 8> largest;
   largest.fill(-kInfinity);
   std::size_t first = 0;
@@ -148,7 +148,7 @@ class ClearMerges {
     for (int i = 1; i < items_.count; ++i) {
       Poll();
       FindMost(i, items_.Row(i), i);
-      bounds_[i] = LargestOf({most_.data(), static_cast<std::size_t>(i)});
+      bounds_[i] = LargestOf({most_.data(), i});
     }
     for (int node = merging_.n; node <= 2 * merging_.n - 2; ++node) {
       Poll();
@@ -202,7 +202,7 @@ class ClearMerges {
   // The item whose partner, before it, makes the one best merge; -1 when that is not clear.
   int FindBest() {
     for (;;) {
-      const std::span<const float> bounds{bounds_.data(), static_cast<std::size_t>(items_.count)};
+      const Span<const float> bounds{bounds_.data(), items_.count};
       const float largest = LargestOf(bounds);
       int best = kUnknown;
       for (int i = 0; i < items_.count; ++i) {
@@ -222,7 +222,7 @@ class ClearMerges {
   // Finds the best of an item's gains. False when one is not a finite number.
   bool MakeExact(int i) {
     FindMost(i, items_.Row(i), i);
-    const std::span<const float> most{most_.data(), static_cast<std::size_t>(i)};
+    const Span<const float> most{most_.data(), i};
     bounds_[i] = LargestOf(most);
     if (bounds_[i] == -kInfinity) return true;  // no item is left before it
     const int first =
@@ -241,9 +241,7 @@ class ClearMerges {
     return true;
   }
 
-  std::span<const int> Retired() const {
-    return {retired_.data(), static_cast<std::size_t>(retired_count_)};
-  }
+  Span<const int> Retired() const { return {retired_.data(), retired_count_}; }
 
   // Item i becomes part of item j, i < j, whose slot stays.
   void Merge(int i, int j, int node) {
@@ -283,7 +281,7 @@ class ClearMerges {
     FindMost(j, products_.data(), items_.count);
     bounds_[i] = -kInfinity;
     partners_[i] = kUnknown;
-    bounds_[j] = LargestOf({most_.data(), static_cast<std::size_t>(j)});
+    bounds_[j] = LargestOf({most_.data(), j});
     partners_[j] = kUnknown;
     for (int k = i + 1; k < items_.count; ++k) {
       if (partners_[k] == i || partners_[k] == j || partners_[k] == kTied) partners_[k] = kUnknown;

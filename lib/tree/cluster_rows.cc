@@ -8,8 +8,8 @@
 
 namespace molva {
 
-void ClusterRows(const Control& control, PreparedCopy& copy, int nparts, std::span<int> ptree,
-                 std::span<float> tsims) {
+void ClusterRows(const Control& control, PreparedCopy& copy, int nparts, Span<int> ptree,
+                 Span<float> tsims) {
   const int n = copy.nrows;
   CheckItemCount(n);
   const auto nrows = static_cast<std::int64_t>(copy.rperm.size());
@@ -21,7 +21,7 @@ void ClusterRows(const Control& control, PreparedCopy& copy, int nparts, std::sp
   ComputeRowSimilarities(control, *copy.mat, smat.data(), static_cast<std::size_t>(n));
   FreeMatrix(copy.mat);
 
-  const std::size_t nodes = 2 * static_cast<std::size_t>(n);
+  const std::int64_t nodes = 2 * std::int64_t{n};
   const TreeArrays tree{{pptree.data(), nodes}, {ptsims.data(), nodes}, {gains.data(), nodes}};
   MergeItems(control, {n, rwgts.data(), smat.data(), tree.ptree, tree.tsims, tree.gains}, nparts,
              copy.part());

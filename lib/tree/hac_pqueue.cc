@@ -24,9 +24,7 @@ int LargerChild(const HACPair& left, const HACPair* right, float key) {
   return key < (chosen == 1 ? right->key : left.key) ? chosen : -1;
 }
 
-std::span<HACPair> Entries(HACPQueue& queue) {
-  return {queue.heap.data(), static_cast<std::size_t>(queue.nnodes)};
-}
+Span<HACPair> Entries(HACPQueue& queue) { return {queue.heap.data(), queue.nnodes}; }
 
 auto Tracker(HACPQueue& queue) {
   return [&queue](std::int64_t position) {

@@ -5,10 +5,10 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "lib/criteria/terms.h"
 #include "lib/matrix/composites.h"
+#include "lib/support/span.h"
 #include "lib/support/wide.h"
 
 namespace molva {
@@ -19,9 +19,9 @@ struct Merging {
   int n;
   const int* pwgts;  // rows in each item
   float* smat;
-  std::span<int> ptree;    // parent of each node; the root's is not written
-  std::span<float> tsims;  // average similarity between the rows of a node's children; leaves 0
-  std::span<float> gains;  // what the merge added to the criterion; leaves are not written
+  Span<int> ptree;    // parent of each node; the root's is not written
+  Span<float> tsims;  // average similarity between the rows of a node's children; leaves 0
+  Span<float> gains;  // what the merge added to the criterion; leaves are not written
 };
 
 // Two items as one, from each alone and the product of their composites.
@@ -38,11 +38,10 @@ inline Wide AverageSimilarity(float product, int rows_i, int rows_j) {
 // Nodes a and b became the children of `node`.
 inline void RecordMerge(const Merging& merging, int a, int b, int node, float gain,
                         Wide similarity) {
-  const auto x = static_cast<std::size_t>(node);
-  merging.ptree[static_cast<std::size_t>(a)] = node;
-  merging.ptree[static_cast<std::size_t>(b)] = node;
-  merging.gains[x] = gain;
-  merging.tsims[x] = static_cast<float>(similarity);
+  merging.ptree[a] = node;
+  merging.ptree[b] = node;
+  merging.gains[node] = gain;
+  merging.tsims[node] = static_cast<float>(similarity);
 }
 
 }  // namespace molva

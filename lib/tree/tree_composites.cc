@@ -7,19 +7,19 @@
 
 namespace molva {
 
-TreeComposites SumBelowNodes(const PreparedMatrix& mat, int nparts, std::span<const int> part,
-                             std::span<const int> ptree, BlockName sizes_name) {
+TreeComposites SumBelowNodes(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                             Span<const int> ptree, BlockName sizes_name) {
   const std::int64_t nodes = 2 * std::int64_t{nparts};
   TreeComposites tree{MakeChildTable(ptree, "ShowTreeStats: ftree"),
                       AllocFloatMatrix(nodes, mat.ncols, 0, "GetClusterStats: centers"),
                       AllocIntsSet(nodes, 0, sizes_name)};
-  const std::span<int> clusters(tree.pwgts.data(), static_cast<std::size_t>(std::max(nparts, 0)));
+  const Span<int> clusters(tree.pwgts.data(), std::max(nparts, 0));
   AccumulateComposites(mat, part, clusters, tree.centers, {});
   AddUpwards<int>(ptree, tree.pwgts);
   for (std::size_t x = 0; x + 2 < ptree.size(); ++x) {
     if (!HasParent(ptree, x)) continue;
-    const std::span<float> parent = tree.centers[ptree[x]];
-    const std::span<const float> own = tree.centers[x];
+    const Span<float> parent = tree.centers[ptree[x]];
+    const Span<const float> own = tree.centers[x];
     for (std::size_t j = 0; j < own.size(); ++j) parent[j] += own[j];
   }
   return tree;

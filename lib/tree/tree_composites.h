@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 #include "lib/support/tree_arrays.h"
 
 namespace molva {
@@ -18,7 +17,7 @@ struct TreeComposites {
 // The start of both analyses of a tree: ptree over nparts clusters, 2 * nparts elements. The blocks
 // "ShowTreeStats: ftree" and "GetClusterStats: centers" are named the same in both; sizes are
 // counted into a block of the given name.
-TreeComposites SumBelowNodes(const PreparedMatrix& mat, int nparts, std::span<const int> part,
-                             std::span<const int> ptree, BlockName sizes_name);
+TreeComposites SumBelowNodes(const PreparedMatrix& mat, int nparts, Span<const int> part,
+                             Span<const int> ptree, BlockName sizes_name);
 
 }  // namespace molva

@@ -26,15 +26,15 @@ struct NodeMatrix {
 
 // Sums rows, then columns, upwards. Every parent has a higher number than its children, so each
 // node is complete before it is added and entry (x, y) ends as D_x.D_y.
-void SumUpwards(int n, std::span<const int> ptree, const NodeMatrix& s) {
+void SumUpwards(int n, Span<const int> ptree, const NodeMatrix& s) {
   const int nodes = 2 * n - 1;
   for (int x = 0; x < nodes; ++x) {
     for (int y = x < n ? n : 0; y < 2 * n; ++y) s.at(x, y) = 0;
   }
   for (int x = 0; x < nodes - 1; ++x) {
-    if (!HasParent(ptree, static_cast<std::size_t>(x))) continue;
+    if (!HasParent(ptree, x)) continue;
     Poll();
-    const int parent = ptree[static_cast<std::size_t>(x)];
+    const int parent = ptree[x];
     for (int y = 0; y < nodes; ++y) s.at(parent, y) += s.at(x, y);
     for (int y = 0; y < nodes; ++y) s.at(y, parent) += s.at(y, x);
   }
@@ -42,12 +42,11 @@ void SumUpwards(int n, std::span<const int> ptree, const NodeMatrix& s) {
 
 // Turns dot products into average similarities. The root's row stays undivided, on purpose; no
 // comparison reads it.
-void DivideByWeights(int n, std::span<const int> twgts, const NodeMatrix& s) {
+void DivideByWeights(int n, Span<const int> twgts, const NodeMatrix& s) {
   for (int x = 0; x < 2 * n - 2; ++x) {
     Poll();
     for (int y = 0; y < 2 * n - 1; ++y) {
-      const std::int64_t pairs =
-          CountProduct(twgts[static_cast<std::size_t>(x)], twgts[static_cast<std::size_t>(y)]);
+      const std::int64_t pairs = CountProduct(twgts[x], twgts[y]);
       s.at(x, y) = static_cast<float>(s.at(x, y) / static_cast<Wide>(pairs));
     }
   }
@@ -100,13 +99,12 @@ Array<char> InnerNodes(const ChildTable& children) {
   return inner;
 }
 
-void InsertByWeight(PQueue& queue, int node, std::span<const int> twgts) {
-  PQueueInsert(queue, node, static_cast<float>(twgts[static_cast<std::size_t>(node)]));
+void InsertByWeight(PQueue& queue, int node, Span<const int> twgts) {
+  PQueueInsert(queue, node, static_cast<float>(twgts[node]));
 }
 
 // The heaviest subtrees are placed first and lighter ones fitted between neighbours that stand.
-void OrderChildren(int n, std::span<const int> twgts, const NodeMatrix& s,
-                   const ChildTable& children) {
+void OrderChildren(int n, Span<const int> twgts, const NodeMatrix& s, const ChildTable& children) {
   Layout layout{AllocIntsSet(2 * std::int64_t{n}, -1, "ReorderTree: left"),
                 AllocIntsSet(2 * std::int64_t{n}, -1, "ReorderTree: right")};
   PQueue queue;
@@ -140,8 +138,7 @@ std::int64_t NodeCells(int n) {
   return __builtin_mul_overflow(nodes, nodes, &cells) ? INT64_MAX : cells;
 }
 
-void ReorderTree(int n, std::span<const int> wgts, float* smat, std::span<const int> ptree,
-                 std::span<int> ftree) {
+void ReorderTree(int n, Span<const int> wgts, float* smat, Span<const int> ptree, Span<int> ftree) {
   if (n < 1) return;
   Array<int> twgts = AllocIntsSet(2 * std::int64_t{n}, 0, "ReorderTree: twgts");
   std::copy(wgts.begin(), wgts.end(), twgts.begin());
@@ -152,8 +149,8 @@ void ReorderTree(int n, std::span<const int> wgts, float* smat, std::span<const 
   OrderChildren(n, twgts, similarities, ChildTable(ftree));
 }
 
-void ReorderTreeOfRows(const Control& control, PreparedCopy& copy, std::span<const int> ptree,
-                       std::span<int> ftree) {
+void ReorderTreeOfRows(const Control& control, PreparedCopy& copy, Span<const int> ptree,
+                       Span<int> ftree) {
   // A tree over rows some of which are gone keeps its order.
   if (copy.rows().size() != copy.rperm.size()) return;
   Array<int> rwgts = AllocIntsSet(copy.nrows, 1, "MOLVA_V_TreeReorder: rwgts");
@@ -163,8 +160,7 @@ void ReorderTreeOfRows(const Control& control, PreparedCopy& copy, std::span<con
   ReorderTree(copy.nrows, rwgts, smat.data(), ptree, ftree);
 }
 
-void ReorderTreeOfClusters(PreparedCopy& copy, int nparts, std::span<const int> ptree,
-                           std::span<int> ftree) {
+void ReorderTreeOfClusters(PreparedCopy& copy, int nparts, Span<const int> ptree, Span<int> ftree) {
   Array<int> pwgts = AllocInts(nparts, "MOLVA_V_ClusterTreeReorder: pwgts");
   Array<float> smat = AllocFloats(NodeCells(nparts), "MOLVA_V_ClusterTreeReorder: smat");
   ComputeCluster2ClusterSimilarities(*copy.mat, nparts, copy.part(), smat.data(), Nodes(nparts),

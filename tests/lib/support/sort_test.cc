@@ -18,7 +18,7 @@ namespace {
 using molva::KeyValue;
 using molva::SortKeyValuesDecreasing;
 using molva::SortKeyValuesIncreasing;
-using Sort = void (*)(std::span<KeyValue>);
+using Sort = void (*)(molva::Span<KeyValue>);
 
 // Record i carries the value i.
 std::vector<KeyValue> Records(const std::vector<float>& keys) {
