@@ -14,6 +14,7 @@ namespace molva {
 
 template <typename CriterionTerm>
 struct Maximised {
+  static constexpr bool kIsSum = true;
   using Term = CriterionTerm;
   static Wide Signed(Wide term) { return term; }
   // From the terms of the two as one and of each alone.
@@ -26,6 +27,7 @@ struct Maximised {
 // The difference is negated as a whole: a gain of nothing then is -0.
 template <typename CriterionTerm>
 struct Minimised {
+  static constexpr bool kIsSum = true;
   using Term = CriterionTerm;
   static Wide Signed(Wide term) { return -term; }
   template <typename Number>
@@ -37,11 +39,14 @@ struct Minimised {
 // A criterion that is a ratio of two sums: its value is global, and every pair is tried.
 template <typename NumeratorTerm, typename DenominatorTerm>
 struct RatioMerging {
+  static constexpr bool kIsSum = false;
   using Numerator = NumeratorTerm;
   using Denominator = DenominatorTerm;
 };
 
 // Trees are not built under the criterion.
-struct NoMerging {};
+struct NoMerging {
+  static constexpr bool kIsSum = false;
+};
 
 }  // namespace molva

@@ -18,12 +18,12 @@ namespace molva {
 //
 //   Objective  what refinement optimises
 //   Value      the criterion of a finished clustering, whose sums have roundings of their own
-//   Merging    what a merge gains; NoMerging where trees are not built under the criterion
-template <typename ObjectiveType, typename ValueType, typename MergingType>
+//   Merge      what a merge gains: a sum of its own, a ratio of two, or NoMerging
+template <typename ObjectiveType, typename ValueType, typename MergeType>
 struct Criterion {
   using Objective = ObjectiveType;
   using Value = ValueType;
-  using Merging = MergingType;
+  using Merge = MergeType;
   RoutineNames names;
 };
 

@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <type_traits>
 
-#include "lib/criteria/merge_gains.h"
+#include "lib/criteria/table.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
 #include "lib/support/printed.h"
@@ -180,11 +181,6 @@ class LocalGains {
   Wide crvalue_ = 0;
 };
 
-template <typename Value>
-void RunLocalGains(const Control& control, const Merging& merging) {
-  LocalGains<Value>(control, merging).Run();
-}
-
 // The slots 0 to n-1, to loop over.
 struct FirstSlots {
   struct Iterator {
@@ -198,8 +194,8 @@ struct FirstSlots {
   Iterator end() const { return {n}; }
 };
 
-// The exhaustive engine: the ratio of a sum of terms over E1's sum.
-template <typename Numerator>
+// The exhaustive engine: the ratio of two sums of terms.
+template <typename RatioMerge>
 class RatioGains {
  public:
   RatioGains(const Control& control, const Merging& merging)
@@ -234,7 +230,7 @@ class RatioGains {
   };
 
   static Sums TermsOf(const ClusterMeasure& item) {
-    return {Numerator::Of(item), E1Term::Of(item)};
+    return {RatioMerge::Numerator::Of(item), RatioMerge::Denominator::Of(item)};
   }
 
   Sums After(int i, int j) const {
@@ -306,14 +302,15 @@ class RatioGains {
 
 void BuildSimHAC(const Control& control, const Merging& merging) {
   SetFloats(merging.tsims, 0);
-  if (control.crfun < MOLVA_CRFUN_I1 || control.crfun > MOLVA_CRFUN_H2) {
-    FatalError("Unknown clustering criterion function (CRFun) of %d\n", control.crfun);
-  }
-  if (control.crfun <= MOLVA_CRFUN_G1P) {
-    BuildSimHAC_LocalGains(control, merging);
-  } else {
-    BuildSimHAC_I1I2E1G1G1P(control, merging);
-  }
+  WithCriterion(control.crfun, [&]<typename Row>(const Row&) {
+    if constexpr (std::is_same_v<typename Row::Merge, NoMerging>) {
+      RefuseCriterion(control.crfun);
+    } else if constexpr (Row::Merge::kIsSum) {
+      BuildSimHAC_LocalGains(control, merging);
+    } else {
+      BuildSimHAC_I1I2E1G1G1P(control, merging);
+    }
+  });
 }
 
 void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
@@ -321,31 +318,24 @@ void BuildSimHAC_LocalGains(const Control& control, const Merging& merging) {
   const bool reports =
       HasDebugBit(control, MOLVA_DBG_CLUSTERING) || HasDebugBit(control, MOLVA_DBG_MERGING);
   if (!reports && merging.n <= kMostClearItems && MergeWhileClear(control.crfun, merging)) return;
-  switch (control.crfun) {
-    case MOLVA_CRFUN_I1:
-      return RunLocalGains<Maximised<I1Term>>(control, merging);
-    case MOLVA_CRFUN_I2:
-      return RunLocalGains<Maximised<I2Term>>(control, merging);
-    case MOLVA_CRFUN_E1:
-      return RunLocalGains<Minimised<E1Term>>(control, merging);
-    case MOLVA_CRFUN_G1:
-      return RunLocalGains<Minimised<G1Term>>(control, merging);
-    case MOLVA_CRFUN_G1P:
-      return RunLocalGains<Minimised<G1PrimeTerm>>(control, merging);
-    default:
+  WithCriterion(control.crfun, [&]<typename Row>(const Row&) {
+    if constexpr (Row::Merge::kIsSum) {
+      LocalGains<typename Row::Merge>(control, merging).Run();
+    } else {
       RefuseCode(control.crfun);
-  }
+    }
+  });
 }
 
 void BuildSimHAC_I1I2E1G1G1P(const Control& control, const Merging& merging) {
-  switch (control.crfun) {
-    case MOLVA_CRFUN_H1:
-      return RatioGains<I1Term>(control, merging).Run();
-    case MOLVA_CRFUN_H2:
-      return RatioGains<I2Term>(control, merging).Run();
-    default:
+  WithCriterion(control.crfun, [&]<typename Row>(const Row&) {
+    using Merge = typename Row::Merge;
+    if constexpr (Merge::kIsSum || std::is_same_v<Merge, NoMerging>) {
       RefuseCode(control.crfun);
-  }
+    } else {
+      RatioGains<Merge>(control, merging).Run();
+    }
+  });
 }
 
 void InduceClusteringFromHAC(int n, int nparts, Span<const int> ptree, Span<int> part) {

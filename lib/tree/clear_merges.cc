@@ -9,9 +9,9 @@
 #include <limits>
 #include <utility>
 
-#include "lib/criteria/merge_gains.h"
-#include "lib/molva_codes.h"
+#include "lib/criteria/table.h"
 #include "lib/rough/rough_looks.h"
+#include "lib/rough/rounding.h"
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
 #include "lib/support/span.h"
@@ -23,7 +23,6 @@ namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr double kLargest = std::numeric_limits<float>::max();
-constexpr double kUnit = 0x1p-53;  // half the distance from 1 to the next double
 
 // The matrix is visited in square tiles, so that the transposed half comes from the cache as well.
 template <typename Visit>
@@ -174,7 +173,7 @@ class ClearMerges {
   // with i are given. Infinite where the bound does not hold or is no float; minus infinity for
   // retired items alone.
   //
-  // The bound, with u = kUnit. Rough squared lengths round twice, by u times the sum of the
+  // The bound, with u = kUnitDouble. Rough squared lengths round twice, by u times the sum of the
   // magnitudes each, which is at most 16 times the result: 32 u. The terms round at most five times
   // more and the terms of the items once; the difference and its sums four times. 64 u of the three
   // terms' magnitudes leaves room for the rounding of the full arithmetic, 2^-64 in place of 2^-53.
@@ -191,9 +190,10 @@ class ClearMerges {
           BasicMeasure<double>{pwgt + items_.pwgts[j], squared_length, tsim + items_.tsim[j]});
       const double other_term = items_.rough_terms[j];
       const double magnitudes = std::abs(merged) + std::abs(term) + std::abs(other_term);
-      const double most = Value::Gain(merged, term, other_term) + 64 * kUnit * magnitudes;
+      const double most = Value::Gain(merged, term, other_term) + kMergeError * magnitudes;
       const double summands = std::abs(square) + std::abs(other) + std::abs(product);
-      const bool holds = summands <= 16 * squared_length && std::abs(most) < kLargest;
+      const bool holds =
+          summands <= kMostCancellation * squared_length && std::abs(most) < kLargest;
       most_[j] = holds ? static_cast<float>(most) : kInfinity;
     }
     for (const int slot : Retired()) most_[slot] = -kInfinity;
@@ -337,30 +337,18 @@ class ClearMerges {
   int retired_count_ = 0;
 };
 
-template <typename Value>
-bool RunClear(const Merging& merging) {
-  return ClearMerges<Value>(merging).Run();
-}
-
 }  // namespace
 
 bool MergeWhileClear(int crfun, const Merging& merging) {
   if (!RoughLooksAreUsed()) return false;
   if (!IsSymmetric(static_cast<std::size_t>(merging.n), merging.smat)) return false;
-  switch (crfun) {
-    case MOLVA_CRFUN_I1:
-      return RunClear<Maximised<I1Term>>(merging);
-    case MOLVA_CRFUN_I2:
-      return RunClear<Maximised<I2Term>>(merging);
-    case MOLVA_CRFUN_E1:
-      return RunClear<Minimised<E1Term>>(merging);
-    case MOLVA_CRFUN_G1:
-      return RunClear<Minimised<G1Term>>(merging);
-    case MOLVA_CRFUN_G1P:
-      return RunClear<Minimised<G1PrimeTerm>>(merging);
-    default:
+  return WithCriterion(crfun, [&]<typename Row>(const Row&) {
+    if constexpr (Row::Merge::kIsSum) {
+      return ClearMerges<typename Row::Merge>(merging).Run();
+    } else {
       return false;
-  }
+    }
+  });
 }
 
 }  // namespace molva
