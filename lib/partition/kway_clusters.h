@@ -34,7 +34,7 @@ class KWayClusters {
         dnorms_(AllocFloats(nparts, {names.per_cluster, ": dnorms"})),
         centers_(nparts, rows.matrix().ncols, {names.per_cluster, ": centers"}),
         rough_(nparts, {names.per_cluster, ": dnorms"}),
-        screen_(centers_, nparts, {names.per_cluster, ": dnorms"}) {
+        screen_(centers_, nparts, Objective::kUsesSimilarity, {names.per_cluster, ": dnorms"}) {
     if constexpr (Objective::kUsesSimilarity) {
       csim_ = AllocFloats(nparts, {names.per_cluster, ": csim"});
       gcenter_ = AllocFloatsSet(rows.matrix().ncols, 0, {names.per_row, ": gcenter"});
@@ -67,7 +67,6 @@ class KWayClusters {
   bool IsSettled(const RowRecord& row) const { return looks_ && screen_.IsSettled(row); }
   bool HasHope(RowRecord& row) { return !looks_ || screen_.HasHope(rows_.Entries(row), row); }
   bool IsHopeful(int k) const { return !looks_ || screen_.IsHopeful(k); }
-  void Prefetch(const RowRecord& row) const { centers_.Prefetch(rows_.Entries(row)); }
 
   // The row leaves its place for cluster `to`; here the wide values become single precision.
   void Move(RowRecord& row, int to, const ClusterMeasure& without, const ClusterMeasure& joined) {

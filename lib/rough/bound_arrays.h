@@ -38,6 +38,10 @@ class BoundArrays {
     }
   }
 
+  BoundLanes LanesWithoutWhole() const {
+    const double* first = numbers_.data();
+    return {lanes_, first, nullptr, first + 2 * lanes_, nullptr, first + 4 * lanes_, nullptr};
+  }
   BoundLanes Lanes() const {
     const double* first = numbers_.data();
     return {lanes_,

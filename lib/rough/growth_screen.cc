@@ -63,7 +63,7 @@ int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
   const RowFactors factors = FactorsOf(row);
   if (nparts_ == 2) return ChooseOfTwo(entries, factors);
   lanes_.DotRow(entries, products_.data());
-  kernel_.gain(bounds_.Lanes(), products_.data(), factors, most_.data());
+  kernel_.gain(bounds_.LanesWithoutWhole(), products_.data(), factors, most_.data());
   int best = 0;
   for (int k = 0; k < nparts_; ++k) {
     if (!(most_[k] < kForEver)) return -1;

@@ -132,12 +132,4 @@ void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const
                  [](Wide sum) { return static_cast<float>(sum); });
 }
 
-void Lanes::Prefetch(const RowView& row) const {
-  constexpr std::size_t kPerLine = 64 / sizeof(float);
-  for (const int j : row.columns) {
-    const float* column = values_.data() + static_cast<std::size_t>(j) * stride_;
-    for (std::size_t l = 0; l < stride_; l += kPerLine) __builtin_prefetch(column + l);
-  }
-}
-
 }  // namespace molva

@@ -48,9 +48,6 @@ class Lanes {
   }
   const float* Values() const { return values_.data(); }
 
-  // Fetches what a row that will be visited soon meets.
-  void Prefetch(const RowView& row) const;
-
  private:
   Array<double> RoughSquares() const;
   Wide SquaredLength(std::size_t lane) const;

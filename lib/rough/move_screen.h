@@ -25,8 +25,9 @@ namespace molva {
 
 class MoveScreen {
  public:
-  // Clusters are the lanes 0 to nparts - 1. The blocks carry the given name.
-  MoveScreen(const Lanes& lanes, int nparts, BlockName name);
+  // Clusters are the lanes 0 to nparts - 1; whether the objective looks at the whole. The blocks
+  // carry the given name.
+  MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockName name);
 
   // The bounds of a cluster as it stands now.
   void SetBounds(int k, const ClusterBounds& bounds);
@@ -82,6 +83,7 @@ class MoveScreen {
 
   const Lanes& lanes_;
   int nparts_;
+  bool uses_whole_;
   VectorKernel kernel_;
   Array<float> products_;
   Array<double> gains_;  // of coming to each cluster

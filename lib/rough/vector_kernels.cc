@@ -87,6 +87,13 @@ void DotPortable(const RowView& row, const float* lanes, std::size_t stride, flo
 // The compiler forms vectors of the unit that the caller is made for.
 [[gnu::always_inline]] inline void GainLoop(const BoundLanes& b, const float* products,
                                             const RowFactors& row, double* gains) {
+  if (b.by_whole == nullptr) {
+    for (std::size_t k = 0; k < b.count; ++k) {
+      const double x = 2 * static_cast<double>(products[k]) + row.square + row.entries * b.error[k];
+      gains[k] = b.base[k] + b.by_length[k] * x;
+    }
+    return;
+  }
   for (std::size_t k = 0; k < b.count; ++k) {
     const double x = 2 * static_cast<double>(products[k]) + row.square + row.entries * b.error[k];
     const double gain =

@@ -18,7 +18,8 @@ using DotFunction = void (*)(const RowView& row, const float* lanes, std::size_t
                              float* products);
 
 // The bounds on what comes to each cluster, lane by lane: GainBound's four numbers, what a product
-// can be off per entry of the row (twice the product's), and the least d.G for which they hold.
+// can be off per entry of the row (twice the product's), and the least d.G for which they hold. The
+// three that go with d.G are null where the objective has none.
 struct BoundLanes {
   std::size_t count;
   const double* base;
