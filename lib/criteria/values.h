@@ -6,17 +6,17 @@
 #pragma once
 
 #include <cmath>
-#include <span>
 
 #include "lib/criteria/terms.h"
+#include "lib/support/span.h"
 #include "lib/support/wide.h"
 
 namespace molva {
 
 struct ClusterMeasures {
-  std::span<const int> pwgts;
-  std::span<const float> dnorms;
-  std::span<const float> csim;
+  Span<const int> pwgts;
+  Span<const float> dnorms;
+  Span<const float> csim;
   std::size_t size() const { return pwgts.size(); }
   ClusterMeasure operator[](std::size_t k) const { return {pwgts[k], dnorms[k], csim[k]}; }
 };

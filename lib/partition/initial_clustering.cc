@@ -8,6 +8,7 @@
 #include "lib/rough/rough_looks.h"
 #include "lib/support/progress.h"
 #include "lib/support/random.h"
+#include "lib/support/span.h"
 #include "lib/support/wide.h"
 
 namespace molva {
@@ -19,7 +20,7 @@ constexpr int kShufflingPasses = 5;
 // it stands, added to the old squared length one by one.
 Wide SquaredLengthJoined(const RowView& row, const LaneView& composite, Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
-    const Wide c = composite[static_cast<std::size_t>(row.columns[p])];
+    const Wide c = composite[row.columns[p]];
     const Wide grown = c + row.values[p];
     squared_length += grown * grown - c * c;
   }
@@ -95,7 +96,7 @@ class GrowingClusters {
 
 }  // namespace
 
-void InitialClustering(const RowRecords& rows, int nparts, std::span<int> part) {
+void InitialClustering(const RowRecords& rows, int nparts, Span<int> part) {
   Array<int> perm = AllocInts(rows.count(), "InitialClustering: perm");
   GrowingClusters clusters(rows, nparts);
 
@@ -106,7 +107,7 @@ void InitialClustering(const RowRecords& rows, int nparts, std::span<int> part) 
     if (j % kPollInterval == 0) Poll();
     rows.Prefetch(perm.data(), j);
     const RowRecord& row = rows[perm[j]];
-    int& place = part[static_cast<std::size_t>(perm[j])];
+    int& place = part[perm[j]];
     if (j < nparts) {
       clusters.Seed(row, j);
       place = j;
@@ -116,7 +117,7 @@ void InitialClustering(const RowRecords& rows, int nparts, std::span<int> part) 
   }
 }
 
-void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> part) {
+void InitialClustering(const PreparedMatrix& mat, int nparts, Span<int> part) {
   InitialClustering(RowRecords(mat, "InitialClustering: perm"), nparts, part);
 }
 

@@ -3,20 +3,19 @@
 // The starting point of a trial: clusters grown from random seeds.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
 #include "lib/rough/row_records.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
 // Writes a cluster 0 to nparts-1 for every row. The first nparts rows of a random order are seeds;
 // every other row, in that order, joins the cluster whose composite grows most in length, the
 // lowest-numbered one on ties. nparts must not exceed mat.nrows.
-void InitialClustering(const PreparedMatrix& mat, int nparts, std::span<int> part);
+void InitialClustering(const PreparedMatrix& mat, int nparts, Span<int> part);
 
 // The same over rows that were measured before.
-void InitialClustering(const RowRecords& rows, int nparts, std::span<int> part);
+void InitialClustering(const RowRecords& rows, int nparts, Span<int> part);
 
 }  // namespace molva

@@ -16,6 +16,7 @@
 #include "lib/rough/move_screen.h"
 #include "lib/rough/rough_looks.h"
 #include "lib/rough/row_records.h"
+#include "lib/support/span.h"
 #include "lib/support/wide.h"
 
 namespace molva {
@@ -26,7 +27,7 @@ class KWayClusters {
   using Terms = typename Objective::Terms;
 
   // The clusters of `part`, every row counted in row order.
-  KWayClusters(const RoutineNames& names, RowRecords& rows, int nparts, std::span<const int> part)
+  KWayClusters(const RoutineNames& names, RowRecords& rows, int nparts, Span<const int> part)
       : rows_(rows),
         nparts_(nparts),
         looks_(RoughLooksAreUsed()),
@@ -54,7 +55,7 @@ class KWayClusters {
     return {pwgts_[k], dnorms_[k], Objective::kUsesSimilarity ? csim_[k] : 0.0F};
   }
   LaneView Composite(int k) const { return centers_[k]; }
-  std::span<const float> Whole() const { return gcenter_; }
+  Span<const float> Whole() const { return gcenter_; }
   Objective& objective() { return objective_; }
   const Objective& objective() const { return objective_; }
 
@@ -87,11 +88,11 @@ class KWayClusters {
     ClusterGains<Objective> gains;
   };
 
-  void CountRows(std::span<const int> part) {
+  void CountRows(Span<const int> part) {
     for (int i = 0; i < rows_.count(); ++i) {
       RowRecord& record = rows_[i];
       const RowView row = rows_.Entries(record);
-      record.place = part[static_cast<std::size_t>(i)];
+      record.place = part[i];
       record.settled_until = kNever;
       ++pwgts_[record.place];
       centers_.Add(row, record.place);

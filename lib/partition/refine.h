@@ -3,11 +3,10 @@
 // Greedy k-way refinement under each of the nine criteria.
 #pragma once
 
-#include <span>
-
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
 #include "lib/rough/row_records.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -17,10 +16,9 @@ namespace molva {
 // routine by control.crfun; any other code is fatal:
 // "Unknown clustering criterion function (CRFun) of %d\n".
 float RefineClusteringKWay(const Control& control, const PreparedMatrix& mat, int nparts,
-                           std::span<int> part);
+                           Span<int> part);
 
 // The same over rows that were measured before.
-float RefineClusteringKWay(const Control& control, RowRecords& rows, int nparts,
-                           std::span<int> part);
+float RefineClusteringKWay(const Control& control, RowRecords& rows, int nparts, Span<int> part);
 
 }  // namespace molva

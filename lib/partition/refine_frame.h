@@ -20,6 +20,7 @@
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
 #include "lib/support/random.h"
+#include "lib/support/span.h"
 #include "lib/support/wide.h"
 
 namespace molva {
@@ -30,7 +31,7 @@ inline Wide SquaredLengthWithout(const RowView& row, const LaneView& composite,
                                  Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
     const Wide v = row.values[p];
-    const Wide c = composite[static_cast<std::size_t>(row.columns[p])];
+    const Wide c = composite[row.columns[p]];
     squared_length += v * (v - 2 * c);
   }
   return squared_length;
@@ -40,16 +41,16 @@ inline Wide SquaredLengthWithout(const RowView& row, const LaneView& composite,
 inline Wide SquaredLengthWith(const RowView& row, const LaneView& composite, Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
     const Wide v = row.values[p];
-    const Wide c = composite[static_cast<std::size_t>(row.columns[p])];
+    const Wide c = composite[row.columns[p]];
     squared_length += v * (2 * c + v);
   }
   return squared_length;
 }
 
-inline Wide DotRow(const RowView& row, std::span<const float> vector) {
+inline Wide DotRow(const RowView& row, Span<const float> vector) {
   Wide sum = 0;
   for (std::size_t p = 0; p < row.size(); ++p) {
-    sum += static_cast<Wide>(row.values[p]) * vector[static_cast<std::size_t>(row.columns[p])];
+    sum += static_cast<Wide>(row.values[p]) * vector[row.columns[p]];
   }
   return sum;
 }
@@ -58,7 +59,7 @@ inline Wide DotRow(const RowView& row, std::span<const float> vector) {
 template <typename Objective>
 class KWayRefinement {
  public:
-  KWayRefinement(const RoutineNames& names, RowRecords& rows, int nparts, std::span<int> part)
+  KWayRefinement(const RoutineNames& names, RowRecords& rows, int nparts, Span<int> part)
       : rows_(rows),
         part_(part),
         perm_(AllocInts(rows.count(), {names.per_row, ": perm"})),
@@ -119,7 +120,7 @@ class KWayRefinement {
         continue;
       }
       clusters_.Move(row, k, home.without, joined);
-      part_[static_cast<std::size_t>(i)] = k;
+      part_[i] = k;
       ++moves;
       if (k + 1 == clusters_.count() || !clusters_.HasHope(row)) break;
       home = HomeOf(entries, row_similarity, k);
@@ -128,7 +129,7 @@ class KWayRefinement {
   }
 
   RowRecords& rows_;
-  std::span<int> part_;
+  Span<int> part_;
   Array<int> perm_;
   KWayClusters<Objective> clusters_;
 };
@@ -152,7 +153,7 @@ inline void ReportEnd(const Control& control) {
 // moves no row, and returns the quality by which trials are compared.
 template <typename CriterionType>
 float RefineKWay(const CriterionType& criterion, const Control& control, RowRecords& rows,
-                 int nparts, std::span<int> part) {
+                 int nparts, Span<int> part) {
   using Objective = typename CriterionType::Objective;
   KWayRefinement<Objective> clusters(criterion.names, rows, nparts, part);
   // The six criteria that look at the whole collection print a line more; only they do.

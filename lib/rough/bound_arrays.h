@@ -29,7 +29,7 @@ class BoundArrays {
     std::fill_n(numbers_.data(), lanes, -kForEver);
   }
 
-  void Set(std::size_t lane, const GainBound& bound, double error, double least_whole) {
+  void Set(int lane, const GainBound& bound, double error, double least_whole) {
     double* number = numbers_.data() + lane;
     for (const double x :
          {bound.base, bound.by_whole, bound.by_length, bound.by_both, error, least_whole}) {

@@ -43,7 +43,7 @@ void GrowthScreen::SetBound(int k) {
     const double by_length = 0.5 / c.root;
     bound = {kSlack * (c.root + by_length * bounded.MostChange()), 0, by_length, 0};
   }
-  bounds_.Set(static_cast<std::size_t>(k), bound, c.error, kNoLeast);
+  bounds_.Set(k, bound, c.error, kNoLeast);
 }
 
 // The row's sum of squares is kept in single precision, rounded up.
@@ -104,7 +104,7 @@ GrowthScreen::MaybeSquare GrowthScreen::SquaredLengthWith(const RowView& entries
   double change = 0;
   for (std::size_t p = 0; p < entries.size(); ++p) {
     const auto v = static_cast<double>(entries.values[p]);
-    const auto c = static_cast<double>(composite[static_cast<std::size_t>(entries.columns[p])]);
+    const auto c = static_cast<double>(composite[entries.columns[p]]);
     change += v * (2 * c + v);
   }
   const Cluster& cluster = clusters_[k];

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "lib/rough/rough_looks.h"
+#include "lib/support/span.h"
 
 namespace molva {
 namespace {
@@ -64,7 +65,7 @@ void Lanes::Subtract(const RowView& row, int lane) {
 // Most sums of squares are settled by double arithmetic. Each product is exact there, so of m
 // terms, none negative, m roundings of 2^-53 separate it from the true sum, and m of 2^-64 the wide
 // one.
-void Lanes::SquaredLengths(std::span<float> squares) const {
+void Lanes::SquaredLengths(Span<float> squares) const {
   if (!RoughLooksAreUsed()) {
     for (std::size_t lane = 0; lane < squares.size(); ++lane) {
       squares[lane] = static_cast<float>(SquaredLength(lane));
@@ -116,7 +117,7 @@ Wide Lanes::SquaredLength(std::size_t lane) const {
 
 // Some hundred columns are taken at a time, so that they stay in the cache while each lane is
 // summed over them; within a lane the columns come in their order all the same.
-void Lanes::DotsWith(std::span<const float> vector, std::span<float> dots) const {
+void Lanes::DotsWith(Span<const float> vector, Span<float> dots) const {
   constexpr std::size_t kColumns = 256;
   auto sums = Array<Wide>::Zeroed(static_cast<std::int64_t>(dots.size()), name_);
   for (std::size_t begin = 0; begin < vector.size(); begin += kColumns) {

@@ -4,12 +4,13 @@
 // per cluster, so that a single walk over a row gives its dot products with every cluster.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
-#include <span>
 
 #include "lib/matrix/prepared_matrix.h"
 #include "lib/rough/rounding.h"
 #include "lib/rough/vector_kernels.h"
+#include "lib/support/span.h"
 #include "lib/support/wide.h"
 
 namespace molva {
@@ -18,7 +19,10 @@ namespace molva {
 struct LaneView {
   const float* first;
   std::size_t stride;
-  float operator[](std::size_t column) const { return first[column * stride]; }
+  template <std::integral Index>
+  float operator[](Index column) const {
+    return first[static_cast<std::size_t>(column) * stride];
+  }
 };
 
 class Lanes {
@@ -35,8 +39,8 @@ class Lanes {
 
   // The dot products of lanes 0 to n-1 with themselves and with another vector, as DotFloats gives
   // them: wide, in column order, rounded once. One walk over the block serves all lanes.
-  void SquaredLengths(std::span<float> squares) const;
-  void DotsWith(std::span<const float> vector, std::span<float> dots) const;
+  void SquaredLengths(Span<float> squares) const;
+  void DotsWith(Span<const float> vector, Span<float> dots) const;
 
   // Lanes are padded to whole vectors; DotRow fills this many numbers.
   std::size_t stride() const { return stride_; }

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include "lib/support/span.h"
+
 namespace molva {
 MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockName name)
     : lanes_(lanes),
@@ -19,7 +21,7 @@ MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockNam
 
 void MoveScreen::SetBounds(int k, const ClusterBounds& bounds) {
   bounds_[k] = bounds;
-  coming_.Set(static_cast<std::size_t>(k), bounds.gains.coming, bounds.error, bounds.least_coming);
+  coming_.Set(k, bounds.gains.coming, bounds.error, bounds.least_coming);
 }
 
 bool MoveScreen::HasHopeAmongMany(const RowView& entries, RowRecord& row) {
@@ -34,7 +36,7 @@ bool MoveScreen::HasHopeAmongMany(const RowView& entries, RowRecord& row) {
 
 // Not a number where one of them is not. Several maxima side by side, since one alone would wait
 // for each comparison.
-double MoveScreen::MostOf(std::span<const double> gains) {
+double MoveScreen::MostOf(Span<const double> gains) {
   constexpr std::size_t kChains = 8;
   double most[kChains];
   double doubt[kChains] = {};  // not a number from the first such gain on

@@ -12,14 +12,13 @@
 // look.
 #pragma once
 
-#include <span>
-
 #include "lib/rough/bound_arrays.h"
 #include "lib/rough/cluster_bounds.h"
 #include "lib/rough/lanes.h"
 #include "lib/rough/row_records.h"
 #include "lib/rough/two_lanes.h"
 #include "lib/rough/vector_kernels.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -70,7 +69,7 @@ class MoveScreen {
   }
   bool HasHopeAmongMany(const RowView& entries, RowRecord& row);
 
-  static double MostOf(std::span<const double> gains);
+  static double MostOf(Span<const double> gains);
 
   bool Conclude(double coming, double going, RowRecord& row) {
     threshold_ = -slack_ - going;

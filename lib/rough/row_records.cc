@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "lib/rough/rounding.h"
+#include "lib/support/span.h"
 
 namespace molva {
 namespace {
@@ -17,7 +18,7 @@ float RoundedUp(double x) { return static_cast<float>(x * (1 + 2 * kUnitSingle) 
 // Not a number once one of them is not.
 double MostOf(double a, double b) { return std::isnan(a) || a >= b ? a : b; }
 
-bool Increases(std::span<const int> columns) {
+bool Increases(Span<const int> columns) {
   return std::adjacent_find(columns.begin(), columns.end(), std::greater_equal<int>()) ==
          columns.end();
 }
@@ -27,7 +28,7 @@ class RepeatFinder {
  public:
   RepeatFinder(int ncols, BlockName name) : ncols_(ncols), name_(name) {}
 
-  bool Repeats(std::span<const int> columns, int i) {
+  bool Repeats(Span<const int> columns, int i) {
     if (Increases(columns)) return false;
     if (!last_row_) last_row_ = AllocIntsSet(ncols_, -1, name_);
     bool repeats = false;
@@ -54,16 +55,15 @@ void MeasureSizes(const RowView& row, RowRecord& record) {
   record.length = RoundedUp(record.repeats != 0 ? absolute : std::sqrt(square));
 }
 
-double Dot(const RowView& row, std::span<const float> vector) {
+double Dot(const RowView& row, Span<const float> vector) {
   double sum = 0;
   for (std::size_t p = 0; p < row.size(); ++p) {
-    sum += static_cast<double>(row.values[p]) *
-           static_cast<double>(vector[static_cast<std::size_t>(row.columns[p])]);
+    sum += static_cast<double>(row.values[p]) * static_cast<double>(vector[row.columns[p]]);
   }
   return sum;
 }
 
-double LengthOf(std::span<const float> vector) {
+double LengthOf(Span<const float> vector) {
   double square = 0;
   for (const float value : vector)
     square += static_cast<double>(value) * static_cast<double>(value);
@@ -89,7 +89,7 @@ RowRecords::RowRecords(const PreparedMatrix& mat, BlockName name)
 }
 
 // Summing n products in double rounds by n kUnitDouble of |d| |G|, storing by kUnitSingle.
-void RowRecords::MeasureAgainst(std::span<const float> whole) {
+void RowRecords::MeasureAgainst(Span<const float> whole) {
   if (is_measured_against_whole_) return;
   is_measured_against_whole_ = true;
   double most = 0;

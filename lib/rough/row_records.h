@@ -5,9 +5,9 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -40,7 +40,7 @@ class RowRecords {
 
   // Fills in d.G. The composite of all rows is the same in every trial, so only the first call
   // measures.
-  void MeasureAgainst(std::span<const float> whole);
+  void MeasureAgainst(Span<const float> whole);
 
   const PreparedMatrix& matrix() const { return mat_; }
   int count() const { return mat_.nrows; }

@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "lib/support/span.h"
+
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
@@ -213,7 +215,7 @@ VectorKernel& Current() {
 
 }  // namespace
 
-std::span<const VectorKernel> AvailableKernels() {
+Span<const VectorKernel> AvailableKernels() {
   static const KernelList list;
   return {list.kernels.data(), list.count};
 }

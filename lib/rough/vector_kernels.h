@@ -6,9 +6,9 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -49,7 +49,7 @@ struct VectorKernel {
 };
 
 // The kernels that this processor can run, best first; the last one runs everywhere.
-std::span<const VectorKernel> AvailableKernels();
+Span<const VectorKernel> AvailableKernels();
 
 // The kernel in use, the best one unless a test has put another in its place.
 const VectorKernel& CurrentKernel();
