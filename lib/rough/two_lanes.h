@@ -25,7 +25,7 @@ inline TwoProducts DotTwo(const int* columns, const float* values, std::size_t s
 #if defined(__SSE2__)
   const auto pair = [&](std::size_t entry) {
     const float* column = lanes + 2 * static_cast<std::size_t>(columns[entry]);
-    return _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(column)));
+    return _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(column));
   };
   __m128 even = _mm_setzero_ps();
   __m128 odd = _mm_setzero_ps();
