@@ -3,6 +3,7 @@
 
 from __future__ import annotations
 
+from functools import partial
 from numbers import Integral
 from typing import Callable
 
@@ -13,7 +14,7 @@ from sklearn.utils import check_random_state
 from sklearn.utils.validation import check_is_fitted
 
 from . import _engine, analysis, trees
-from ._matrix import FORM, LARGEST_INT, borrow, check_count, without_tail
+from ._matrix import LARGEST_INT, borrow, check_count, check_matrix
 from ._models import Models, criterion_code
 from ._space import Space
 
@@ -126,7 +127,7 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
 
     def _checked(self, X, reset: bool = False):
         """Return X in the library's form; without `reset` it must have the fitted columns."""
-        return without_tail(validate_data(self, X, reset=reset, **FORM))
+        return check_matrix(X, partial(validate_data, self, reset=reset))
 
     def _cluster(self, matrix, codes, **settings) -> np.ndarray:
         raise NotImplementedError

@@ -13,6 +13,8 @@ from . import _engine
 from ._matrix import stored_in_full
 
 CRITERIA = {"i1": 1, "i2": 2, "e1": 3, "g1": 4, "g1p": 5, "h1": 6, "h2": 7, "g3": 8, "h3": 9}
+# G3 and H3 do not tell what a merge gains.
+TREE_CRITERIA = {name: number for name, number in CRITERIA.items() if number <= CRITERIA["h2"]}
 SIMILARITIES = {"cosine": 1, "correlation": 2}
 ROW_MODELS = {"none": 1, "maxtf": 2, "sqrt": 3, "log": 4}
 COL_MODELS = {"none": 1, "idf": 2}
@@ -31,6 +33,11 @@ def code(parameter: str, value: object, codes: dict[str, int]) -> int:
 def criterion_code(criterion: str) -> int:
     """Return the library's code of a criterion."""
     return code("criterion", criterion, CRITERIA)
+
+
+def tree_criterion_code(criterion: str) -> int:
+    """Return the library's code of a criterion that builds trees."""
+    return code("criterion of a tree", criterion, TREE_CRITERIA)
 
 
 def _check_prune(prune: object) -> float:

@@ -13,7 +13,7 @@ import numpy as np
 from scipy import sparse
 
 from . import _engine
-from ._matrix import check_matrix, narrowed
+from ._matrix import check_matrix, label_array, narrowed
 from .trees import Tree
 
 # Characters of a line that the program's reader takes whole.
@@ -79,13 +79,27 @@ def read_labels(path: str | os.PathLike) -> list[str]:
 
 
 def write_labels(path: str | os.PathLike, labels: Iterable[object]) -> None:
-    """Write row labels, column labels or classes, a line each."""
-    texts = [str(label) for label in labels]
-    for text in texts:
-        if "\n" in text or text != text.rstrip(" \t"):
-            raise ValueError(f"{text!r} would not be read back: it ends in blanks or breaks a line")
-    with open(path, "w", **_TEXT) as out:
-        out.writelines(text + "\n" for text in texts)
+    """Write row labels, column labels or classes, a line each.
+
+    Labels that the program would not read back are refused, and then nothing is written.
+    """
+    lines = [_label_line(str(label)) for label in labels]
+    with open(path, "wb") as out:
+        out.writelines(lines)
+
+
+def _label_line(text: str) -> bytes:
+    line = text.encode(_TEXT["encoding"], _TEXT["errors"])
+    if len(line) > _LONGEST_LINE:
+        raise ValueError(
+            f"The label that begins with {text[:20]!r} has {len(line)} bytes, and the program "
+            f"reads no more than {_LONGEST_LINE}"
+        )
+    if b"\n" in line or b"\0" in line:
+        raise ValueError(f"{text!r} would not be read back: it has a line end or a null character")
+    if line != line.rstrip(b" \t"):
+        raise ValueError(f"{text!r} would not be read back: it ends in blanks")
+    return line + b"\n"
 
 
 class Clustering(NamedTuple):
@@ -120,9 +134,7 @@ def read_clustering(path: str | os.PathLike) -> Clustering:
 
 def write_clustering(path: str | os.PathLike, labels, statistics=None) -> None:
     """Write a clustering file, with the z-scores of `statistics` (ClusterStatistics) if given."""
-    labels = np.asarray(labels)
-    if labels.ndim != 1 or not np.issubdtype(labels.dtype, np.integer):
-        raise ValueError(f"Labels must be integers, one for each row; got {labels.dtype}")
+    labels = label_array(labels, np.size(labels))
     columns = [labels]
     if statistics is not None:
         columns += [statistics.internal_zscores, statistics.external_zscores]

@@ -9,8 +9,7 @@ import numpy as np
 from scipy import sparse
 
 from . import _engine
-from ._matrix import check_matrix
-from ._models import criterion_code
+from ._models import tree_criterion_code
 from .analysis import view
 
 _OVER_CLUSTERS, _OVER_ROWS = 1, 2
@@ -32,9 +31,9 @@ class Tree:
     sizes : ndarray of shape (m - 1,)
         Rows below each merge.
     parents, parent_similarities : ndarray
-        The tree as the library builds it and the program writes it, over all clusters or rows. In
-        a tree over the rows the similarities stand at other places than their nodes; the attribute
-        `similarities` puts this right.
+        The tree as the library builds it and the program writes it, over all rows or over the
+        clusters that have rows. In a tree over the rows the similarities stand at other places than
+        their nodes; the attribute `similarities` puts this right.
     """
 
     leaves: np.ndarray
@@ -176,9 +175,22 @@ def _only_leaf(part: np.ndarray, treetype: int) -> np.ndarray:
     return np.unique(part[part >= 0]) if treetype == _OVER_CLUSTERS else np.flatnonzero(part >= 0)
 
 
+def _without_empty_clusters(part: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
+    """Number the clusters that have rows from 0 on; returns them and the new labels.
+
+    A tree takes memory for the square of the number of clusters, whether or not they have rows.
+    """
+    clusters, numbers = np.unique(part[part >= 0], return_inverse=True)
+    renumbered = np.full_like(part, -1)
+    renumbered[part >= 0] = numbers
+    return clusters, renumbered
+
+
 def _build(X, labels, criterion: str, treetype: int, ordered: bool, models: dict):
-    matrix, codes, n_clusters, part = view(X, labels, models)
-    crfun = criterion_code(criterion)
+    crfun = tree_criterion_code(criterion)
+    matrix, codes, _, part = view(X, labels, models)
+    clusters, part = _without_empty_clusters(part)
+    n_clusters = len(clusters)
     parents, similarities = _engine.build_tree(matrix, codes, crfun, treetype, n_clusters, part)
     table = _child_table(parents)
     if ordered:
@@ -187,7 +199,7 @@ def _build(X, labels, criterion: str, treetype: int, ordered: bool, models: dict
     if not len(leaves):
         leaves = _only_leaf(part, treetype)
         children = np.empty((0, 2), dtype=np.int64)
-    return (matrix, codes, part), (parents, similarities), (leaves, children, merges)
+    return (matrix, codes, part, clusters), (parents, similarities), (leaves, children, merges)
 
 
 def cluster_tree(X, labels, criterion: str = "i2", *, ordered: bool = True, **models) -> Tree:
@@ -205,10 +217,11 @@ def cluster_tree(X, labels, criterion: str = "i2", *, ordered: bool = True, **mo
         similarity, row_model, col_model, prune.
     """
     given, built, found = _build(X, labels, criterion, _OVER_CLUSTERS, ordered, models)
-    (matrix, codes, part), (parents, similarities), (leaves, children, merges) = given, built, found
-    leaf_sizes = _engine.cluster_statistics(matrix, codes, len(parents) // 2, part)[0][leaves]
+    (matrix, codes, part, clusters), (parents, similarities) = given, built
+    leaves, children, merges = found
+    leaf_sizes = _engine.cluster_statistics(matrix, codes, len(clusters), part)[0][leaves]
     sizes = _sizes(children, leaf_sizes)
-    return Tree(leaves, children, similarities[merges], sizes, parents, similarities)
+    return Tree(clusters[leaves], children, similarities[merges], sizes, parents, similarities)
 
 
 def full_tree(X, labels, criterion: str = "i2", *, ordered: bool = False, **models) -> Tree:
@@ -217,9 +230,8 @@ def full_tree(X, labels, criterion: str = "i2", *, ordered: bool = False, **mode
     Parameters as for `cluster_tree`. Takes memory for the square of the largest cluster, and with
     `ordered` for that of the number of rows; rows are left in place when preparation drops some.
     """
-    X = check_matrix(X)
     given, built, found = _build(X, labels, criterion, _OVER_ROWS, ordered, models)
-    (matrix, codes, part), (parents, places), (leaves, children, _) = given, built, found
+    (matrix, codes, _, _), (parents, places), (leaves, children, _) = given, built, found
     nrows, ncols, indptr, indices, data, _, _ = _engine.prepare(matrix, codes)
     prepared = sparse.csr_matrix((data, indices, indptr), shape=(nrows, ncols), dtype=np.float64)
     sizes = _sizes(children, np.ones(len(leaves), dtype=np.int64))

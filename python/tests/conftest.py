@@ -6,6 +6,7 @@ from __future__ import annotations
 import os
 import signal
 import subprocess
+import sys
 from pathlib import Path
 
 import numpy as np
@@ -60,6 +61,26 @@ def program():
             [path, *map(str, arguments)], capture_output=True, text=True, check=False
         )
         assert done.returncode == COMPLETED, done.stdout + done.stderr
+        return done.stdout
+
+    return run
+
+
+@pytest.fixture(scope="session")
+def python():
+    """Return a function that runs a script in a process of its own and returns what it prints."""
+
+    def run(script: str, *arguments) -> str:
+        # Blocks that are held back after their release would look like a leak.
+        sanitizer = os.environ.get("ASAN_OPTIONS", "") + ":quarantine_size_mb=1"
+        done = subprocess.run(
+            [sys.executable, "-c", script, *map(str, arguments)],
+            capture_output=True,
+            text=True,
+            check=False,
+            env={**os.environ, "ASAN_OPTIONS": sanitizer},
+        )
+        assert done.returncode == 0, done.stdout + done.stderr
         return done.stdout
 
     return run

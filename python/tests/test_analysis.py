@@ -195,9 +195,47 @@ def test_a_tree_over_one_cluster_is_a_leaf():
     assert tree.leaf_order().tolist() == [0]
 
 
-def test_criteria_without_merges_are_refused_by_the_library():
-    with pytest.raises(molva.MolvaError):
-        molva.cluster_tree(PAIRS, LABELS, "g3")
+@pytest.mark.parametrize("build", [molva.cluster_tree, molva.full_tree])
+@pytest.mark.parametrize("criterion", ["g3", "H3"])
+def test_criteria_without_merges_are_refused_before_anything_is_read(build, criterion):
+    with pytest.raises(ValueError, match="criterion of a tree must be one of 'i1'.*'h2'; got"):
+        build(None, None, criterion)
+
+
+def test_clusters_without_rows_change_no_tree(dense):
+    labels = np.arange(48) % 5
+    apart = np.array([0, 3, 4, 90, 399])
+    for build in (molva.cluster_tree, molva.full_tree):
+        close, wide = build(dense, labels), build(dense, apart[labels])
+        np.testing.assert_array_equal(close.children, wide.children)
+        np.testing.assert_array_equal(close.similarities, wide.similarities)
+        np.testing.assert_array_equal(close.sizes, wide.sizes)
+    assert molva.cluster_tree(dense, apart[labels]).leaves.tolist() == apart.tolist()
+
+
+STRAY_LABEL = """
+import numpy as np
+import molva
+
+
+def most_mapped():
+    with open("/proc/self/status") as lines:
+        return next(int(line.split()[1]) for line in lines if line.startswith("VmPeak"))
+
+
+X = np.eye(4000, 2, dtype=np.float32) + 1
+labels = np.arange(4000) % 3
+molva.cluster_tree(X, labels)
+before = most_mapped()
+labels[7] = 39_999
+assert molva.cluster_tree(X, labels).leaves.tolist() == [0, 1, 2, 39_999]
+print(most_mapped() - before)
+"""
+
+
+def test_a_tree_takes_memory_for_the_clusters_that_have_rows(python):
+    # In kilobytes. A number for every pair of 40,000 clusters alone would take 3 gigabytes.
+    assert int(python(STRAY_LABEL)) < 2**18
 
 
 class TestExternalQuality:
@@ -233,13 +271,28 @@ class TestExternalQuality:
         ([-1, -1, -1, -1], "No row has a cluster"),
         ([0, 0, 1, 10**9], "The label 1000000000 is too large"),
         ([0, 0, 1, 2**40], "The label 1099511627776 is too large"),
+        ([0, 0, 1, 1000], "The label 1000 is too large: .* 4 rows may have labels below 1000"),
     ],
 )
-def test_labels_are_checked(labels, message):
+def test_labels_are_checked(labels, message, tmp_path):
     with pytest.raises(ValueError, match=message):
         molva.cluster_statistics(PAIRS, labels)
     with pytest.raises(ValueError, match=message):
         molva.external_quality(labels, ["a", "b", "b", "a"])
+    with pytest.raises(ValueError, match=message):
+        molva.full_tree(PAIRS, labels)
+    if max(labels) >= 1000:
+        with pytest.raises(ValueError, match=message):
+            molva.write_clustering(tmp_path / "c", labels)
+        assert not (tmp_path / "c").exists()
+
+
+def test_rows_may_be_a_part_of_those_clustered():
+    assert len(molva.cluster_statistics(PAIRS, [0, 5, 5, 999]).sizes) == 1000
+    many = np.arange(200) * 10 + 9  # The last is 1999.
+    assert len(molva.cluster_statistics(np.ones((200, 2)), many).sizes) == 2000
+    with pytest.raises(ValueError, match="200 rows may have labels below 2000"):
+        molva.cluster_statistics(np.ones((200, 2)), many + 1)
 
 
 def test_labels_of_any_integer_type_will_do():

@@ -80,8 +80,35 @@ def test_labels_lose_blanks_at_their_ends_only(tmp_path):
     assert molva.read_labels(tmp_path / "l") == [" a b", "", "na\udcefve\r", "last"]
     molva.write_labels(tmp_path / "again", molva.read_labels(tmp_path / "l"))
     assert (tmp_path / "again").read_bytes() == b" a b\n\nna\xefve\r\nlast\n"
-    with pytest.raises(ValueError, match="would not be read back"):
-        molva.write_labels(tmp_path / "again", ["a\nb"])
+
+
+@pytest.mark.parametrize(
+    "label, message",
+    [
+        ("a\nb", "would not be read back: it has a line end"),
+        ("\n", "line end"),
+        ("a\0b", "or a null character"),
+        ("a ", "it ends in blanks"),
+        ("\t", "it ends in blanks"),
+        ("\ud800", "surrogates not allowed"),
+        ("x" * 131_071, "begins with 'xxxxxxxxxxxxxxxxxxxx' has 131071 bytes"),
+        ("\u00e9" * 65_536, "has 131072 bytes, and the program reads no more than 131070"),
+    ],
+    ids=["lines", "end", "null", "blank", "tab", "surrogate", "long", "long in bytes"],
+)
+def test_labels_that_would_not_be_read_back_leave_the_file_as_it_was(tmp_path, label, message):
+    (tmp_path / "l").write_text("kept\n")
+    with pytest.raises(ValueError, match=message):
+        molva.write_labels(tmp_path / "l", ["first", label])
+    assert (tmp_path / "l").read_text() == "kept\n"
+
+
+def test_the_longest_label_is_read_back_by_the_program(tmp_path, program):
+    labels = ["x" * 131_070, "\u00e9" * 65_535]
+    molva.write_labels(tmp_path / "m.rclass", labels)
+    assert molva.read_labels(tmp_path / "m.rclass") == labels
+    molva.write_matrix(tmp_path / "m", sparse.csr_matrix([[1, 2, 0], [2, 1, 0]]))
+    assert program("-nooutput", tmp_path / "m", 0).count("2-way clustering") == 1
 
 
 def test_clusterings_come_back(tmp_path):
