@@ -2,9 +2,9 @@
 #include "programs/io/labels.h"
 
 #include <cstdio>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
@@ -57,10 +57,11 @@ Labels ReadLabels(const Companion& companion, const molva::String& given, const 
 }
 
 // Numbers the labels 0, 1, ... in the order of first appearance, by exact comparison; returns how
-// many there are. `label(i)` is a C string that lives as long as the call.
+// many there are. `label(i)` is a C string that lives as long as the call. The labels are kept in
+// their order: those of a hash table can be chosen so that all of them fall on one place.
 template <typename Label>
 int NumberLabels(std::span<int> classes, Label label) {
-  std::unordered_map<std::string_view, int> numbers;
+  std::map<std::string_view, int> numbers;
   for (std::size_t i = 0; i < classes.size(); ++i) {
     const int next = static_cast<int>(numbers.size());
     classes[i] = numbers.try_emplace(label(i), next).first->second;

@@ -4,11 +4,11 @@
 #pragma once
 
 #include <string>
-#include <unordered_set>
+#include <set>
 
 namespace mardle::tools {
 
-using StopWords = std::unordered_set<std::string>;
+using StopWords = std::set<std::string>;
 
 // Common function words of English, and the pieces that contractions leave ("don", "ll").
 StopWords EnglishStopWords();

@@ -5,8 +5,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "tools/import/documents.h"
@@ -43,7 +43,7 @@ class TermCounts {
 
   TextTokens& tokens_;
   const StopWords& stop_words_;
-  std::unordered_map<std::string, std::uint32_t> numbers_;
+  std::map<std::string, std::uint32_t> numbers_;  // no text can make its words collide
   std::vector<std::int32_t> document_counts_;  // of each term
   std::vector<Row> rows_;
   std::vector<unsigned char> counts_;  // pairs of term and count, as numbers of 7-bit pieces

@@ -3,8 +3,8 @@
 
 #include <sys/stat.h>
 
+#include <set>
 #include <stdexcept>
-#include <unordered_set>
 
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
@@ -53,7 +53,7 @@ int ClassesOf(const RunParams& params, int nrows) {
   const molva::File file = OpenAsWell(name);
   if (!file) return 1;
   LineReader reader(file.get());
-  std::unordered_set<std::string> classes;
+  std::set<std::string> classes;
   for (int i = 0; i < nrows; ++i) {
     const char* line = reader.NextStripped();
     if (line == nullptr) break;
