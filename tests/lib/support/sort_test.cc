@@ -8,10 +8,14 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <span>
 #include <utility>
 #include <vector>
+
+#include "lib/support/clock.h"
+#include "tests/testing/allocation.h"
 
 namespace {
 
@@ -248,6 +252,125 @@ TEST(SortKeyValues, IsTheSameOnEveryCall) {
     sort(second);
     EXPECT_EQ(Values(first), Values(second));
   }
+}
+
+// The increasing quicksort, step by step as it is described, however long it takes.
+void PlainQuicksort(std::vector<KeyValue>& x, std::ptrdiff_t low, std::ptrdiff_t high) {
+  if (high - low + 1 <= 20) return;
+  const auto at = [&x](std::ptrdiff_t p) -> KeyValue& { return x[static_cast<std::size_t>(p)]; };
+  const std::ptrdiff_t middle = low + (high - low) / 2;
+  if (at(middle).key < at(low).key) std::swap(at(middle), at(low));
+  if (at(high).key < at(middle).key) std::swap(at(high), at(middle));
+  if (at(middle).key < at(low).key) std::swap(at(middle), at(low));
+  const float pivot = at(middle).key;
+  std::ptrdiff_t i = low + 1;
+  std::ptrdiff_t j = high - 1;
+  while (i <= j) {
+    while (at(i).key < pivot) ++i;
+    while (pivot < at(j).key) --j;
+    if (i < j) std::swap(at(i), at(j));
+    if (i <= j) ++i, --j;
+  }
+  PlainQuicksort(x, low, j);
+  PlainQuicksort(x, i, high);
+}
+
+std::vector<KeyValue> PlainlySorted(std::vector<KeyValue> records) {
+  PlainQuicksort(records, 0, static_cast<std::ptrdiff_t>(records.size()) - 1);
+  return StableIncreasing(records);
+}
+
+// Keys under which `splits` splits of the increasing quicksort take two records off each: the first
+// and the middle one, always the smallest of those left. What is left then has the keys `rest`.
+std::vector<float> KeysThatSplitBadly(std::vector<float> rest, std::size_t splits) {
+  const std::size_t n = rest.size() + 2 * splits;
+  std::vector<std::size_t> record_at(n);
+  std::iota(record_at.begin(), record_at.end(), 0);
+  std::vector<float> keys(n);
+  float smallest = -2 * static_cast<float>(n);
+  for (std::size_t low = 0; low < 2 * splits; low += 2) {
+    const std::size_t middle = low + (n - 1 - low) / 2;
+    keys[record_at[low]] = smallest++;
+    keys[record_at[middle]] = smallest++;
+    std::swap(record_at[low + 1], record_at[middle]);
+  }
+  for (std::size_t i = 0; i < rest.size(); ++i) keys[record_at[2 * splits + i]] = rest[i];
+  return keys;
+}
+
+std::vector<float> Opposite(std::vector<float> keys) {
+  for (float& key : keys) key = -key;
+  return keys;
+}
+
+double SecondsToSort(Sort sort, const std::vector<float>& keys) {
+  std::vector<KeyValue> records = Records(keys);
+  const double start = molva::CPUSeconds();
+  sort(records);
+  return molva::CPUSeconds() - start;
+}
+
+// Processor time beside that for keys in no order, so that the machine and the build do not count.
+void ExpectNoLongerThanForRandomKeys(Sort sort, const std::vector<float>& keys) {
+  std::mt19937 random(5);
+  const double ordinary = SecondsToSort(sort, RandomKeys(random, keys.size(), 1000000));
+  EXPECT_LT(SecondsToSort(sort, keys), 20 * (ordinary + 0.005));
+}
+
+TEST(SortKeyValues, TakesNoLongerForKeysThatSplitBadly) {
+  const std::vector<float> keys = KeysThatSplitBadly({}, 40000);
+  ExpectNoLongerThanForRandomKeys(&SortKeyValuesIncreasing, keys);
+  ExpectNoLongerThanForRandomKeys(&SortKeyValuesDecreasing, Opposite(keys));
+}
+
+// The second half belongs before the first: one descent, and every insertion goes far.
+TEST(SortKeyValuesIncreasing, TakesNoLongerForInsertionsThatGoFar) {
+  std::vector<float> keys(80000);
+  for (std::size_t i = 0; i < keys.size(); ++i) keys[i] = static_cast<float>((i + 40000) % 80000);
+  ExpectNoLongerThanForRandomKeys(&SortKeyValuesIncreasing, keys);
+  ExpectSortsBothWays(keys);
+}
+
+// Equal keys tell the orders apart. They are met when the scans leap already.
+TEST(SortKeyValues, LeavesEqualKeysWhereThePlainQuicksortDoes) {
+  std::mt19937 random(6);
+  for (const unsigned distinct : {1U, 2U, 5U, 50U, 1000U}) {
+    for (const std::size_t n : {200U, 1000U, 3017U}) {
+      const std::vector<float> keys = KeysThatSplitBadly(RandomKeys(random, n, distinct), n / 3);
+      std::vector<KeyValue> increasing = Records(keys);
+      std::vector<KeyValue> decreasing = Records(Opposite(keys));
+      const std::vector<int> expected = Values(PlainlySorted(increasing));
+      SortKeyValuesIncreasing(increasing);
+      SortKeyValuesDecreasing(decreasing);
+      EXPECT_EQ(Values(increasing), expected) << distinct << " " << n;
+      EXPECT_EQ(Values(decreasing), expected) << distinct << " " << n;
+    }
+  }
+}
+
+TEST(SortKeyValues, DoesWithoutMemoryForLeaps) {
+  std::mt19937 random(7);
+  const std::vector<float> keys = KeysThatSplitBadly(RandomKeys(random, 500, 9), 400);
+  std::vector<KeyValue> records = Records(keys);
+  const std::vector<int> expected = Values(PlainlySorted(records));
+  const testing_support::FailingAllocations failing(0);
+  SortKeyValuesIncreasing(records);
+  EXPECT_EQ(Values(records), expected);
+}
+
+// Equal keys keep their order, and nothing passes a key that is not a number.
+TEST(SortKeyValuesIncreasing, MergesWhatInsertionWouldPutInPlace) {
+  std::vector<float> keys;
+  for (int i = 0; i < 3000; ++i) keys.push_back(static_cast<float>((i + 1500) % 3000 / 3));
+  keys[1000] = keys[2200] = NAN;
+  std::vector<KeyValue> expected = Records(keys);
+  const auto by_key = [](const KeyValue& a, const KeyValue& b) { return a.key < b.key; };
+  std::stable_sort(expected.begin(), expected.begin() + 1000, by_key);
+  std::stable_sort(expected.begin() + 1001, expected.begin() + 2200, by_key);
+  std::stable_sort(expected.begin() + 2201, expected.end(), by_key);
+  std::vector<KeyValue> records = Records(keys);
+  SortKeyValuesIncreasing(records);
+  EXPECT_EQ(Values(records), Values(expected));
 }
 
 }  // namespace
