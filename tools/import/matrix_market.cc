@@ -105,6 +105,17 @@ Size ReadSize(InputLines& input, const Banner& banner) {
   return size;
 }
 
+// A few bytes must not become millions of lines without entries.
+void RefuseRowsThatAreNotThere(const InputLines& input, const Banner& banner, const Size& size) {
+  constexpr int kManyRows = 1000000;
+  constexpr int kRowsOfAnEntry = 100;
+  const long long entries = banner.array ? 1LL * size.rows * size.columns : size.entries;
+  if (size.rows <= kManyRows || entries >= size.rows / kRowsOfAnEntry) return;
+  input.Fail(std::to_string(size.rows) + " rows for " + std::to_string(entries) +
+             (entries == 1 ? " entry" : " entries") +
+             ": hardly a row has one; --drop-empty leaves the others out");
+}
+
 int IndexIn(std::string_view text, int most, const char* what, const InputLines& input) {
   const auto index = ParseInteger(text);
   if (!index || *index < 1 || *index > most) {
@@ -197,6 +208,7 @@ MatrixSummary ImportMatrixMarket(InputLines& input, const MatrixOutput& output, 
                                  Progress& progress) {
   const Banner banner = ReadBanner(input);
   const Size size = ReadSize(input, banner);
+  if (!output.drop_empty) RefuseRowsThatAreNotThere(input, banner, size);
   std::vector<Triple> triples = banner.array ? ReadArray(input, banner, size, progress)
                                              : ReadCoordinates(input, banner, size, progress);
   // Stable, so that values given several times add up in the order of the file.
@@ -210,6 +222,12 @@ MatrixSummary ImportMatrixMarket(InputLines& input, const MatrixOutput& output, 
   std::vector<Entry> entries;
   auto triple = triples.cbegin();
   for (int row = 0; row < size.rows; ++row) {
+    if (output.drop_empty) {
+      const int next = triple == triples.cend() ? size.rows : triple->row;
+      writer.LeaveOut(next - row);
+      row = next;
+      if (row == size.rows) break;
+    }
     TakeRow(triple, triples.cend(), row, entries);
     writer.AddRow(entries, {}, {input.place().path + ", row " + std::to_string(row + 1), 0});
   }

@@ -58,6 +58,9 @@ class MatrixWriter {
   // 0. All rows carry a label or none does; the same holds for classes.
   void AddRow(std::span<const Entry> entries, const RowNames& names, const Place& place);
 
+  // Counts rows without entries that are not added.
+  void LeaveOut(std::int64_t rows) { summary_.empty_rows += rows; }
+
   std::int64_t rows() const { return summary_.rows; }
 
   // Fills in the header, writes the labels of the columns, unless there are none, and gives all

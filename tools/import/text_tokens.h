@@ -6,6 +6,7 @@
 
 #include <unicode/regex.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,13 +29,18 @@ class TextTokens {
   // letter. `place` is what messages name.
   void Start(std::string_view text, const Place& place);
 
-  // Takes the next word, in UTF-8. False behind the last.
+  // Takes the next word, in UTF-8. False behind the last. Throws FileError when the pattern has
+  // taken far more steps than the texts so far have characters.
   bool Next(std::string& token);
 
  private:
+  static UBool GoesOn(const void* self, std::int32_t steps_of_this_word);
+
   icu::UnicodeString text_;  // that the matcher works on
   std::unique_ptr<icu::RegexMatcher> matcher_;
   Place place_;
+  std::int64_t characters_ = 0;     // of all texts
+  mutable std::int64_t steps_ = 0;  // in units of ICU's, of ten thousand; of all words
 };
 
 }  // namespace mardle::tools

@@ -26,6 +26,12 @@ class Imported {
     return Read(suffix);
   }
 
+  // The options for another import to the same place.
+  const mardle::tools::ImportOptions& Again() {
+    options.output.replace = true;
+    return options;
+  }
+
   std::string Read(const std::string& suffix) const {
     std::string text = ReadText(folder.Path("out.mat" + suffix));
     if (!suffix.empty()) return text;

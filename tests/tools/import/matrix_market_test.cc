@@ -51,6 +51,24 @@ TEST(MatrixMarket, SymmetricArraysHoldTheLowerTriangle) {
             "2 2\n0 -7\n7 0\n");
 }
 
+TEST(MatrixMarket, RowsThatAreNotThereAreRefusedUnlessEmptyOnesAreLeftOut) {
+  EXPECT_EQ(Fails(std::string(kReal) + "100000000 5 0\n"),
+            "m.mtx:2: 100000000 rows for 0 entries: hardly a row has one; --drop-empty leaves the "
+            "others out");
+  EXPECT_EQ(Fails("%%MatrixMarket matrix array real general\n2000000000 0\n"),
+            "m.mtx:2: 2000000000 rows for 0 entries: hardly a row has one; --drop-empty leaves the "
+            "others out");
+  Imported sparse("m.mtx", std::string(kReal) + "2000000000 5 3\n1999999999 2 4\n7 1 3\n8 1 0\n");
+  sparse.options.output.drop_empty = true;
+  EXPECT_EQ(sparse.Run(), "2 5 2\n1 3\n2 4\n");
+  EXPECT_EQ(Import(sparse.Again()).matrix.empty_rows, 1999999998);
+}
+
+TEST(MatrixMarket, AMillionRowsMayBeEmpty) {
+  const std::string imported = Imports(std::string(kReal) + "1000000 5 1\n1000000 2 4\n");
+  EXPECT_EQ(imported, "1000000 5 1\n" + std::string(999999, '\n') + "2 4\n");
+}
+
 TEST(MatrixMarket, ErrorsNameFileAndLine) {
   const std::string real = kReal;
   const struct {

@@ -52,6 +52,26 @@ TEST(TextTokens, AnotherPatternCutsOtherWords) {
   EXPECT_THROW(WordsOf("", "(["), std::invalid_argument);
 }
 
+// Each of the 60 letters doubles the ways to cut the text, and none of them ends in an exclamation
+// mark.
+TEST(TextTokens, APatternThatTakesTooLongIsAnError) {
+  try {
+    WordsOf(std::string(60, 'a'), "(a+)+!");
+    FAIL() << "no failure";
+  } catch (const mardle::tools::FileError& error) {
+    EXPECT_STREQ(error.what(),
+                 "text: the token pattern takes too long; nested repetitions such as (a+)+ do");
+  }
+}
+
+// A million words, and a word of ten million letters: the steps allowed grow with the texts.
+TEST(TextTokens, LongTextsMayTakeTheirTime) {
+  std::string text;
+  for (int i = 0; i < 1000000; ++i) text += "word ";
+  EXPECT_EQ(WordsOf(text).size(), 1000000U);
+  EXPECT_EQ(WordsOf(std::string(10000000, 'w')).size(), 1U);
+}
+
 TEST(StopWords, EnglishHasTheCommonWordsOnce) {
   const auto words = mardle::tools::StopWordsNamed("english");
   for (const char* word : {"the", "and", "of", "it", "don", "without"}) {
