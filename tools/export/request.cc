@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/request.h"
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -9,6 +12,7 @@
 
 #include "lib/molva.h"
 #include "tools/text/numbers.h"
+#include "tools/text/terminal_text.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
@@ -176,7 +180,9 @@ std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
     if (request.format == Format::kHtml) SettleRun(texts, request.run);
   } catch (const CLI::ParseError& error) {
     std::ostringstream answer;
-    const bool answered = app.exit(error, answer) == 0;
+    std::ostringstream complaint;
+    const bool answered = app.exit(error, answer, complaint) == 0;
+    std::fputs(tools::ShownOn(STDERR_FILENO, complaint.str()).c_str(), stderr);
     tools::WriteStandardOutput(answer.str());
     return answered ? tools::kSuccess : tools::kWrongUsage;
   }

@@ -107,7 +107,7 @@ std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportO
     WriteStandardOutput(answer.str());
     return status;
   } catch (const CLI::ParseError& error) {
-    std::fprintf(stderr, "mardle-import: %s\nTry 'mardle-import --help'.\n", error.what());
+    ReportError("mardle-import", std::string(error.what()) + "\nTry 'mardle-import --help'.");
     return kWrongUsage;
   }
   return std::nullopt;

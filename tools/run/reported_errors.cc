@@ -7,6 +7,8 @@
 #include <array>
 #include <cerrno>
 
+#include "tools/text/terminal_text.h"
+
 namespace mardle::tools {
 namespace {
 
@@ -56,7 +58,8 @@ void ReportedErrors::PassOn() {
     if (count < 0) return;
     if (count == 0) return Close(read_end_);
     const std::string_view text(block.data(), static_cast<std::size_t>(count));
-    WriteAll(text);
+    // A terminal gets the bytes of a character that two reads cut apart, each as a number.
+    WriteAll(ShownOn(STDERR_FILENO, text));
     Look(text);
   }
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/text/tool_frame.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -10,6 +12,7 @@
 #include "lib/support/files.h"
 #include "tools/text/file_error.h"
 #include "tools/text/partial_files.h"
+#include "tools/text/terminal_text.h"
 
 namespace mardle::tools {
 
@@ -22,7 +25,7 @@ void PrepareTool() {
 
 void ReportError(const char* tool, std::string message) {
   while (message.ends_with('\n')) message.pop_back();
-  std::fprintf(stderr, "%s: %s\n", tool, message.c_str());
+  std::fprintf(stderr, "%s: %s\n", tool, ShownOn(STDERR_FILENO, message).c_str());
 }
 
 int StatusOf(const char* tool, const std::function<int()>& work) {
@@ -40,7 +43,8 @@ int StatusOf(const char* tool, const std::function<int()>& work) {
 }
 
 void WriteStandardOutput(const std::string& text) {
-  const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  const std::string shown = ShownOn(STDOUT_FILENO, text);
+  const bool written = std::fwrite(shown.data(), 1, shown.size(), stdout) == shown.size();
   if (!written || std::fflush(stdout) != 0) throw SystemError("standard output");
 }
 

@@ -17,7 +17,8 @@ inline constexpr int kWrongUsage = 2;
 // leaves no files behind that are being written.
 void PrepareTool();
 
-// "TOOL: message" on standard error, with one line end whether the message has one or not.
+// "TOOL: message" on standard error, with one line end whether the message has one or not. Neither
+// here nor below does a terminal get control characters, which names and labels may hold.
 void ReportError(const char* tool, std::string message);
 
 // The status that the work returns; when it throws, the error is reported, and the status is that
