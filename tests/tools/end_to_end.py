@@ -2,11 +2,12 @@
 # SPDX-License-Identifier: MIT
 """From texts and tables to clusters, with the built programs.
 
-Usage: end_to_end.py MARDLE MARDLE-IMPORT MARDLE-RUN
+Usage: end_to_end.py MARDLE MARDLE-IMPORT MARDLE-RUN MARDLE-EXPORT
 """
 
 import os
 import pathlib
+import pty
 import shutil
 import signal
 import stat
@@ -17,7 +18,7 @@ import time
 import unittest
 
 TEXTS = pathlib.Path(__file__).resolve().parent / "data" / "texts"
-MARDLE, IMPORT, RUN = (os.path.abspath(path) for path in sys.argv[1:4])
+MARDLE, IMPORT, RUN, EXPORT = (os.path.abspath(path) for path in sys.argv[1:5])
 
 
 class EndToEnd(unittest.TestCase):
@@ -48,6 +49,49 @@ class EndToEnd(unittest.TestCase):
 
     def small_matrix(self):
         self.write("m", "3 2 4\n1 1\n1 2 2 1\n2 1\n")
+
+
+    def on_terminal(self, program, *arguments):
+        """What a terminal gets on standard output and standard error."""
+        ours, theirs = pty.openpty()
+        with subprocess.Popen([program, *arguments], cwd=self.folder, stdin=theirs, stdout=theirs,
+                              stderr=theirs, env={**os.environ, "MARDLE": MARDLE}) as started:
+            os.close(theirs)
+            shown = b""
+            try:
+                while block := os.read(ours, 65536):
+                    shown += block
+            except OSError:
+                pass  # Linux tells the end of a terminal by an error.
+            os.close(ours)
+            started.wait()
+        return shown
+
+
+class ShowingOnTerminals(EndToEnd):
+    LABEL = b"\x1b]0;title\x07 caf\xc3\xa9 \xc2\x9b2J"
+    SHOWN = b"\\x1b]0;title\\x07 caf\xc3\xa9 \\xc2\\x9b2J"
+
+    def test_labels_bring_no_control_characters(self):
+        self.small_matrix()
+        (self.folder / "m.rlabel").write_bytes(b"\n".join([self.LABEL] * 3) + b"\n")
+        self.write("c", "0\n1\n0\n")
+        asked = ["tsv", "--matrix", "m", "--clustering", "c"]
+        shown = self.on_terminal(EXPORT, *asked)
+        self.assertEqual(shown.count(self.SHOWN), 3, shown)
+        self.assertNotIn(b"\x1b", shown)
+        piped = subprocess.run([EXPORT, *asked], cwd=self.folder, capture_output=True, check=True)
+        self.assertEqual(piped.stdout.count(self.LABEL), 3)
+
+    def test_messages_bring_no_control_characters(self):
+        (self.folder / "bad.mtx").write_bytes(
+            b"%%MatrixMarket matrix coordinate real general\n1 1 1\n1 1 \x1b[2J\n")
+        shown = self.on_terminal(IMPORT, "bad.mtx", "out")
+        self.assertIn(b"'\\x1b[2J'", shown)
+        self.assertNotIn(b"\x1b[2J", shown)
+        shown = self.on_terminal(RUN, "no\x1b[2Jfile", "2")
+        self.assertIn(b"no\\x1b[2Jfile", shown)
+        self.assertNotIn(b"no\x1b", shown)
 
 
 class Importing(EndToEnd):
@@ -178,6 +222,32 @@ class Running(EndToEnd):
         self.write("old.ps", "an older drawing")
         run = self.run_tool("-sim=2", "-plotmatrix=old.ps", "m", 2)
         self.assertEqual((run.returncode, run.stderr), (1, "mardle-run: old.ps: not drawn\n"))
+
+    def test_a_tree_under_a_criterion_that_builds_none_is_refused_before_the_run(self):
+        self.small_matrix()
+        run = {"MARDLE": self.stand_in("touch started; exit 84")}
+        over_rows = "mardle-run: -fulltree needs a criterion from 1 to 7, and -crfun is 8\n"
+        over_clusters = ("mardle-run: the tree over the clusters needs a criterion from 1 to 7, "
+                         "not {}: name one by -showtree=N\n")
+        for options, message in (
+                (["-crfun=8", "-fulltree"], over_rows),
+                (["-crfun=8", "-fulltree", "-showtree=2"], over_rows),
+                (["-crfun=8", "-writetree"], over_clusters.format(8)),
+                (["-crfun=9", "-showtree"], over_clusters.format(9)),
+                (["-showtree=9"], over_clusters.format(9)),
+                (["-fulltree", "-writetree", "-showtree=8"], over_clusters.format(8)),
+                (["-crfun=8", "-plotclusters=p.ps"], over_clusters.format(8))):
+            refused = self.run_tool(*options, "m", 2, **run)
+            self.assertEqual((refused.returncode, refused.stderr), (2, message), options)
+            self.assertFalse((self.folder / "started").exists(), options)
+
+    def test_other_runs_under_these_criteria_are_not_refused(self):
+        self.write("rows", "4 4 8\n1 3 2 4\n1 4 2 3\n3 3 4 4\n3 4 4 3\n")
+        for options in (["-crfun=8"], ["-crfun=9", "-showtree=2", "-writetree"],
+                        ["-crfun=8", "-plotmatrix=p.ps"],
+                        ["-crfun=8", "-showtree=1", "-plotclusters=p.ps"]):
+            run = self.run_tool(*options, "rows", 2)
+            self.assertEqual((run.returncode, run.stderr), (0, ""), options)
 
     def test_results_on_standard_output_are_not_read_back(self):
         self.small_matrix()

@@ -6,6 +6,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "lib/molva.h"
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
 #include "programs/io/line_reader.h"
@@ -84,6 +85,15 @@ int LeavesOf(const RunParams& params, int nrows) {
   return params.fulltree != 0 ? nrows : params.nclusters;
 }
 
+bool BuildsTrees(int criterion) {
+  return criterion != MOLVA_CRFUN_G3 && criterion != MOLVA_CRFUN_H3;
+}
+
+// Whether the clusters are drawn; see the sequence of a run for what is passed over.
+bool DrawsClusters(const RunParams& params) {
+  return params.plotclustersfile && (params.denseinput != 0 || params.simfun == MOLVA_SIM_COSINE);
+}
+
 void CheckLines(const std::string& name, const WantedLines& wanted,
                 std::vector<std::string>& problems) {
   if (!IsChecked(name)) return;
@@ -111,6 +121,19 @@ CommandLineKind ReadCommandLine(std::vector<std::string> command_line, RunParams
   if (kind != CommandLineKind::kRun) return kind;
   ParseCommandLine(params, argc, ArgumentVector(command_line).data());
   return kind;
+}
+
+void RefuseTreesWithoutCriterion(const RunParams& params) {
+  if (params.fulltree != 0 && !BuildsTrees(params.crfun)) {
+    throw std::invalid_argument("-fulltree needs a criterion from 1 to 7, and -crfun is " +
+                                std::to_string(params.crfun));
+  }
+  const bool writes_tree = params.writetree != 0 && params.fulltree == 0;
+  const bool needs_tree = params.showtree != 0 || writes_tree || DrawsClusters(params);
+  if (needs_tree && !BuildsTrees(params.treecrfun)) {
+    throw std::invalid_argument("the tree over the clusters needs a criterion from 1 to 7, not " +
+                                std::to_string(params.treecrfun) + ": name one by -showtree=N");
+  }
 }
 
 std::optional<FileState> FileState::Of(const std::string& name) {

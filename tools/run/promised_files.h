@@ -19,6 +19,10 @@ namespace mardle::tools {
 // Reads the arguments, the program's name first, as mardle does; fills params for a run.
 CommandLineKind ReadCommandLine(std::vector<std::string> command_line, RunParams& params);
 
+// Throws std::invalid_argument when the run is to build a tree under a criterion that builds none:
+// mardle ends there, after all of the clustering.
+void RefuseTreesWithoutCriterion(const RunParams& params);
+
 // What a file was like at some time; nothing when there was none.
 struct FileState {
   ino_t file = 0;

@@ -91,7 +91,10 @@ int RunAndJudge(const std::string& program, const std::vector<std::string>& argu
   command_line.insert(command_line.end(), arguments.begin(), arguments.end());
   mardle::RunParams params;
   const CommandLineKind kind = ReadCommandLine(command_line, params);
-  if (kind == CommandLineKind::kRun) RefuseInputsAsOutputs(InputsOf(params), OutputsOf(params));
+  if (kind == CommandLineKind::kRun) {
+    RefuseTreesWithoutCriterion(params);
+    RefuseInputsAsOutputs(InputsOf(params), OutputsOf(params));
+  }
   const std::vector<Drawing> drawings = DrawingsOf(params);
   const Ending ending = RunProgram(program, arguments);
   if (ending.start_error != 0) {
