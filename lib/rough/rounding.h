@@ -38,8 +38,10 @@ constexpr double kCompositeRounding = 2 * kUnitSingle;
 // the sum of the magnitudes that enter: room for 128 roundings in double.
 constexpr double kSlack = 128 * kUnitDouble;
 
-// Lemma 5: d.G is kept in single precision, formed in double.
+// Lemma 5: d.G is kept in single precision, formed in double; the full arithmetic rounds it as
+// well, which for many entries is more than kExtraEntries of the roundings in double.
 constexpr double kStoredWhole = 2 * kUnitSingle;
+constexpr double kWholePerEntry = 2 * kUnitDouble;
 
 // Lemma 8: the sum of a row's squares as it is kept, rounded up.
 constexpr double kKeptSquare = 4 * kUnitSingle;

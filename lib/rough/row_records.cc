@@ -88,7 +88,8 @@ RowRecords::RowRecords(const PreparedMatrix& mat, BlockName name)
   }
 }
 
-// Summing n products in double rounds by n kUnitDouble of |d| |G|, storing by kUnitSingle.
+// Summing n products in double and in the full arithmetic rounds by kWholePerEntry of |d| |G| for
+// each, storing by kUnitSingle.
 void RowRecords::MeasureAgainst(Span<const float> whole) {
   if (is_measured_against_whole_) return;
   is_measured_against_whole_ = true;
@@ -102,7 +103,8 @@ void RowRecords::MeasureAgainst(Span<const float> whole) {
   }
   const double entries = extremes_.most_entries + kExtraEntries;
   extremes_.whole_error = kStoredWhole * most +
-                          entries * kUnitDouble * extremes_.longest * LengthOf(whole) + kVanishing;
+                          entries * kWholePerEntry * extremes_.longest * LengthOf(whole) +
+                          kVanishing;
   extremes_.least_whole -= extremes_.whole_error;
   extremes_.most_whole += extremes_.whole_error;
 }
