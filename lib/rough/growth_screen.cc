@@ -37,7 +37,7 @@ void GrowthScreen::SetBound(int k) {
   Cluster& c = clusters_[k];
   c.root = std::sqrt(c.squared_length);
   const BoundedCluster bounded{{1, c.squared_length, 0}, c.length.Length(), rows_};
-  c.error = bounded.ErrorPerEntry();
+  c.error = bounded.IsTame() ? bounded.ErrorPerEntry() : kForEver;
   GainBound bound;
   if (bounded.IsTame()) {
     const double by_length = 0.5 / c.root;

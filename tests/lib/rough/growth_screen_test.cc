@@ -127,5 +127,57 @@ TEST(GrowthScreen, LeavesTiesToTheFullArithmetic) {
   EXPECT_EQ(screen.Choose(Row(*mat, 2), records[2]), -1);
 }
 
+// The first grows by far more than the others, but nothing is bounded beyond 2^60.
+TEST(GrowthScreen, LeavesCompositesThatAreTooLongToTheFullArithmetic) {
+  const auto mat = PreparedOf({{0x1p61F, 0}, {0, 0x1p61F}, {0x1p50F, 0}});
+  const RowRecords records(*mat, "Test: rows");
+  for (const int nparts : {2, 3}) {
+    Lanes lanes(nparts, 2, "Test: lanes");
+    GrowthScreen screen(lanes, nparts, records.extremes(), "Test: screen");
+    for (int k = 0; k < nparts; ++k) {
+      lanes.Set(Row(*mat, k % 2), k);
+      screen.Start(k, 0x1p122F);
+    }
+    EXPECT_EQ(screen.Choose(Row(*mat, 2), records[2]), -1);
+  }
+}
+
+// The first composite is the row's first thousand columns, whose products beyond the first are lost
+// one by one in single precision: half a unit each, to the even number below. The second is the
+// last column, in which the row has just so much that the first grows a little more.
+TEST(GrowthScreen, IsRightWhereAllRoundingGoesOneWay) {
+  constexpr std::size_t kLost = 1000;
+  std::vector<float> row(kLost + 2, 0x1p-12F);
+  row.front() = 1;
+  for (int step = -64; step <= 64; ++step) {
+    row.back() = 0;
+    std::vector<float> first = row;
+    std::vector<float> second(row.size());
+    second.back() = 1;
+    // Equal growth at about 1.00004.
+    row.back() = 1.00004F + static_cast<float>(step) * 0x1p-19F;
+    const auto mat = PreparedOf({first, second, second, second, second, row});
+    Comparison comparison;
+    comparison.Run(*mat, 5);
+    EXPECT_EQ(comparison.rows, 1);
+  }
+}
+
+// The sum of the row's squares is 1 + 1000 2^-53, of which double arithmetic loses all but the 1,
+// and with the composite's 2^-24 it lies midway between two numbers of single precision.
+TEST(GrowthScreen, LeavesSquaredLengthsNearATieToTheFullArithmetic) {
+  const float lost = std::sqrt(0x1p-53F) * (1 - 0x1p-20F);
+  std::vector<float> row(1001, lost);
+  row.front() = 1;
+  row.push_back(0);
+  std::vector<float> composite(row.size());
+  composite.back() = 0x1p-12F;
+  const auto mat = PreparedOf({composite, row});
+  Comparison comparison;
+  comparison.Run(*mat, 1);
+  EXPECT_EQ(comparison.rows, 1);
+  EXPECT_EQ(comparison.certain_squares, 0);
+}
+
 }  // namespace
 }  // namespace molva
