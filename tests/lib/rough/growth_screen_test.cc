@@ -164,14 +164,15 @@ TEST(GrowthScreen, IsRightWhereAllRoundingGoesOneWay) {
 }
 
 // The sum of the row's squares is 1 + 1000 2^-53, of which double arithmetic loses all but the 1,
-// and with the composite's 2^-24 it lies midway between two numbers of single precision.
+// and with the composite's square it is 488 2^-53 above the middle between two numbers of single
+// precision: in double 512 below it.
 TEST(GrowthScreen, LeavesSquaredLengthsNearATieToTheFullArithmetic) {
   const float lost = std::sqrt(0x1p-53F) * (1 - 0x1p-20F);
   std::vector<float> row(1001, lost);
   row.front() = 1;
   row.push_back(0);
   std::vector<float> composite(row.size());
-  composite.back() = 0x1p-12F;
+  composite.back() = 0x1p-12F * (1 - 0x1p-21F);
   const auto mat = PreparedOf({composite, row});
   Comparison comparison;
   comparison.Run(*mat, 1);

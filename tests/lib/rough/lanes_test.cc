@@ -108,5 +108,19 @@ TEST(Lanes, SettleSquaredLengthsNearATieByTheFullArithmetic) {
   EXPECT_EQ(squares[1], 1.0F + 0x1p-23F);
 }
 
+// The first two make a sum 512 2^-53 below a tie. A thousand more are just less than 2^-53, half a
+// unit in double, which loses each; together they lift the sum above it.
+TEST(Lanes, SettleSquaredLengthsByTheFullArithmeticWhereAllRoundingGoesOneWay) {
+  std::vector<float> row(1002, std::sqrt(0x1p-53F) * (1 - 0x1p-20F));
+  row[0] = 1;
+  row[1] = 0x1p-12F * (1 - 0x1p-21F);
+  const auto mat = PreparedOf({row});
+  Lanes lanes(1, mat->ncols, "Test: lanes");
+  lanes.Add(Row(*mat, 0), 0);
+  float squares[1];
+  lanes.SquaredLengths(squares);
+  EXPECT_EQ(squares[0], 1.0F + 0x1p-23F);
+}
+
 }  // namespace
 }  // namespace molva

@@ -15,6 +15,7 @@ namespace molva {
 namespace {
 
 using testing_support::Prepared;
+using testing_support::PreparedOf;
 using testing_support::RandomDocuments;
 using testing_support::SparseMatrix;
 
@@ -89,6 +90,65 @@ TEST(LengthBound, HoldsForValuesOfAllSizes) {
   std::mt19937 random(4);
   for (float& v : matrix.rowval) v *= std::ldexp(1.0F, -static_cast<int>(random() % 100));
   ExpectBounded(*testing_support::Prepared(matrix), 3000, 4);
+}
+
+TEST(LengthBound, IsNotWornOutByAHundredThousandMoves) {
+  SparseMatrix matrix = RandomDocuments(5, 40, 12, 2, 5);
+  std::mt19937 random(5);
+  for (float& v : matrix.rowval) v = random() % 3 == 0 ? -v : v;
+  ExpectBounded(*Prepared(matrix), 100000, 5);
+}
+
+// Just below the middle between two numbers of single precision, the square is stored as the lower
+// one: half a unit is lost, beside a square that is just above a power of two.
+TEST(LengthBound, HoldsWhereASquareIsStoredLower) {
+  const auto mat = PreparedOf({{1, 0x1p-12F * (1 - 0x1p-20F)}});
+  Lanes lanes(1, mat->ncols, "Test: lanes");
+  lanes.Add(Row(*mat, 0), 0);
+  float q[1];
+  lanes.SquaredLengths(q);
+  ASSERT_EQ(q[0], 1);
+  LengthBound bound;
+  bound.Start(1);
+  EXPECT_LE(LengthOf(lanes[0], mat->ncols), bound.Length());
+}
+
+// Every value of the composite is just above 1, and each row lifts it by a little more than half a
+// unit: all of it is rounded up to a whole one. Of the square, 47 and rising, each row adds 1.47
+// units, of which one is stored. So the composite drifts away from the square by nearly as much as
+// it can.
+TEST(LengthBound, HoldsForACompositeThatDrifts) {
+  constexpr std::size_t kColumns = 47;
+  const std::vector<float> ones(kColumns, 1);
+  const std::vector<float> lifts(kColumns, 0x1p-24F * (1 + 0x1p-20F));
+  const auto mat = PreparedOf({ones, lifts});
+  const RowRecords rows(*mat, "Test: rows");
+  Lanes lanes(1, mat->ncols, "Test: lanes");
+  lanes.Add(Row(*mat, 0), 0);
+  float q = kColumns;
+  LengthBound bound;
+  bound.Start(kColumns);
+  for (int move = 0; move < 1000; ++move) {
+    q = Changed(Row(*mat, 1), lanes[0], q, 1);
+    lanes.Add(Row(*mat, 1), 0);
+    bound.Change(rows[1], static_cast<double>(q));
+    ASSERT_LE(LengthOf(lanes[0], mat->ncols), bound.Length()) << "after move " << move;
+  }
+  EXPECT_EQ(lanes[0][0], 1 + 1000 * 0x1p-23F);
+  EXPECT_EQ(q, kColumns + 1000 * 0x1p-18F);
+}
+
+// Sums of 80 bits hold these without rounding.
+TEST(RoundedUpSums, AreNeverBelowTheTrueOnes) {
+  double sum = 0;
+  std::mt19937 random(6);
+  for (int i = 0; i < 100000; ++i) {
+    const double term = std::ldexp(static_cast<double>(random()), -static_cast<int>(random() % 60));
+    const long double exact = static_cast<long double>(sum) + term;
+    sum = RoundedUpSum(sum, term);
+    ASSERT_GE(sum, exact);
+    if (i % 1000 == 0) sum = 0;
+  }
 }
 
 }  // namespace

@@ -216,5 +216,156 @@ TEST(MoveScreen, LeavesWhatIsTooLargeToTheFullArithmetic) {
   for (int i = 0; i < mat->nrows; ++i) EXPECT_TRUE(clusters.HasHope(rows[i]));
 }
 
+// The row is 1 and a thousand times 2^-12. Of its products with the target, twice the row, single
+// precision loses all but the first, half a unit each, to the even number below; those with its
+// home, a little more than the row itself, it rounds up, each by nearly half a unit. So both rough
+// changes are too small by almost what the lemma allows. `more` is by how much the home exceeds the
+// row: the less it is, the less the row's going loses.
+struct LostProducts {
+  static constexpr int kHome = 0, kTarget = 1;
+
+  explicit LostProducts(float more) {
+    std::vector<float> row(1002, 0x1p-12F);
+    row.front() = 1;
+    row.back() = 0;
+    std::vector<float> rest = row;
+    for (float& v : rest) v *= more;
+    const std::vector<float> nothing(row.size());
+    std::vector<float> apart(row.size());
+    apart.back() = 0.5F;
+    Add({row, rest, nothing}, kHome);
+    Add({row, row}, kTarget);
+    Add({11, nothing}, kTarget);
+    // Eight lanes are summed one entry after the other.
+    for (int k = 2; k < 5; ++k) Add({apart}, k);
+  }
+  void Add(const std::vector<std::vector<float>>& more, int k) {
+    for (const auto& row : more) {
+      rows.push_back(row);
+      part.push_back(k);
+    }
+  }
+
+  // Whether the move of row 0 improves the objective; if so, the screen may not hide it.
+  bool Improves() const {
+    using Objective = SingleSum<I1Term, Larger>;
+    const auto mat = PreparedOf(rows);
+    RowRecords records(*mat, "Test: rows");
+    KWayClusters<Objective> clusters({"Test", "Test"}, records, 5, part);
+    clusters.StartPass();
+    const bool improves = Weigh(clusters, Row(*mat, 0), kHome, kTarget).improves;
+    EXPECT_TRUE(!improves || (clusters.HasHope(records[0]) && clusters.IsHopeful(kTarget)));
+    return improves;
+  }
+
+  std::vector<std::vector<float>> rows;
+  std::vector<int> part;
+};
+
+TEST(MoveScreen, NeverHidesAnImprovementThatRoughProductsLose) {
+  float improving = 0.002F;
+  float refused = 0.004F;
+  ASSERT_TRUE(LostProducts(improving).Improves());
+  ASSERT_FALSE(LostProducts(refused).Improves());
+  for (int step = 0; step < 20; ++step) {
+    const float middle = (improving + refused) / 2;
+    (LostProducts(middle).Improves() ? improving : refused) = middle;
+  }
+}
+
+// Rows of the fourth column come from the long composite of the third to that of the first, and
+// draw a row of the second after them: each lets its coming gain as much more as the clock says, or
+// hardly less, until it improves the objective.
+TEST(MoveScreen, LooksAgainBeforeTheClockHasRunTooLong) {
+  using Objective = SingleSum<I2Term, Larger>;
+  std::vector<std::vector<float>> table;
+  std::vector<int> part;
+  const auto add = [&](int count, std::size_t column, int k) {
+    std::vector<float> row(4);
+    row[column] = 1;
+    table.insert(table.end(), static_cast<std::size_t>(count), row);
+    part.insert(part.end(), static_cast<std::size_t>(count), k);
+  };
+  constexpr int kComing = 150;
+  add(kComing, 3, 0);
+  add(4000, 2, 0);
+  add(400, 0, 1);
+  add(2, 3, 2);
+  add(10, 1, 2);
+  // So many rows that the tangent touches at what the row's going makes of 104.
+  table.insert(table.end(), 40, std::vector<float>(4));
+  part.insert(part.end(), 40, 2);
+  const auto mat = PreparedOf(table);
+  RowRecords rows(*mat, "Test: rows");
+  KWayClusters<Objective> clusters({"Test", "Test"}, rows, 3, part);
+  RowRecord& drawn = rows[kComing + 4000 + 400];
+  clusters.StartPass();
+  ASSERT_FALSE(clusters.HasHope(drawn));
+  int settled = 0;
+  int improving = 0;
+  for (int i = 0; i < kComing; ++i) {
+    const auto come = Weigh(clusters, rows.Entries(rows[i]), 0, 1);
+    clusters.Move(rows[i], 1, come.without, come.joined);
+    const bool improves = Weigh(clusters, rows.Entries(drawn), 2, 1).improves;
+    EXPECT_FALSE(improves && clusters.IsSettled(drawn)) << i;
+    settled += clusters.IsSettled(drawn) ? 1 : 0;
+    improving += improves ? 1 : 0;
+  }
+  EXPECT_GT(improving, 50);
+  EXPECT_GT(settled, (kComing - improving) / 2) << "the clock is close";
+}
+
+// A hundred thousand steps of a little more than a hundred thousandth make 1, the lack of the only
+// row, even though sums in double precision stay below it.
+TEST(MoveScreen, AddsAHundredThousandStepsOfTheClockWithoutLoss) {
+  const auto mat = PreparedOf({{1}, {1}});
+  RowRecords rows(*mat, "Test: rows");
+  const Lanes lanes(2, 1, "Test: lanes");
+  MoveScreen screen(lanes, 2, false, "Test: screen");
+  ClusterBounds bounds;
+  bounds.gains.coming = {-1, 0, 0, 0};
+  bounds.gains.going = {0, 0, 0, 0};
+  for (const int k : {0, 1}) screen.SetBounds(k, bounds);
+  screen.RestartClock();
+  ASSERT_FALSE(screen.HasHope(rows.Entries(rows[0]), rows[0]));
+  double without_care = 0;
+  for (int step = 0; step < 100000; ++step) {
+    screen.RunClock(1e-5);
+    without_care += 1e-5;
+  }
+  EXPECT_LT(without_care, 1 - 1e-12);
+  EXPECT_FALSE(screen.IsSettled(rows[0]));
+}
+
+// Rows that come and go a hundred thousand times let composites and squares drift apart. The
+// other rows are looked at again all along, under a criterion of each form.
+template <typename Objective>
+void CompareAfterManyMoves() {
+  auto matrix = RandomDocuments(7, 40, 12, 2, 5);
+  std::mt19937 random(7);
+  for (float& v : matrix.rowval) {
+    v *= random() % 3 == 0 ? -1.0F : std::ldexp(1.0F, -static_cast<int>(random() % 30));
+  }
+  const auto mat = Prepared(matrix);
+  RowRecords rows(*mat, "Test: rows");
+  KWayClusters<Objective> clusters({"Test", "Test"}, rows, 3, RandomPart(7, mat->nrows, 3));
+  Counts counts;
+  for (int move = 0; move < 100000; ++move) {
+    RowRecord& row = rows[static_cast<int>(random() % 8)];
+    const int to = static_cast<int>(random() % 3);
+    if (to == row.place || clusters.Size(row.place) <= 2) continue;
+    const auto weighed = Weigh(clusters, rows.Entries(row), row.place, to);
+    clusters.Move(row, to, weighed.without, weighed.joined);
+    if (move % 500 == 0) CompareVisits(clusters, rows, 0, random, counts);
+  }
+  EXPECT_GT(counts.candidates, 5000);
+}
+
+TEST(MoveScreen, NeverHidesAnImprovementAfterAHundredThousandMoves) {
+  CompareAfterManyMoves<SingleSum<I2Term, Larger>>();
+  CompareAfterManyMoves<SingleSum<G1PrimeTerm, Smaller>>();
+  CompareAfterManyMoves<TwoSums<I2Term, E1Term, Ratio>>();
+}
+
 }  // namespace
 }  // namespace molva

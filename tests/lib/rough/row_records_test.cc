@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <vector>
 
 #include "tests/testing/matrices.h"
@@ -90,6 +91,49 @@ TEST(RowRecords, SayThatNothingIsKnownWhereAValueIsNotANumber) {
   EXPECT_TRUE(std::isnan(rows.extremes().longest));
   rows.MeasureAgainst(std::vector<float>{1, 1});
   EXPECT_TRUE(std::isnan(rows.extremes().whole_error));
+}
+
+// Sums of squares in 80 bits, whose rounding is far below what single precision rounds.
+TEST(RowRecords, HoldNoSizeBelowTheTrueOne) {
+  std::mt19937 random(6);
+  for (int round = 0; round < 2000; ++round) {
+    std::vector<float> values(1 + random() % 4);
+    for (float& v : values) {
+      v = std::ldexp(static_cast<float>(1 + random() % 0xffffff), -static_cast<int>(random() % 90));
+    }
+    const auto mat = PreparedOf({values});
+    const RowRecords rows(*mat, "Test: rows");
+    long double square = 0;
+    for (const float v : values) square += static_cast<long double>(v) * v;
+    ASSERT_GE(rows[0].square, square);
+    ASSERT_GE(rows[0].length, std::sqrt(square));
+    ASSERT_LE(rows[0].square, square * (1 + 4 * 0x1p-24L) + 0x1p-139L);
+  }
+}
+
+// 1 + 2^-24 (1 - 2^-20), which is stored as 1: half a unit is lost, where nothing else is.
+TEST(RowRecords, KnowHowFarTheirStoredProductWithTheWholeIsOff) {
+  const auto mat = PreparedOf({{1, 0x1p-12F}});
+  RowRecords rows(*mat, "Test: rows");
+  rows.MeasureAgainst(std::vector<float>{1, 0x1p-12F * (1 - 0x1p-20F)});
+  EXPECT_EQ(rows[0].whole, 1);
+  EXPECT_GE(rows.extremes().whole_error, 0x1p-24 * (1 - 0x1p-20));
+}
+
+// Two large products cancel, so that nothing is stored, and a thousand that double arithmetic loses
+// beside the first are all that is left.
+TEST(RowRecords, KnowHowFarTheirSumWithTheWholeIsOff) {
+  const float lost = std::sqrt(0x1p-53F) * (1 - 0x1p-20F);
+  std::vector<float> row(1002, lost);
+  std::vector<float> whole(1002, lost);
+  row.front() = row.back() = 1;
+  whole.front() = 1;
+  whole.back() = -1;
+  const auto mat = PreparedOf({row});
+  RowRecords rows(*mat, "Test: rows");
+  rows.MeasureAgainst(whole);
+  EXPECT_EQ(rows[0].whole, 0);
+  EXPECT_GE(rows.extremes().whole_error, 1000 * 0x1p-53 * 0.999);
 }
 
 }  // namespace
