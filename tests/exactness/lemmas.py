@@ -111,8 +111,8 @@ def products_hold(k, claims, r):
     claims.compare("1 products that vanish", dot(v, v), n * Fraction(k["kVanishing"]))
     # The second order, for the longest row.
     n, u = k["kMostEntries"], Fraction(k["kUnitSingle"])
-    claims.compare("1 the longest row's second order", 1 / (1 - n * u),
-                   Fraction(k["kProductError"]) / u)
+    rounded_once = Fraction(k["kProductError"]) / u
+    claims.compare("1 the longest row's second order", 1, rounded_once * max(0, 1 - n * u))
 
 
 # Lemma 2 ------------------------------------------------------------------------------------------
