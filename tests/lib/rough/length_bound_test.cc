@@ -138,6 +138,29 @@ TEST(LengthBound, HoldsForACompositeThatDrifts) {
   EXPECT_EQ(q, kColumns + 1000 * 0x1p-18F);
 }
 
+// A row that stores one column 64 times rounds it as often, each time up by nearly half a unit.
+TEST(LengthBound, HoldsWhereOneColumnIsRoundedManyTimes) {
+  constexpr std::size_t kTimes = 64;
+  std::vector<float> one(kTimes);
+  one.front() = 1;
+  const auto mat = PreparedOf({one, std::vector<float>(kTimes, 0x1p-24F * (1 + 0x1p-20F))});
+  for (std::size_t p = 0; p < kTimes; ++p) mat->rowind[1 + p] = 0;
+  const RowRecords rows(*mat, "Test: rows");
+  ASSERT_EQ(rows[1].repeats, 1U);
+  Lanes lanes(1, mat->ncols, "Test: lanes");
+  lanes.Add(Row(*mat, 0), 0);
+  float q = 1;
+  LengthBound bound;
+  bound.Start(1);
+  for (int move = 0; move < 100; ++move) {
+    q = Changed(Row(*mat, 1), lanes[0], q, 1);
+    lanes.Add(Row(*mat, 1), 0);
+    bound.Change(rows[1], static_cast<double>(q));
+    ASSERT_LE(LengthOf(lanes[0], mat->ncols), bound.Length()) << "after move " << move;
+  }
+  EXPECT_EQ(lanes[0][0], 1 + 6400 * 0x1p-23F);
+}
+
 // Sums of 80 bits hold these without rounding.
 TEST(RoundedUpSums, AreNeverBelowTheTrueOnes) {
   double sum = 0;
