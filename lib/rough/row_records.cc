@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <memory>
 #include <utility>
 
 #include "lib/rough/rounding.h"
@@ -70,15 +71,27 @@ double LengthOf(Span<const float> vector) {
   return std::sqrt(square) * (1 + 2 * kUnitSingle) + kVanishing;
 }
 
+// An element more than is needed leaves room to begin at a multiple of its size.
+RowRecord* AlignedFirst(Array<RowRecord>& block) {
+  static_assert(sizeof(RowRecord) == 32);
+  void* first = block.data();
+  std::size_t space = block.size() * sizeof(RowRecord);
+  return static_cast<RowRecord*>(
+      std::align(sizeof(RowRecord), space - sizeof(RowRecord), first, space));
+}
+
 }  // namespace
 
 RowRecords::RowRecords(const PreparedMatrix& mat, BlockName name)
-    : mat_(mat), name_(name), records_(mat.nrows, name) {
+    : mat_(mat),
+      name_(name),
+      block_(std::int64_t{mat.nrows} + 1, name),
+      first_(AlignedFirst(block_)) {
   RepeatFinder finder(mat.ncols, name);
-  records_.Fill({});
+  std::fill_n(first_, mat.nrows, RowRecord{});
   for (int i = 0; i < mat.nrows; ++i) {
     const RowView row = Row(mat, i);
-    RowRecord& record = records_[i];
+    RowRecord& record = first_[i];
     record.begin = mat.rowptr[i];
     record.size = static_cast<std::uint32_t>(row.size()) & 0x7fffffffU;
     record.repeats = finder.Repeats(row.columns, i) ? 1 : 0;
@@ -96,7 +109,7 @@ void RowRecords::MeasureAgainst(Span<const float> whole) {
   double most = 0;
   for (int i = 0; i < count(); ++i) {
     const double product = Dot(Row(mat_, i), whole);
-    records_[i].whole = static_cast<float>(product);
+    first_[i].whole = static_cast<float>(product);
     if (i == 0 || product < extremes_.least_whole) extremes_.least_whole = product;
     if (i == 0 || product > extremes_.most_whole) extremes_.most_whole = product;
     most = MostOf(most, std::fabs(product));

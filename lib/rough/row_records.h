@@ -13,7 +13,7 @@ namespace molva {
 
 // Each size is rounded up. A row may store a column more than once; its length counts the entries
 // of one column as one.
-struct alignas(32) RowRecord {
+struct RowRecord {
   int begin = 0;                  // of its entries
   std::uint32_t size : 31 = 0;    // how many they are
   std::uint32_t repeats : 1 = 0;  // whether a column may occur twice
@@ -44,8 +44,8 @@ class RowRecords {
 
   const PreparedMatrix& matrix() const { return mat_; }
   int count() const { return mat_.nrows; }
-  RowRecord& operator[](int i) { return records_[i]; }
-  const RowRecord& operator[](int i) const { return records_[i]; }
+  RowRecord& operator[](int i) { return first_[i]; }
+  const RowRecord& operator[](int i) const { return first_[i]; }
   const RowExtremes& extremes() const { return extremes_; }
 
   RowView Entries(const RowRecord& row) const {
@@ -57,10 +57,10 @@ class RowRecords {
   // has no effect that g++ can see, and is left out unless it is put in place.)
   [[gnu::always_inline]] void Prefetch(const int* order, int position) const {
     if (position + kRecordsAhead < count()) {
-      __builtin_prefetch(&records_[order[position + kRecordsAhead]]);
+      __builtin_prefetch(first_ + order[position + kRecordsAhead]);
     }
     if (position + kEntriesAhead < count()) {
-      PrefetchEntries(records_[order[position + kEntriesAhead]]);
+      PrefetchEntries(first_[order[position + kEntriesAhead]]);
     }
   }
 
@@ -82,7 +82,8 @@ class RowRecords {
 
   const PreparedMatrix& mat_;
   BlockName name_;
-  Array<RowRecord> records_;
+  Array<RowRecord> block_;
+  RowRecord* first_;  // in the block, so that none lies across two cache lines
   RowExtremes extremes_;
   bool is_measured_against_whole_ = false;
 };

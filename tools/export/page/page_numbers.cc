@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <limits>
 
-#include "lib/molva.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 #include "programs/external_quality.h"
+#include "programs/io/engine_calls.h"
 #include "tools/export/tree.h"
 #include "tools/text/file_error.h"
 
@@ -25,7 +25,7 @@ FeatureLists EmptyLists(std::int64_t lists, int nfeatures) {
   return {AllocIntsSet(slots, -1, "Measure: ids"), AllocFloatsSet(slots, 0, "Measure: weights")};
 }
 
-void MeasureClusters(const PageRun& run, const int* part, PageNumbers& numbers) {
+void MeasurePage(const PageRun& run, const int* part, PageNumbers& numbers) {
   const RunParams& params = run.params;
   const Matrix& mat = run.mat;
   const int n = numbers.nclusters;
@@ -36,14 +36,10 @@ void MeasureClusters(const PageRun& run, const int* part, PageNumbers& numbers) 
   numbers.cextsim = AllocFloatsSet(n, 0, "Measure: cextsim");
   numbers.cextsdev = AllocFloatsSet(n, 0, "Measure: cextsdev");
   numbers.ezscores = AllocFloatsSet(mat.nrows, kUnmeasured, "Measure: ezscores");
-  MOLVA_V_GetClusterStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, n, part, numbers.pwgts.get(), numbers.cintsim.get(),
-                          numbers.cintsdev.get(), numbers.izscores.get(), numbers.cextsim.get(),
-                          numbers.cextsdev.get(), numbers.ezscores.get());
-  numbers.crvalue = MOLVA_V_GetSolutionQuality(
-      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
-      params.crfun, params.rowmodel, params.colmodel, params.prune, n, part);
+  const EngineInput in = RunInput(params, mat, {n, part});
+  MeasureClusters(in, {numbers.pwgts, numbers.cintsim, numbers.cintsdev, numbers.izscores,
+                       numbers.cextsim, numbers.cextsdev, numbers.ezscores});
+  numbers.crvalue = CriterionValue(in, params.crfun);
 }
 
 void MeasureFeatures(const PageRun& run, const int* part, PageNumbers& numbers) {
@@ -51,11 +47,9 @@ void MeasureFeatures(const PageRun& run, const int* part, PageNumbers& numbers) 
   const Matrix& mat = run.mat;
   numbers.descriptive = EmptyLists(numbers.nclusters, params.nfeatures);
   numbers.discriminating = EmptyLists(numbers.nclusters, params.nfeatures);
-  MOLVA_V_GetClusterFeatures(
-      mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(), params.simfun,
-      params.rowmodel, params.colmodel, params.prune, numbers.nclusters, part, params.nfeatures,
-      numbers.descriptive.ids.get(), numbers.descriptive.weights.get(),
-      numbers.discriminating.ids.get(), numbers.discriminating.weights.get());
+  DescribeClusters(RunInput(params, mat, {numbers.nclusters, part}), params.nfeatures,
+                   {numbers.descriptive.ids, numbers.descriptive.weights,
+                    numbers.discriminating.ids, numbers.discriminating.weights});
 }
 
 void MeasureClasses(const PageRun& run, const std::vector<int>& part, PageNumbers& numbers) {
@@ -90,9 +84,8 @@ molva::Array<int> BuildParents(const PageRun& run, const int* part, int ncluster
   const std::int64_t nodes = 2 * std::int64_t{nclusters};
   molva::Array<int> ptree = AllocIntsSet(nodes, -1, "Measure: ptree");
   molva::Array<float> tsims = AllocFloatsSet(nodes, 0, "Measure: tsims");
-  MOLVA_V_BuildTree(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
-                    params.simfun, params.treecrfun, params.rowmodel, params.colmodel, params.prune,
-                    MOLVA_TREE_CLUSTERS, 0, nclusters, part, ptree.get(), tsims.get());
+  BuildTree(RunInput(params, mat, {nclusters, part}), MOLVA_TREE_CLUSTERS, params.treecrfun, ptree,
+            tsims);
   return ptree;
 }
 
@@ -102,10 +95,7 @@ void OrderChildren(const PageRun& run, const int* part, int nclusters, ClusterTr
   tree.children = molva::MakeChildTable({tree.ptree.get(), tree.ptree.size()}, "Measure: children");
   tree.root = molva::FindRoot(molva::ChildTable(tree.children));
   if (params.noreorder != 0) return;
-  MOLVA_V_ClusterTreeReorder(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                             mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                             params.prune, 0, nclusters, part, tree.ptree.get(),
-                             tree.children.get());
+  ReorderClusterTree(RunInput(params, mat, {nclusters, part}), tree.ptree, tree.children);
 }
 
 void MeasureTree(const PageRun& run, const int* part, int nclusters, ClusterTree& tree) {
@@ -116,19 +106,15 @@ void MeasureTree(const PageRun& run, const int* part, int nclusters, ClusterTree
   tree.pwgts = AllocIntsSet(nodes, 0, "Measure: node pwgts");
   tree.isims = AllocFloatsSet(nodes, 0, "Measure: isims");
   tree.xsims = AllocFloatsSet(nodes, 0, "Measure: xsims");
-  MOLVA_V_GetTreeStats(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(), mat.rowval.get(),
-                       params.simfun, params.rowmodel, params.colmodel, params.prune, nclusters,
-                       part, tree.ptree.get(), tree.pwgts.get(), tree.isims.get(),
-                       tree.xsims.get());
+  const EngineInput in = RunInput(params, mat, {nclusters, part});
+  MeasureNodes(in, tree.ptree, {tree.pwgts, tree.isims, tree.xsims});
   // Where only one cluster has rows nothing is joined.
   if (tree.root < nclusters) tree.root = molva::ArgMaxInt(tree.pwgts);
   tree.descriptive = EmptyLists(nodes, params.nfeatures);
   FeatureLists discriminating = EmptyLists(nodes, params.nfeatures);
-  MOLVA_V_GetTreeFeatures(mat.nrows, mat.ncols, mat.rowptr.get(), mat.rowind.get(),
-                          mat.rowval.get(), params.simfun, params.rowmodel, params.colmodel,
-                          params.prune, nclusters, part, tree.ptree.get(), params.nfeatures,
-                          tree.descriptive.ids.get(), tree.descriptive.weights.get(),
-                          discriminating.ids.get(), discriminating.weights.get());
+  DescribeNodes(
+      in, tree.ptree, params.nfeatures,
+      {tree.descriptive.ids, tree.descriptive.weights, discriminating.ids, discriminating.weights});
 }
 
 void MeasureFScores(const PageRun& run, const Tree& complete, PageNumbers& numbers) {
@@ -168,7 +154,7 @@ PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
   PageNumbers numbers;
   numbers.nclusters = clustering.nclusters;
   numbers.nclustered = std::count_if(part.begin(), part.end(), [](int k) { return k >= 0; });
-  MeasureClusters(run, part.data(), numbers);
+  MeasurePage(run, part.data(), numbers);
   MeasureFeatures(run, part.data(), numbers);
   if (run.mat.nclasses > 1) MeasureClasses(run, part, numbers);
   TakeTreeFile(run, numbers);
