@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "programs/io/labels.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
@@ -57,16 +59,26 @@ Labels ReadLabels(const Companion& companion, const molva::String& given, const 
 }
 
 // Numbers the labels 0, 1, ... in the order of first appearance, by exact comparison; returns how
-// many there are. `label(i)` is a C string that lives as long as the call. The labels are kept in
-// their order: those of a hash table can be chosen so that all of them fall on one place.
+// many there are. `label(i)` is a C string that lives as long as the call. Equal labels are brought
+// together by sorting: those of a hash table can be chosen so that all of them fall on one place.
 template <typename Label>
 int NumberLabels(std::span<int> classes, Label label) {
-  std::map<std::string_view, int> numbers;
-  for (std::size_t i = 0; i < classes.size(); ++i) {
-    const int next = static_cast<int>(numbers.size());
-    classes[i] = numbers.try_emplace(label(i), next).first->second;
+  std::vector<std::pair<std::string_view, int>> rows;
+  for (std::size_t i = 0; i < classes.size(); ++i) rows.emplace_back(label(i), static_cast<int>(i));
+  std::sort(rows.begin(), rows.end());
+  // First the row where each label appears first, then the number that this row takes.
+  int first = 0;
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    const auto& [text, row] = rows[r];
+    if (r == 0 || text != rows[r - 1].first) first = row;
+    classes[static_cast<std::size_t>(row)] = first;
   }
-  return static_cast<int>(numbers.size());
+  int count = 0;
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const auto where = static_cast<std::size_t>(classes[i]);
+    classes[i] = where == i ? count++ : classes[where];
+  }
+  return count;
 }
 
 }  // namespace
