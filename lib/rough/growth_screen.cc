@@ -37,9 +37,10 @@ void GrowthScreen::SetBound(int k) {
   Cluster& c = clusters_[k];
   c.root = std::sqrt(c.squared_length);
   const BoundedCluster bounded{{1, c.squared_length, 0}, c.length.Length(), rows_};
-  c.error = bounded.IsTame() ? bounded.ErrorPerEntry() : kForEver;
+  c.error = kForEver;
   GainBound bound;
   if (bounded.IsTame()) {
+    c.error = bounded.ErrorPerEntry();
     const double by_length = 0.5 / c.root;
     bound = {kSlack * (c.root + by_length * bounded.MostChange()), 0, by_length, 0};
   }

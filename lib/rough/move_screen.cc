@@ -7,6 +7,7 @@
 #include "lib/support/span.h"
 
 namespace molva {
+
 MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockName name)
     : lanes_(lanes),
       nparts_(nparts),
