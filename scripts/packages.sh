@@ -1,5 +1,8 @@
 # Installs the Debian packages named as arguments that are missing. Sourced by the scripts beside it.
 
+# What the programs beside mardle are built with.
+tool_libraries=(libcli11-dev libicu-dev nlohmann-json3-dev zlib1g-dev libzip-dev libstemmer-dev nettle-dev)
+
 install_packages() {
   local missing=()
   local package

@@ -42,6 +42,8 @@ void AddGeneral(CLI::App& app, ImportOptions& options) {
          "The format of the file: mtx, svmlight, table, lines")
       ->type_name("NAME")
       ->check(CLI::IsMember({"mtx", "svmlight", "table", "lines"}).description(""));
+  app.add_option("--encoding", options.encoding, "The encoding of texts and tables, as latin1")
+      ->type_name("NAME");
   app.add_flag("--drop-empty", options.output.drop_empty, "Leave rows without entries out");
   app.add_flag("--force", options.output.replace, "Replace files that exist");
   app.add_flag("--quiet", options.quiet, "Print no progress and no summary");

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "tools/import/text_input.h"
 #include "tools/text/fields.h"
 
 namespace mardle::tools {
@@ -39,12 +40,28 @@ std::string_view FirstFolder(std::string_view path) {
   return slash == std::string_view::npos ? "." : path.substr(0, slash);
 }
 
-std::string WholeText(const std::string& path) {
-  InputLines input(path);
+// What a file holds, or why that is no text.
+struct FileText {
   std::string text;
+  std::string no_text;
+  std::int64_t first_malformed_line = 0;  // 0: there is none
+};
+
+FileText WholeText(const std::string& path, const std::string& encoding) {
+  TextInput input(path, encoding);
+  FileText file;
   std::string_view line;
-  while (input.Next(line)) (text += line) += '\n';
-  return text;
+  try {
+    while (input.lines().Next(line)) (file.text += line) += '\n';
+  } catch (const NoText& error) {
+    file.no_text = error.what();
+  }
+  file.first_malformed_line = input.watch().first_malformed_line();
+  return file;
+}
+
+void Note(FileCount& files, const std::string& what) {
+  if (files.count++ == 0) files.first = what;
 }
 
 // Takes the columns out of the line and returns what is left.
@@ -71,21 +88,24 @@ void RequireColumn(std::optional<int> column, const std::optional<std::string_vi
 
 }  // namespace
 
-std::int64_t VisitFolder(const std::string& folder, const FolderOptions& options,
-                         const DocumentVisitor& visit) {
-  std::int64_t passed_over = 0;
+FolderReport VisitFolder(const std::string& folder, const FolderOptions& options,
+                         const std::string& encoding, const DocumentVisitor& visit) {
+  FolderReport report;
   for (const std::string& file : FilesBelow(folder, options.file_pattern)) {
     const std::string path = (fs::path(folder) / file).string();
-    const std::string text = WholeText(path);
-    if (text.find('\0') != std::string::npos) {
-      ++passed_over;
+    const FileText whole = WholeText(path, encoding);
+    if (!whole.no_text.empty()) {
+      Note(report.no_texts, whole.no_text);
       continue;
+    }
+    if (whole.first_malformed_line > 0) {
+      Note(report.malformed, path + ":" + std::to_string(whole.first_malformed_line));
     }
     RowNames names{.label = file};
     if (options.folder_classes) names.class_name = FirstFolder(file);
-    visit({text, names, {path, 0}});
+    visit({whole.text, names, {path, 0}});
   }
-  return passed_over;
+  return report;
 }
 
 void VisitLines(InputLines& input, const LineOptions& options, const DocumentVisitor& visit) {

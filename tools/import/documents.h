@@ -27,12 +27,22 @@ struct FolderOptions {
   bool folder_classes = false;
 };
 
+// Files that something is said of: how many, and of the first what and where.
+struct FileCount {
+  std::int64_t count = 0;
+  std::string first;
+};
+
+struct FolderReport {
+  FileCount no_texts;   // passed over
+  FileCount malformed;  // with bytes that are not UTF-8
+};
+
 // Visits the files below a folder whose names fit, in the order of their paths, which become the
-// labels. Names that begin with a dot are passed over. With folder_classes the first folder of a
-// path is the class; "." for files that lie in none. Returns how many files were passed over
-// because they hold NUL bytes and so are no text.
-std::int64_t VisitFolder(const std::string& folder, const FolderOptions& options,
-                         const DocumentVisitor& visit);
+// labels. Names that begin with a dot are passed over, and so are files that are no texts. With
+// folder_classes the first folder of a path is the class; "." for files that lie in none.
+FolderReport VisitFolder(const std::string& folder, const FolderOptions& options,
+                         const std::string& encoding, const DocumentVisitor& visit);
 
 // Visits the lines of a file. The fields that stand in the label and class columns between tabs,
 // counted from 1, are taken out of the text; without any the whole line is text. Blank lines are

@@ -11,6 +11,7 @@
 #include "tools/import/stop_words.h"
 #include "tools/import/svmlight.h"
 #include "tools/import/table_matrix.h"
+#include "tools/import/text_input.h"
 #include "tools/text/fields.h"
 #include "tools/text/file_identity.h"
 #include "tools/text/input_lines.h"
@@ -43,6 +44,35 @@ std::vector<std::string> OutputsOf(const ImportOptions& options) {
   return outputs;
 }
 
+std::string Count(std::int64_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+constexpr char kOtherEncodings[] = "; --encoding NAME reads other encodings, latin1 for instance";
+
+std::vector<std::string> NotesOn(const FolderReport& report) {
+  std::vector<std::string> notes;
+  const auto first = [](const FileCount& files) {
+    return (files.count > 1 ? ", the first: " : ": ") + files.first;
+  };
+  if (const FileCount& files = report.no_texts; files.count > 0) {
+    notes.push_back(Count(files.count, "file is", "files are") + " no text and left out" +
+                    first(files));
+  }
+  if (const FileCount& files = report.malformed; files.count > 0) {
+    notes.push_back(Count(files.count, "file holds", "files hold") + " bytes that are not UTF-8" +
+                    first(files) + kOtherEncodings);
+  }
+  return notes;
+}
+
+void NoteMalformedLines(const TextWatch& watch, std::vector<std::string>& notes) {
+  if (watch.malformed_lines() == 0) return;
+  notes.push_back(Count(watch.malformed_lines(), "line holds", "lines hold") +
+                  " bytes that are not UTF-8, the first is line " +
+                  std::to_string(watch.first_malformed_line()) + kOtherEncodings);
+}
+
 ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
                           const DocumentVisitor& visit) {
   const std::vector<std::string> outputs = OutputsOf(options);
@@ -50,8 +80,9 @@ ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
     RefuseInputsAsOutputs({&document.place.path, 1}, outputs);
     visit(document);
   };
-  const std::int64_t passed_over = VisitFolder(options.input, options.folder, visit_input);
-  return {InputFormat::kFolder, terms.Write(options.output, options.limits), passed_over};
+  const FolderReport report =
+      VisitFolder(options.input, options.folder, options.encoding, visit_input);
+  return {InputFormat::kFolder, terms.Write(options.output, options.limits), NotesOn(report)};
 }
 
 ImportResult ImportTexts(const ImportOptions& options, InputFormat format, InputLines* input,
@@ -74,11 +105,8 @@ ImportResult ImportTexts(const ImportOptions& options, InputFormat format, Input
   return {format, terms.Write(options.output, options.limits)};
 }
 
-ImportResult ImportFile(const ImportOptions& options, Progress& progress) {
-  InputLines input(options.input);
-  const InputFormat format =
-      options.format ? *options.format : DetectFormat(options.input, input.Beginning());
-  RefuseIdleOptions(options, format);
+ImportResult ImportLines(const ImportOptions& options, InputFormat format, InputLines& input,
+                         Progress& progress) {
   switch (format) {
     case InputFormat::kMatrixMarket:
       return {format, ImportMatrixMarket(input, options.output, options.sparse, progress)};
@@ -94,8 +122,15 @@ ImportResult ImportFile(const ImportOptions& options, Progress& progress) {
   return ImportTexts(options, format, &input, progress);
 }
 
-std::string Count(std::int64_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
+ImportResult ImportFile(const ImportOptions& options, Progress& progress) {
+  TextInput input(options.input, options.encoding);
+  InputLines& lines = input.lines();
+  const InputFormat format =
+      options.format ? *options.format : DetectFormat(options.input, lines.Beginning());
+  RefuseIdleOptions(options, format);
+  ImportResult result = ImportLines(options, format, lines, progress);
+  NoteMalformedLines(input.watch(), result.notes);
+  return result;
 }
 
 // What mardle needs to be told of the matrix. A sparse one whose cells are all stored has no IDF.
@@ -107,6 +142,7 @@ const char* OptionsFor(const MatrixSummary& matrix) {
 }  // namespace
 
 ImportResult Import(const ImportOptions& options) {
+  if (!options.encoding.empty()) RequireEncoding(options.encoding);
   RefuseInputsAsOutputs(InputsOf(options), OutputsOf(options));
   Progress progress(options.quiet);
   if (!options.format && std::filesystem::is_directory(options.input)) {
@@ -124,9 +160,7 @@ std::string Summary(const ImportOptions& options, const ImportResult& result) {
                      Count(matrix.entries, "entry", "entries") + ", " +
                      (matrix.dense ? "dense" : "sparse") + ", from " + options.input + " (" +
                      FormatName(result.format) + ")\n";
-  if (result.files_passed_over > 0) {
-    text += Count(result.files_passed_over, "file is", "files are") + " no text and left out\n";
-  }
+  for (const std::string& note : result.notes) text += note + "\n";
   if (matrix.empty_rows > 0) {
     text += Count(matrix.empty_rows, "row", "rows") + " without entries " +
             (options.output.drop_empty ? "left out" : "kept (--drop-empty leaves them out)") + "\n";

@@ -3,8 +3,8 @@
 // The work of mardle-import: one input, of whatever format, becomes a matrix.
 #pragma once
 
-#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tools/import/import_options.h"
 
@@ -13,7 +13,7 @@ namespace mardle::tools {
 struct ImportResult {
   InputFormat format;
   MatrixSummary matrix = {};
-  std::int64_t files_passed_over = 0;  // of a folder
+  std::vector<std::string> notes = {};  // what the user should know of the input, a line each
 };
 
 // Throws FileError when the input or the files fail, std::invalid_argument when the options are

@@ -18,6 +18,7 @@ namespace mardle::tools {
 struct ImportOptions {
   std::string input;
   std::optional<InputFormat> format;  // found out when absent
+  std::string encoding;               // empty: UTF-8
   MatrixOutput output;
   bool sparse = false;      // tables and arrays
   bool zero_based = false;  // svmlight

@@ -30,7 +30,10 @@ constexpr std::array<Extension, 8> kExtensions = {{{".mtx", InputFormat::kMatrix
                                                    {".libsvm", InputFormat::kSvmlight},
                                                    {".txt", InputFormat::kLines}}};
 
-std::optional<InputFormat> FormatOfName(const std::string& path) {
+constexpr std::string_view kPacked = ".gz";
+
+std::optional<InputFormat> FormatOfName(std::string_view path) {
+  if (path.ends_with(kPacked)) path.remove_suffix(kPacked.size());
   for (const Extension& extension : kExtensions) {
     if (path.ends_with(extension.text)) return extension.format;
   }

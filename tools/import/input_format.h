@@ -11,9 +11,9 @@ namespace mardle::tools {
 enum class InputFormat { kMatrixMarket, kSvmlight, kTable, kLines, kFolder };
 
 // A folder is known by being one, a Matrix Market file by its first line, others by the end of
-// their name: .csv .tsv .tab, .svm .svmlight .libsvm, .txt. Any other name leaves it to the first
-// lines: pairs COLUMN:VALUE after a label; or equally many fields in both, and a number in the
-// second; or else one document a line.
+// their name: .csv .tsv .tab, .svm .svmlight .libsvm, .txt, with or without .gz behind. Any other
+// name leaves it to the first lines: pairs COLUMN:VALUE after a label; or equally many fields in
+// both, and a number in the second; or else one document a line.
 InputFormat DetectFormat(const std::string& path, std::string_view beginning);
 
 // As messages call it.

@@ -110,6 +110,7 @@ MatrixSummary MatrixWriter::Finish(std::int64_t columns,
                                    std::span<const std::string> column_labels) {
   CheckCount(output_.path, columns, "columns");
   if (summary_.rows == 0) throw FileError({output_.path, 0}, "there are no rows to write");
+  if (columns == 0) throw FileError({output_.path, 0}, "there are no columns to write");
   summary_.columns = columns;
   matrix_.WriteFirst(Header());
   for (const std::string& label : column_labels) WriteName(label, ".clabel", column_labels_);

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "tools/text/numbers.h"
+
 namespace mardle::tools {
 namespace {
 
@@ -52,6 +54,22 @@ Columns ChooseColumns(const std::vector<const std::string*>& terms,
   return columns;
 }
 
+void RefuseNoColumns(const std::string& output, std::size_t terms, const TermLimits& limits) {
+  if (terms == 0) {
+    throw FileError({output, 0},
+                    "the texts have no words, or stop words alone, so there are no columns");
+  }
+  std::string limit = "at least " + std::to_string(limits.min_count);
+  if (limits.max_fraction < 1) {
+    limit += " and at most ";
+    AppendNumber(limit, limits.max_fraction);
+    limit += " of all";
+  }
+  throw FileError({output, 0}, "of " + std::to_string(terms) + " words none occurs in " + limit +
+                                   " documents, so there are no columns: --min-count and "
+                                   "--max-fraction set these limits");
+}
+
 }  // namespace
 
 void TermCounts::Add(const Document& document) {
@@ -77,6 +95,8 @@ void TermCounts::Add(const Document& document) {
 
 MatrixSummary TermCounts::Write(const MatrixOutput& output, const TermLimits& limits) const {
   const Columns columns = ChooseColumns(Terms(), document_counts_, limits, rows_.size());
+  if (columns.labels.empty() && !rows_.empty())
+    RefuseNoColumns(output.path, numbers_.size(), limits);
   MatrixWriter writer(output);
   std::vector<Entry> entries;
   for (std::size_t i = 0; i < rows_.size(); ++i) {

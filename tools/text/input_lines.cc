@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tools/text/input_lines.h"
 
+#include <cstdio>
+#include <memory>
+#include <utility>
+
 namespace mardle::tools {
 namespace {
 
@@ -12,6 +16,25 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
   return line;
 }
 
+std::size_t ReadBlock(std::FILE* stream, const std::string& name, char* block, std::size_t size) {
+  const std::size_t count = std::fread(block, 1, size, stream);
+  if (count == 0 && std::ferror(stream) != 0) throw SystemError(name);
+  return count;
+}
+
+// A function is copied, and an open file is not.
+ByteSource FileSource(const std::string& path) {
+  if (path == "-") {
+    return [](char* block, std::size_t size) {
+      return ReadBlock(stdin, "standard input", block, size);
+    };
+  }
+  const auto file = std::make_shared<molva::File>(OpenForReading(path));
+  return [file, path](char* block, std::size_t size) {
+    return ReadBlock(file->get(), path, block, size);
+  };
+}
+
 }  // namespace
 
 molva::File OpenForReading(const std::string& path) {
@@ -20,14 +43,11 @@ molva::File OpenForReading(const std::string& path) {
   return file;
 }
 
-InputLines::InputLines(const std::string& path) : stream_(stdin), place_{path, 0} {
-  if (path == "-") {
-    place_.path = "standard input";
-    return;
-  }
-  file_ = OpenForReading(path);
-  stream_ = file_.get();
-}
+InputLines::InputLines(const std::string& path)
+    : InputLines(path == "-" ? "standard input" : path, FileSource(path)) {}
+
+InputLines::InputLines(const std::string& name, ByteSource source)
+    : source_(std::move(source)), place_{name, 0} {}
 
 std::string_view InputLines::Beginning() {
   if (!started_) {
@@ -61,11 +81,8 @@ void InputLines::Fail(const std::string& message) const { throw FileError(place_
 bool InputLines::ReadMore() {
   const std::size_t old_size = buffer_.size();
   buffer_.resize(old_size + kBlock);
-  const std::size_t count = std::fread(buffer_.data() + old_size, 1, kBlock, stream_);
+  const std::size_t count = source_(buffer_.data() + old_size, kBlock);
   buffer_.resize(old_size + count);
-  if (count == 0 && std::ferror(stream_) != 0) {
-    throw SystemError(place_.path);
-  }
   return count > 0;
 }
 

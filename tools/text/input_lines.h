@@ -5,7 +5,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -17,10 +17,15 @@ namespace mardle::tools {
 // Opens a file; throws FileError when it cannot be read.
 molva::File OpenForReading(const std::string& path);
 
+// Reads up to so many bytes; 0 at the end.
+using ByteSource = std::function<std::size_t(char* block, std::size_t size)>;
+
 class InputLines {
  public:
   // "-" is standard input. Throws FileError when the file cannot be opened.
   explicit InputLines(const std::string& path);
+  // Lines of what comes from elsewhere; `name` is what messages call it.
+  InputLines(const std::string& name, ByteSource source);
 
   // What the file begins with, up to a block; to be asked before the first line is taken.
   std::string_view Beginning();
@@ -38,8 +43,7 @@ class InputLines {
  private:
   bool ReadMore();
 
-  molva::File file_;
-  std::FILE* stream_;
+  ByteSource source_;
   Place place_;
   std::string buffer_;
   std::size_t taken_ = 0;  // of the buffer

@@ -132,7 +132,9 @@ TEST(ImportOptions, EachSetsItsField) {
                       "0.5",
                       "--drop-empty",
                       "--force",
-                      "--quiet"},
+                      "--quiet",
+                      "--encoding",
+                      "latin1"},
                      options));
   EXPECT_EQ(options.input, "in");
   EXPECT_EQ(options.output.path, "out");
@@ -154,6 +156,7 @@ TEST(ImportOptions, EachSetsItsField) {
   EXPECT_TRUE(options.output.drop_empty);
   EXPECT_TRUE(options.output.replace);
   EXPECT_TRUE(options.quiet);
+  EXPECT_EQ(options.encoding, "latin1");
 }
 
 TEST(ImportOptions, WrongOnesEndWithStatusTwo) {
