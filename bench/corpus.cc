@@ -8,35 +8,46 @@
 #include <random>
 #include <span>
 
+#include "bench/draws.h"
+
 namespace bench {
 namespace {
 
-using Random = std::mt19937;
+// A longer row might not fit into a line of the format.
+constexpr int kMostDraws = 10000;
 
-double Uniform(Random& random) { return static_cast<double>(random()) * 0x1p-32; }
+// The columns from the most to the least frequent one.
+using Vocabulary = std::vector<int>;
 
 // A rank with probability about proportional to 1 / (rank + 1): the logarithm of the rank is
 // uniform.
-std::size_t ZipfRank(Random& random, int n) {
-  const double rank = std::exp(Uniform(random) * std::log(n + 1.0)) - 1;
-  return std::min(static_cast<std::size_t>(rank), static_cast<std::size_t>(n) - 1);
+std::size_t ZipfRank(Random& random, std::size_t n) {
+  const double rank = std::exp(Uniform(random) * std::log(static_cast<double>(n) + 1)) - 1;
+  return std::min(static_cast<std::size_t>(rank), n - 1);
 }
 
-std::vector<int> ShuffledColumns(Random& random, int ncols) {
-  std::vector<int> order(static_cast<std::size_t>(ncols));
+Vocabulary ShuffledColumns(Random& random, int ncols) {
+  Vocabulary order(static_cast<std::size_t>(ncols));
   std::iota(order.begin(), order.end(), 0);
   for (std::size_t i = order.size() - 1; i > 0; --i) std::swap(order[i], order[random() % (i + 1)]);
   return order;
 }
 
+std::size_t DrawLength(Random& random, const CorpusShape& shape) {
+  // The mean of a log-normal law is its median times the other factor.
+  const double spread = shape.length_spread;
+  const double median = shape.draws_per_row / std::exp(spread * spread / 2);
+  const double draws = std::round(median * std::exp(spread * Normal(random)));
+  return static_cast<std::size_t>(std::clamp<double>(draws, 1, kMostDraws));
+}
+
 // The columns of a row, as drawn; some of them repeatedly.
-void DrawColumns(Random& random, const std::vector<int>& topic, std::span<int> columns) {
-  const auto ncols = static_cast<int>(topic.size());
-  bool on_topic = true;
+void DrawColumns(Random& random, const Vocabulary& common, const Vocabulary& topic,
+                 std::span<int> columns) {
+  const double share_of_topic = 0.6 * Uniform(random);
   for (int& column : columns) {
-    const std::size_t rank = ZipfRank(random, ncols);
-    column = on_topic ? topic[rank] : static_cast<int>(rank);
-    on_topic = !on_topic;
+    const Vocabulary& source = Uniform(random) < share_of_topic ? topic : common;
+    column = source[ZipfRank(random, source.size())];
   }
 }
 
@@ -61,18 +72,23 @@ void AppendNumber(std::int64_t number, char after, std::string& text) {
 }  // namespace
 
 Corpus MakeCorpus(const CorpusShape& shape) {
-  Random random(shape.seed);
-  std::vector<std::vector<int>> topics;
+  Random random(static_cast<Random::result_type>(shape.seed));
+  const Vocabulary common = ShuffledColumns(random, shape.ncols);
+  std::vector<Vocabulary> topics;
   for (int t = 0; t < shape.topics; ++t) topics.push_back(ShuffledColumns(random, shape.ncols));
+  const UnequalShares shares(shape.topics, shape.topic_slope);
 
   Corpus corpus;
   corpus.nrows = shape.nrows;
   corpus.ncols = shape.ncols;
   corpus.rowptr = {0};
-  std::vector<int> columns(static_cast<std::size_t>(shape.entries_per_row));
+  std::vector<int> columns;
   for (int i = 0; i < shape.nrows; ++i) {
-    DrawColumns(random, topics[random() % topics.size()], columns);
+    const std::size_t topic = shares.Draw(random);
+    columns.resize(DrawLength(random, shape));
+    DrawColumns(random, common, topics[topic], columns);
     AppendRow(columns, corpus);
+    corpus.topic.push_back(static_cast<int>(topic));
   }
   return corpus;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Seeded document-like matrices of any size.
+// Seeded document-like matrices of any size, with the traits of texts that decide what a clustering
+// costs: rows of very unequal lengths, topics of very unequal sizes, rows that are clear and rows
+// that are not, and column numbers that tell nothing of how often a column occurs.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +19,7 @@ struct Corpus {
   std::vector<int> rowptr;
   std::vector<int> rowind;
   std::vector<float> rowval;
+  std::vector<int> topic;  // of every row
 
   molva::RawMatrix raw() const {
     return {nrows, ncols, rowptr.data(), rowind.data(), rowval.data()};
@@ -27,13 +30,17 @@ struct Corpus {
 struct CorpusShape {
   int nrows = 10000;
   int ncols = 30000;
-  int entries_per_row = 90;  // draws; repeated columns are counted together
+  int draws_per_row = 90;      // on average; repeated columns are counted together
+  double length_spread = 0.7;  // the standard deviation of the logarithm of a row's draws
   int topics = 20;
-  std::uint32_t seed = 1;
+  double topic_slope = 1;  // topic t has rows in proportion to 1 / (t + 1)^slope
+  int seed = 1;
 };
 
-// Each row belongs to a topic. Half of its draws come from a Zipf law over all columns, half from a
-// Zipf law over the topic's own shuffled order of them. Values are counts; columns increase.
+// The draws of a row are log-normal in number. A share of them, between none and three fifths and
+// another one for every row, comes from a Zipf law over the order of columns of the row's topic,
+// the rest from a Zipf law over one order for all rows; all orders are shuffled. Values are counts;
+// the columns of a row increase.
 Corpus MakeCorpus(const CorpusShape& shape);
 
 // The corpus in the sparse matrix format: its first line, the line of row i, and all of it.
