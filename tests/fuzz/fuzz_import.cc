@@ -55,7 +55,7 @@ ImportOptions OptionsFrom(Input& input, InputFormat format) {
   const int choice = input.Byte();
   const bool bits[] = {(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0, (choice & 8) != 0};
   if (format == InputFormat::kSvmlight) options.zero_based = bits[0];
-  if (format == InputFormat::kMatrixMarket) options.sparse = bits[0];
+  if (format == InputFormat::kMatrixMarket) options.preparation.sparse = bits[0];
   if (format == InputFormat::kLines || format == InputFormat::kTable) {
     if (bits[0]) options.table.class_column = "1";
     if (bits[1]) options.table.label_column = "2";
@@ -63,7 +63,11 @@ ImportOptions OptionsFrom(Input& input, InputFormat format) {
   if (format == InputFormat::kTable) {
     options.table.no_header = bits[2];
     if (bits[3]) options.table.text_column = "3";
-    if (!bits[3]) options.sparse = (choice & 16) != 0;
+    if (!bits[3]) {
+      options.preparation.sparse = (choice & 16) != 0;
+      options.preparation.missing = static_cast<mardle::tools::Missing>((choice >> 5) % 5);
+      options.table.decimal_comma = (choice & 1) != 0;
+    }
   }
   return options;
 }

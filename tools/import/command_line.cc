@@ -26,6 +26,11 @@ const std::map<std::string, InputFormat> kFormats = {{"mtx", InputFormat::kMatri
                                                      {"table", InputFormat::kTable},
                                                      {"lines", InputFormat::kLines}};
 
+const std::map<std::string, Missing> kMissing = {{"drop", Missing::kDrop},
+                                                 {"mean", Missing::kMean},
+                                                 {"median", Missing::kMedian},
+                                                 {"zero", Missing::kZero}};
+
 char DelimiterNamed(const std::string& name) {
   if (name == "tab") return '\t';
   if (name.size() == 1 && name != "\"" && name != "\n") return name[0];
@@ -66,7 +71,17 @@ void AddColumns(CLI::App& app, ImportOptions& options) {
          "What stands between the fields of a table; tab is a tab")
       ->type_name("CHARACTER");
   app.add_flag("--no-header", table.no_header, "The first record of the table is a row");
-  app.add_flag("--sparse", options.sparse, "Write a table or an array as a sparse matrix");
+  app.add_flag("--decimal-comma", table.decimal_comma, "Numbers of a table are written as 1,5");
+  app.add_option_function<std::string>(
+         "--missing",
+         [&options](const std::string& name) { options.preparation.missing = kMissing.at(name); },
+         "Missing values: drop their rows, or fill in the mean or median of the column or zero")
+      ->type_name("WAY")
+      ->check(CLI::IsMember({"drop", "mean", "median", "zero"}).description(""));
+  app.add_flag("--standardize", options.preparation.standardize,
+               "Bring the columns of a table to mean 0 and deviation 1");
+  app.add_flag("--sparse", options.preparation.sparse,
+               "Write a table or an array as a sparse matrix");
   app.add_flag("--zero-based", options.zero_based, "Columns of svmlight files count from 0");
 }
 

@@ -16,6 +16,7 @@
 #include "tools/text/file_identity.h"
 #include "tools/text/input_lines.h"
 #include "tools/text/numbers.h"
+#include "tools/text/shell_text.h"
 
 namespace mardle::tools {
 namespace {
@@ -105,16 +106,24 @@ ImportResult ImportTexts(const ImportOptions& options, InputFormat format, Input
   return {format, terms.Write(options.output, options.limits)};
 }
 
+ImportResult ImportNumbers(const ImportOptions& options, InputLines& input, Progress& progress) {
+  ImportResult result{InputFormat::kTable};
+  result.matrix = ImportTable(input, options.table, options.preparation, options.output, progress,
+                              result.notes);
+  return result;
+}
+
 ImportResult ImportLines(const ImportOptions& options, InputFormat format, InputLines& input,
                          Progress& progress) {
   switch (format) {
     case InputFormat::kMatrixMarket:
-      return {format, ImportMatrixMarket(input, options.output, options.sparse, progress)};
+      return {format,
+              ImportMatrixMarket(input, options.output, options.preparation.sparse, progress)};
     case InputFormat::kSvmlight:
       return {format, ImportSvmlight(input, options.output, options.zero_based, progress)};
     case InputFormat::kTable:
       if (!options.table.text_column.empty()) break;
-      return {format, ImportTable(input, options.table, options.output, options.sparse, progress)};
+      return ImportNumbers(options, input, progress);
     case InputFormat::kLines:
     case InputFormat::kFolder:
       break;
@@ -165,7 +174,7 @@ std::string Summary(const ImportOptions& options, const ImportResult& result) {
     text += Count(matrix.empty_rows, "row", "rows") + " without entries " +
             (options.output.drop_empty ? "left out" : "kept (--drop-empty leaves them out)") + "\n";
   }
-  return text + "Cluster with: mardle " + OptionsFor(matrix) + path + " NCLUSTERS\n";
+  return text + "Cluster with: mardle " + OptionsFor(matrix) + ShellText(path) + " NCLUSTERS\n";
 }
 
 }  // namespace mardle::tools

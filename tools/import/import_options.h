@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/import/dense_rows.h"
 #include "tools/import/documents.h"
 #include "tools/import/input_format.h"
 #include "tools/import/matrix_writer.h"
@@ -20,7 +21,7 @@ struct ImportOptions {
   std::optional<InputFormat> format;  // found out when absent
   std::string encoding;               // empty: UTF-8
   MatrixOutput output;
-  bool sparse = false;      // tables and arrays
+  Preparation preparation;  // tables and arrays
   bool zero_based = false;  // svmlight
   TableOptions table;       // the label and class columns are also those of lines
   FolderOptions folder;

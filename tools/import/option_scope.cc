@@ -47,7 +47,10 @@ void RefuseIdleOptions(const ImportOptions& options, InputFormat format) {
   require(kind.table, !table.skipped_columns.empty(), "--skip-column");
   require(kind.AnyTable(), table.delimiter.has_value(), "--delimiter");
   require(kind.AnyTable(), table.no_header, "--no-header");
-  require(kind.table || kind.matrix_market, options.sparse, "--sparse");
+  require(kind.table || kind.matrix_market, options.preparation.sparse, "--sparse");
+  require(kind.table, options.preparation.standardize, "--standardize");
+  require(kind.table, options.preparation.missing != Missing::kRefused, "--missing");
+  require(kind.table, table.decimal_comma, "--decimal-comma");
   require(kind.svmlight, options.zero_based, "--zero-based");
   require(kind.folder, options.folder.file_pattern != kDefaults.folder.file_pattern, "--files");
   require(kind.folder, options.folder.folder_classes, "--folder-classes");

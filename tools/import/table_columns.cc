@@ -6,6 +6,7 @@
 
 #include "tools/text/fields.h"
 #include "tools/text/numbers.h"
+#include "tools/text/suggestion.h"
 
 namespace mardle::tools {
 namespace {
@@ -15,6 +16,10 @@ char DelimiterFor(InputLines& input, const TableOptions& options) {
   const std::string_view beginning = input.Beginning();
   return DelimiterOf(beginning.substr(0, beginning.find('\n')));
 }
+
+constexpr char kNamesAdvice[] =
+    "; if rows begin with a name that has no heading, put a comma or a heading for it in front of "
+    "the headings";
 
 }  // namespace
 
@@ -45,8 +50,10 @@ bool Table::Next() {
   }
   if (!reader_.Next(fields_)) return false;
   if (fields_.size() != header_.size()) {
-    throw FileError(place(), "the row has " + std::to_string(fields_.size()) +
-                                 " fields instead of " + std::to_string(header_.size()));
+    throw FileError(place(),
+                    "the row has " + std::to_string(fields_.size()) + " fields instead of " +
+                        std::to_string(header_.size()) +
+                        (fields_.size() == header_.size() + 1 && has_header_ ? kNamesAdvice : ""));
   }
   return true;
 }
@@ -75,9 +82,25 @@ std::optional<std::size_t> Table::Find(const std::string& name) const {
   const auto number = ParseInteger(name);
   const auto columns = static_cast<long long>(header_.size());
   if (!number || *number < 1 || *number > columns) {
-    throw FileError(place(), "there is no column " + Quoted(name));
+    RefuseColumn(name);
   }
   return static_cast<std::size_t>(*number - 1);
+}
+
+void Table::RefuseColumn(const std::string& name) const {
+  constexpr std::size_t kMostNamed = 20;
+  std::string message = "there is no column " + Quoted(name);
+  const std::string count = std::to_string(header_.size());
+  if (!has_header_) {
+    throw FileError(place(), message + "; there are " + count + ", without headings");
+  }
+  message += DidYouMean(name, header_);
+  message += (message.ends_with('?') ? " The columns are " : "; the columns are ");
+  for (std::size_t j = 0; j < std::min(header_.size(), kMostNamed); ++j) {
+    message += (j > 0 ? ", " : "") + header_[j];
+  }
+  if (header_.size() > kMostNamed) message += ", ... (" + count + " in all)";
+  throw FileError(place(), message);
 }
 
 }  // namespace mardle::tools

@@ -16,6 +16,7 @@ namespace mardle::tools {
 struct TableOptions {
   std::optional<char> delimiter;  // found out when absent
   bool no_header = false;
+  bool decimal_comma = false;
   std::string label_column;  // empty: none
   std::string class_column;
   std::string text_column;
@@ -40,6 +41,8 @@ class Table {
   std::optional<std::size_t> text_column;
   std::vector<std::size_t> value_columns;  // all others that are not skipped
 
+  bool has_header() const { return has_header_; }
+  const std::string& heading(std::size_t column) const { return header_[column]; }
   // "column 3 (petal)".
   std::string ColumnName(std::size_t column) const;
   // The headings of the value columns; none without a header.
@@ -47,6 +50,7 @@ class Table {
 
  private:
   std::optional<std::size_t> Find(const std::string& name) const;
+  [[noreturn]] void RefuseColumn(const std::string& name) const;
 
   TableReader reader_;
   std::vector<std::string> header_;  // empty fields without a header

@@ -1,47 +1,148 @@
 // SPDX-License-Identifier: MIT
 #include "tools/import/table_matrix.h"
 
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <optional>
+
 #include "tools/import/matrix_value.h"
 #include "tools/text/fields.h"
 #include "tools/text/numbers.h"
+#include "tools/text/shell_text.h"
 
 namespace mardle::tools {
 namespace {
 
-constexpr char kAdvice[] =
-    "; --class-column, --label-column and --skip-column take columns that are no numbers";
+constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
-double CellValue(const Table& table, std::size_t column) {
-  const std::string_view text = Trimmed(table.fields()[column]);
-  if (text.empty()) throw FileError(table.place(), table.ColumnName(column) + " is empty");
+bool IsMissing(std::string_view text) {
+  static constexpr std::array<const char*, 6> kWords = {"na", "n/a", "nan", "null", "none", "?"};
+  const std::string word(text);
+  return text.empty() || std::any_of(kWords.begin(), kWords.end(), [&word](const char* missing) {
+           return strcasecmp(word.c_str(), missing) == 0;
+         });
+}
+
+// "1,5" as "1.5"; nothing when that is no number.
+std::optional<std::string> WithDecimalPoint(std::string_view text) {
+  std::string point(text);
+  const std::size_t comma = point.find(',');
+  if (comma == std::string::npos || point.find('.') != std::string::npos) return std::nullopt;
+  point[comma] = '.';
+  return ParseNumber(point) ? std::optional(point) : std::nullopt;
+}
+
+bool HasSeveralWords(std::string_view text) {
+  const auto fields = FieldsOf(text);
+  return std::count_if(fields.begin(), fields.end(),
+                       [](std::string_view field) { return !ParseNumber(field); }) > 1;
+}
+
+// What to do about a column that is no number.
+std::string AdviceFor(const Table& table, std::size_t column, std::string_view text) {
+  if (WithDecimalPoint(text)) return "; --decimal-comma reads it";
+  const std::string& heading = table.heading(column);
+  const std::string number = std::to_string(column + 1);
+  if (heading.empty() && table.has_header()) {
+    return "; --label-column " + number + " makes labels of a column without a heading";
+  }
+  if (HasSeveralWords(text)) {
+    return "; --text-column " + ShellText(heading.empty() ? number : heading) + " counts its words";
+  }
+  return "; --class-column, --label-column and --skip-column take columns that are no numbers";
+}
+
+double CellValue(const Table& table, std::size_t column, bool decimal_comma) {
+  std::string_view text = Trimmed(table.fields()[column]);
+  if (IsMissing(text)) return kMissing;
+  std::optional<std::string> point;
+  if (decimal_comma && (point = WithDecimalPoint(text))) text = *point;
   if (!ParseNumber(text)) {
-    throw FileError(table.place(),
-                    table.ColumnName(column) + " is no number: " + Quoted(text) + kAdvice);
+    throw FileError(table.place(), table.ColumnName(column) + " is no number: " + Quoted(text) +
+                                       AdviceFor(table, column, text));
   }
   return MatrixValue(text, table.place(), table.ColumnName(column));
 }
 
+// Headings that are numbers throughout are more likely a row.
+void NoteNumericHeadings(const Table& table, std::vector<std::string>& notes) {
+  const std::vector<std::string> headings = table.Headings();
+  const bool numeric =
+      !headings.empty() && std::all_of(headings.begin(), headings.end(), [](const auto& heading) {
+        return ParseNumber(Trimmed(heading)).has_value();
+      });
+  if (!numeric) return;
+  notes.push_back(
+      "the first record was taken for headings, and all are numbers: " + Quoted(headings[0]) +
+      (headings.size() > 1 ? ", " + Quoted(headings[1]) + (headings.size() > 2 ? ", ..." : "")
+                           : "") +
+      "; --no-header makes a row of it");
+}
+
+// Watches a column without a heading: does it only number the rows?
+class Numbering {
+ public:
+  explicit Numbering(const Table& table) {
+    const auto& columns = table.value_columns;
+    const auto nameless = std::find_if(columns.begin(), columns.end(), [&table](std::size_t j) {
+      return table.has_header() && table.heading(j).empty();
+    });
+    holds_ = nameless != columns.end();
+    if (holds_) column_ = static_cast<std::size_t>(nameless - columns.begin());
+  }
+
+  void Look(const std::vector<double>& values) {
+    if (!holds_) return;
+    const double value = values[column_];
+    if (count_ == 0) first_ = value;
+    holds_ = value == first_ + static_cast<double>(count_);
+    ++count_;
+  }
+
+  void Note(const Table& table, std::vector<std::string>& notes) const {
+    if (!holds_ || count_ < 2 || first_ != std::round(first_)) return;
+    const std::string number = std::to_string(table.value_columns[column_] + 1);
+    notes.push_back("column " + number +
+                    " has no heading and numbers the rows, and is a column of the matrix; "
+                    "--label-column " +
+                    number + " makes labels of it, --skip-column " + number + " leaves it out");
+  }
+
+ private:
+  bool holds_ = false;      // so far
+  std::size_t column_ = 0;  // among the value columns
+  double first_ = 0;
+  std::int64_t count_ = 0;
+};
+
 }  // namespace
 
 MatrixSummary ImportTable(InputLines& input, const TableOptions& options,
-                          const MatrixOutput& output, bool sparse, Progress& progress) {
+                          const Preparation& preparation, const MatrixOutput& output,
+                          Progress& progress, std::vector<std::string>& notes) {
   Table table(input, options);
   const std::vector<std::size_t>& columns = table.value_columns;
-  std::optional<int> dense_columns;
-  if (!sparse) dense_columns = static_cast<int>(columns.size());
-  MatrixWriter writer(output, dense_columns);
-  std::vector<Entry> entries;
+  DenseRows rows(output, preparation, columns.size(),
+                 [&table](std::size_t j) { return table.ColumnName(table.value_columns[j]); });
+  Numbering numbering(table);
+  std::vector<double> values;
   while (table.Next()) {
-    entries.clear();
-    for (std::size_t j = 0; j < columns.size(); ++j) {
-      const double value = CellValue(table, columns[j]);
-      if (value != 0) entries.push_back({static_cast<int>(j), value});
+    values.clear();
+    for (const std::size_t j : columns) {
+      values.push_back(CellValue(table, j, options.decimal_comma));
     }
-    writer.AddRow(entries, {table.Field(table.label_column), table.Field(table.class_column)},
-                  table.place());
+    numbering.Look(values);
+    rows.AddRow(values, {table.Field(table.label_column), table.Field(table.class_column)},
+                table.place());
     progress.Step();
   }
-  return writer.Finish(static_cast<std::int64_t>(columns.size()), table.Headings());
+  NoteNumericHeadings(table, notes);
+  numbering.Note(table, notes);
+  return rows.Finish(table.Headings(), notes);
 }
 
 }  // namespace mardle::tools

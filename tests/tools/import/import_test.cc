@@ -57,6 +57,15 @@ TEST(Import, TellsWhatItMade) {
             "Cluster with: mardle -denseinput out.mat NCLUSTERS\n");
 }
 
+TEST(Import, TheCommandCanBeTyped) {
+  Imported imported("x.csv", "a,b\n1,2\n");
+  imported.options.output.path = imported.folder.Path("my matrix");
+  const std::string summary = Summary(imported.options, Import(imported.options));
+  EXPECT_TRUE(
+      summary.ends_with("mardle -denseinput '" + imported.options.output.path + "' NCLUSTERS\n"))
+      << summary;
+}
+
 TEST(Import, TellsThatAMatrixOfStoredCellsAloneHasNoIdf) {
   Imported imported("x.svm", "0 1:2 2:1\n1 1:1 2:3\n");
   EXPECT_EQ(imported.WithoutFolder(Summary(imported.options, Import(imported.options))),
@@ -76,7 +85,10 @@ TEST(Import, OptionsWithoutUseAreRefused) {
       {"x.txt", "a b\n", "--skip-column", [](auto& o) { o.table.skipped_columns = {"1"}; }},
       {"x.txt", "a b\n", "--delimiter", [](auto& o) { o.table.delimiter = ';'; }},
       {"x.txt", "a b\n", "--no-header", [](auto& o) { o.table.no_header = true; }},
-      {"x.txt", "a b\n", "--sparse", [](auto& o) { o.sparse = true; }},
+      {"x.txt", "a b\n", "--sparse", [](auto& o) { o.preparation.sparse = true; }},
+      {"x.txt", "a b\n", "--standardize", [](auto& o) { o.preparation.standardize = true; }},
+      {"x.svm", "1 1:1\n", "--missing", [](auto& o) { o.preparation.missing = Missing::kDrop; }},
+      {"x.txt", "a b\n", "--decimal-comma", [](auto& o) { o.table.decimal_comma = true; }},
       {"x.csv", "a\n1\n", "--zero-based", [](auto& o) { o.zero_based = true; }},
       {"x.csv", "a\n1\n", "--files", [](auto& o) { o.folder.file_pattern = "*.x"; }},
       {"x.csv", "a\n1\n", "--folder-classes", [](auto& o) { o.folder.folder_classes = true; }},
@@ -134,7 +146,11 @@ TEST(ImportOptions, EachSetsItsField) {
                       "--force",
                       "--quiet",
                       "--encoding",
-                      "latin1"},
+                      "latin1",
+                      "--decimal-comma",
+                      "--missing",
+                      "median",
+                      "--standardize"},
                      options));
   EXPECT_EQ(options.input, "in");
   EXPECT_EQ(options.output.path, "out");
@@ -145,7 +161,7 @@ TEST(ImportOptions, EachSetsItsField) {
   EXPECT_EQ(options.table.skipped_columns, (std::vector<std::string>{"s", "u"}));
   EXPECT_EQ(options.table.delimiter, '\t');
   EXPECT_TRUE(options.table.no_header);
-  EXPECT_TRUE(options.sparse);
+  EXPECT_TRUE(options.preparation.sparse);
   EXPECT_TRUE(options.zero_based);
   EXPECT_EQ(options.folder.file_pattern, "*.x");
   EXPECT_TRUE(options.folder.folder_classes);
@@ -157,6 +173,9 @@ TEST(ImportOptions, EachSetsItsField) {
   EXPECT_TRUE(options.output.replace);
   EXPECT_TRUE(options.quiet);
   EXPECT_EQ(options.encoding, "latin1");
+  EXPECT_TRUE(options.table.decimal_comma);
+  EXPECT_EQ(options.preparation.missing, Missing::kMedian);
+  EXPECT_TRUE(options.preparation.standardize);
 }
 
 TEST(ImportOptions, WrongOnesEndWithStatusTwo) {
@@ -169,6 +188,7 @@ TEST(ImportOptions, WrongOnesEndWithStatusTwo) {
       {"--min-count", "0", "in", "out"},
       {"--max-fraction", "1.5", "in", "out"},
       {"--delimiter", "ab", "in", "out"},
+      {"--missing", "guess", "in", "out"},
   };
   for (const auto& arguments : kWrong) {
     ImportOptions options;

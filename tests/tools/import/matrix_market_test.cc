@@ -40,7 +40,7 @@ TEST(MatrixMarket, ArraysGoColumnByColumnAndBecomeDense) {
   const std::string text = "%%MatrixMarket matrix array real general\n2 3\n1\n2\n3\n0\n5\n6\n";
   EXPECT_EQ(Imports(text), "2 3\n1 3 5\n2 0 6\n");
   Imported sparse("m.mtx", text);
-  sparse.options.sparse = true;
+  sparse.options.preparation.sparse = true;
   EXPECT_EQ(sparse.Run(), "2 3 5\n1 1 2 3 3 5\n1 2 3 6\n");
 }
 
