@@ -17,6 +17,7 @@
 #include "tools/export/rows.h"
 #include "tools/export/table.h"
 #include "tools/export/tree.h"
+#include "tools/export/wording.h"
 #include "tools/text/file_error.h"
 #include "tools/text/file_identity.h"
 #include "tools/text/output_file.h"
@@ -79,7 +80,8 @@ std::string PageText(const Request& request) {
   const Matrix mat = ReadWholeMatrix(request.files, request.run.denseinput);
   const Clustering clustering = ReadClustering(request.clustering, mat.nrows);
   std::ostringstream out;
-  WriteHtmlPage({request.files.matrix, request.clustering, request.tree, request.run, mat},
+  WriteHtmlPage({request.files.matrix, request.clustering, request.tree, request.run, mat,
+                 WordingOf(request.contents, mat)},
                 clustering, out);
   return out.str();
 }

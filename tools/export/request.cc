@@ -24,6 +24,9 @@ struct Texts {
   std::string prune = "1.0";
 };
 
+// More than a report prints, since a page has room for them.
+constexpr int kPageFeatures = 10;
+
 CLI::App* AddFormat(CLI::App& app, const char* name, const char* what, Format format,
                     Request& request) {
   CLI::App* command = app.add_subcommand(name, what);
@@ -64,22 +67,30 @@ void AddTable(CLI::App* command, Request& request) {
   AddClassFile(command, matrix, request.files);
 }
 
+// An option whose value is one of a few words.
+template <typename Value>
+void AddChoice(CLI::App* command, const char* name, const std::map<std::string, Value>& choices,
+               Value& chosen, const char* what) {
+  std::string words;
+  for (const auto& [word, value] : choices) words += (words.empty() ? "" : "|") + word;
+  command
+      ->add_option_function<std::string>(
+          name, [&chosen, choices](const std::string& word) { chosen = choices.at(word); }, what)
+      ->check(CLI::IsMember(choices))
+      ->type_name(words);
+}
+
 void AddTree(CLI::App* command, Request& request) {
   AddFile(command, "--tree", request.tree, "The tree file of the run")->required();
   CLI::Option* matrix = AddMatrix(
       command, request.files,
       "The matrix whose rows are the leaves; without it leaves are called by their numbers");
   AddRowFiles(command, matrix, request.files);
-  const std::map<std::string, HeightsFrom> sources = {{"order", HeightsFrom::kOrder},
-                                                      {"similarity", HeightsFrom::kSimilarity}};
-  command
-      ->add_option_function<std::string>(
-          "--heights",
-          [&request, sources](const std::string& source) { request.heights = sources.at(source); },
-          "Heights of the nodes: their order (default), or 1 - similarity, which only the tree over "
-          "the clusters allows")
-      ->check(CLI::IsMember(sources))
-      ->type_name("order|similarity");
+  AddChoice<HeightsFrom>(
+      command, "--heights",
+      {{"order", HeightsFrom::kOrder}, {"similarity", HeightsFrom::kSimilarity}}, request.heights,
+      "Heights of the nodes: their order (default), or 1 - similarity, which only the tree over "
+      "the clusters allows");
 }
 
 // Empty for a number from 0 to 1, else what is wrong. A text such as "nan" is no such number.
@@ -112,7 +123,7 @@ void AddRun(CLI::App* command, Request& request, Texts& texts) {
   command->add_option("--prune", texts.prune, "Pruning fraction, 0 to 1 (default 1.0)")
       ->check(CheckFraction)
       ->type_name("FLOAT");
-  command->add_option("--nfeatures", run.nfeatures, "Columns shown of each kind (default 5)")
+  command->add_option("--nfeatures", run.nfeatures, "Columns shown of each kind (default 10)")
       ->check(CLI::Range(1, 100))
       ->type_name("INT");
   command->add_flag("--denseinput", run.denseinput, "The matrix is in the dense format");
@@ -126,6 +137,11 @@ void AddPage(CLI::App* command, Request& request, Texts& texts) {
   AddFile(command, "--tree", request.tree,
           "A tree file of the run: the tree over the clusters is shown instead of a computed one, "
           "the complete tree gives F-scores");
+  AddChoice<Contents>(command, "--contents",
+                      {{"text", Contents::kText}, {"table", Contents::kTable}}, request.contents,
+                      "Call rows and columns documents and words (text) or not (table); by default "
+                      "counts whose columns are called by letters alone are text");
+  request.run.nfeatures = kPageFeatures;
   AddRun(command, request, texts);
 }
 

@@ -9,6 +9,7 @@
 #include "programs/run_params.h"
 #include "tools/export/rows.h"
 #include "tools/export/tree.h"
+#include "tools/export/wording.h"
 
 namespace mardle::exporting {
 
@@ -22,6 +23,7 @@ struct Request {
   std::string output;  // empty: standard output
   std::string leaves;  // where the labels of a linkage table's leaves go; empty: nowhere
   HeightsFrom heights = HeightsFrom::kOrder;
+  Contents contents = Contents::kUnknown;  // what a page calls rows and columns
   RunParams run;  // the run that a page shows: models, criteria, number of features
 };
 

@@ -8,6 +8,7 @@
 
 namespace {
 
+using mardle::exporting::Contents;
 using mardle::exporting::Format;
 using mardle::exporting::HeightsFrom;
 using mardle::exporting::Request;
@@ -81,9 +82,18 @@ TEST(ParseRequest, DerivesWhatARunDerives) {
   EXPECT_EQ(plain.run.treecrfun, 2);
   EXPECT_EQ(plain.run.colmodel, 2);
   EXPECT_EQ(plain.run.prune, 1.0F);
-  EXPECT_EQ(plain.run.nfeatures, 5);
+  EXPECT_EQ(plain.run.nfeatures, 10);
   EXPECT_EQ(Parsed({"html", "--clustering", "c", "--matrix", "m", "--sim", "2"}).run.colmodel, 1);
   EXPECT_EQ(Parsed({"html", "--clustering", "c", "--matrix", "m", "--denseinput"}).run.colmodel, 1);
+}
+
+TEST(ParseRequest, TakesWhatTheMatrixHolds) {
+  const auto contents = [](const char* word) {
+    return Parsed({"html", "--clustering", "c", "--matrix", "m", "--contents", word}).contents;
+  };
+  EXPECT_EQ(contents("text"), Contents::kText);
+  EXPECT_EQ(contents("table"), Contents::kTable);
+  EXPECT_EQ(Parsed({"html", "--clustering", "c", "--matrix", "m"}).contents, Contents::kUnknown);
 }
 
 TEST(ParseRequest, PrintsHelpAndVersionWithStatusZero) {
@@ -121,6 +131,7 @@ TEST(ParseRequest, RefusesNumbersOutsideTheirRange) {
   EXPECT_THAT(page("--prune", "1.1"), HasSubstr("--prune"));
   EXPECT_THAT(page("--prune", "nan"), HasSubstr("--prune"));
   EXPECT_THAT(page("--nfeatures", "0"), HasSubstr("--nfeatures"));
+  EXPECT_THAT(page("--contents", "music"), HasSubstr("--contents"));
 }
 
 TEST(ParseRequest, WantsATreeCriterionWhereThatOfTheRunBuildsNone) {

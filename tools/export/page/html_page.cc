@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/page/html_page.h"
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 
-#include "programs/code_names.h"
 #include "tools/export/escape.h"
 #include "tools/export/page/page_assets.h"
 #include "tools/export/page/page_parts.h"
@@ -26,48 +23,25 @@ std::string TitleOf(const PageRun& run) {
   return Html(std::filesystem::path(run.matrix_name).filename().string());
 }
 
-void WriteTile(const std::string& name, const std::string& value, std::ostream& out) {
-  out << "<div><dt>" << name << "</dt><dd>" << value << "</dd></div>\n";
-}
-
-std::string CriterionText(float value) {
-  std::array<char, 40> text;
-  std::snprintf(text.data(), text.size(), "%.4g", static_cast<double>(value));
-  return text.data();
-}
-
-void WriteTiles(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
-  out << "<dl class=\"tiles\">\n";
-  WriteTile("Clusters", Grouped(numbers.nclusters), out);
-  WriteTile("Rows", Grouped(run.mat.nrows), out);
-  if (numbers.nclustered < run.mat.nrows) {
-    WriteTile("Without a cluster", Grouped(run.mat.nrows - numbers.nclustered), out);
-  }
-  WriteTile("Criterion " + Html(CriterionName(run.params.crfun)), CriterionText(numbers.crvalue),
-            out);
-  if (numbers.has_classes) {
-    WriteTile("Entropy", Decimals(static_cast<double>(numbers.entropy), 3), out);
-    WriteTile("Purity", Decimals(static_cast<double>(numbers.purity), 3), out);
-  }
-  if (numbers.has_fscores) {
-    WriteTile("F-score", Decimals(static_cast<double>(numbers.fscore), 3), out);
-  }
-  out << "</dl>\n";
-}
-
 void WriteHeader(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
-  const RunParams& params = run.params;
-  out << "<header>\n<p class=\"dim\">mardle</p>\n<h1>" << TitleOf(run) << "</h1>\n<p>"
-      << Grouped(run.mat.nrows) << " rows, " << Grouped(run.mat.ncols) << " columns, "
-      << Grouped(NonZeroCount(run.mat)) << " entries in " << Grouped(numbers.nclusters)
-      << (numbers.nclusters == 1 ? " cluster" : " clusters") << "</p>\n<p class=\"dim\">"
-      << SimilarityName(params.simfun) << " similarity · row model "
-      << RowModelName(params.rowmodel) << " · column model " << ColumnModelName(params.colmodel)
-      << " · pruning " << Decimals(static_cast<double>(params.prune), 2) << "</p>\n";
-  WriteTiles(run, numbers, out);
-  out << "</header>\n<nav aria-label=\"Sections\"><a href=\"#glance\">Glance</a> "
-         "<a href=\"#quality\">Quality</a> <a href=\"#features\">Columns</a> "
-         "<a href=\"#tree\">Tree</a> <a href=\"#rows\">Rows</a></nav>\n";
+  const std::int64_t outside = std::int64_t{run.mat.nrows} - numbers.rows.Total();
+  out << "<header>\n<h1>" << TitleOf(run) << "</h1>\n<p>" << CountedRows(run, run.mat.nrows)
+      << " in " << Counted(numbers.nclusters, "cluster", "clusters") << " by "
+      << Counted(run.mat.ncols, run.wording.column, run.wording.columns);
+  if (outside > 0) out << ", " << Grouped(outside) << " without a cluster";
+  out << "</p>\n</header>\n";
+}
+
+void WriteNavigation(const PageRun& run, std::ostream& out) {
+  out << "<nav aria-label=\"Sections\"><a href=\"#overview\">Overview</a> "
+         "<a href=\"#clusters\">Clusters</a> <a href=\"#tree\">Tree</a> "
+         "<a href=\"#quality\">Quality</a> <a href=\"#rows\">"
+      << Capital(run.wording.rows)
+      << "</a> <a href=\"#run\">Run</a>\n"
+         "<form role=\"search\" class=\"tools\" hidden><label>"
+      << Capital(run.wording.column)
+      << " <input id=\"word-search\" type=\"search\" autocomplete=\"off\" size=\"12\"></label> "
+         "<output id=\"word-count\" for=\"word-search\"></output></form></nav>\n";
 }
 
 }  // namespace
@@ -78,12 +52,14 @@ void WriteHtmlPage(const PageRun& run, const Clustering& clustering, std::ostrea
       << (numbers.nclusters == 1 ? " cluster" : " clusters") << "</title>\n<style>\n"
       << kPageStyle << "</style>\n</head>\n<body>\n";
   WriteHeader(run, numbers, out);
+  WriteNavigation(run, out);
   out << "<main>\n";
-  WritePictures(run, numbers, out);
-  WriteQualityTable(run, numbers, out);
-  WriteFeatureCards(run, numbers, out);
+  WriteOverview(run, numbers, out);
+  WriteClusterCards(run, numbers, out);
   WriteTreeSection(run, numbers, out);
+  WriteQuality(run, numbers, out);
   WriteRowList(run, numbers, clustering, out);
+  WriteRunNotes(run, out);
   out << "</main>\n<script>\n" << kPageScript << "</script>\n</body>\n</html>\n";
 }
 

@@ -1,6 +1,6 @@
 // The list of rows: filtered, sorted, and shown a hundred lines at a time, so that its length costs
-// nothing until it is asked for. And the buttons that fold the tree. Text from the data becomes
-// text nodes only.
+// nothing until it is asked for. The search for words, and the buttons that fold the tree. Text from
+// the data becomes text nodes only.
 'use strict';
 (() => {
   const kStep = 100;
@@ -110,6 +110,27 @@
     find('row-cluster').focus({preventScroll: true});
   }
 
+  // A cluster is found by any word of its card, and by its name in the overview.
+  function searchWord(text) {
+    let found = 0;
+    const cards = document.querySelectorAll('.card');
+    const lines = document.querySelectorAll('.overview li');
+    cards.forEach((card, k) => {
+      let hits = 0;
+      for (const th of card.querySelectorAll('.words tbody th')) {
+        const hit = text !== '' && th.firstChild.data.toLowerCase().includes(text);
+        th.classList.toggle('hit', hit);
+        if (hit && !th.parentElement.classList.contains('weaker')) ++hits;
+      }
+      const miss = text !== '' && hits === 0;
+      found += miss ? 0 : 1;
+      card.classList.toggle('miss', miss);
+      lines[k].classList.toggle('miss', miss);
+    });
+    find('word-count').textContent = text === '' ? '' :
+        found === 1 ? '1 cluster' : `${found.toLocaleString('en')} clusters`;
+  }
+
   function foldTree(open) {
     for (const details of document.querySelectorAll('.tree details')) details.open = open;
   }
@@ -117,7 +138,11 @@
   listen('row-search', 'text', (text) => text.trim().toLowerCase());
   listen('row-cluster', 'cluster', (value) => value);
   listen('row-class', 'rowClass', (value) => value);
-  find('row-view').querySelector('form').addEventListener('submit', (event) => event.preventDefault());
+  for (const form of document.forms) {
+    form.addEventListener('submit', (event) => event.preventDefault());
+  }
+  find('word-search').addEventListener('input',
+      () => searchWord(find('word-search').value.trim().toLowerCase()));
   find('row-more').addEventListener('click', () => {
     shown += kStep;
     show();

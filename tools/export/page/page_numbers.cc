@@ -42,14 +42,14 @@ void MeasurePage(const PageRun& run, const int* part, PageNumbers& numbers) {
   numbers.crvalue = CriterionValue(in, params.crfun);
 }
 
-void MeasureFeatures(const PageRun& run, const int* part, PageNumbers& numbers) {
-  const RunParams& params = run.params;
-  const Matrix& mat = run.mat;
-  numbers.descriptive = EmptyLists(numbers.nclusters, params.nfeatures);
-  numbers.discriminating = EmptyLists(numbers.nclusters, params.nfeatures);
-  DescribeClusters(RunInput(params, mat, {numbers.nclusters, part}), params.nfeatures,
-                   {numbers.descriptive.ids, numbers.descriptive.weights,
-                    numbers.discriminating.ids, numbers.discriminating.weights});
+constexpr std::size_t kNearest = 3;
+
+void MeasureWords(const PageRun& run, const int* part, PageNumbers& numbers) {
+  const EngineInput in = RunInput(run.params, run.mat, {numbers.nclusters, part});
+  const ClusterSums sums(in, numbers.rows);
+  numbers.words = FindClusterWords(in, run.params.nfeatures, sums);
+  numbers.nearest = NearestClusters(sums, kNearest);
+  numbers.levels = ColumnLevels(run.mat, numbers.rows);
 }
 
 void MeasureClasses(const PageRun& run, const std::vector<int>& part, PageNumbers& numbers) {
@@ -61,13 +61,13 @@ void MeasureClasses(const PageRun& run, const std::vector<int>& part, PageNumber
   numbers.entropies = AllocFloatsSet(numbers.nclusters, 0, "Measure: entropies");
   numbers.purities = AllocFloatsSet(numbers.nclusters, 0, "Measure: purities");
   for (int k = 0; k < numbers.nclusters; ++k) {
-    numbers.entropies[k] = ComputeEntropy(nclasses, numbers.nclustered, numbers.ocldist,
+    numbers.entropies[k] = ComputeEntropy(nclasses, numbers.rows.Total(), numbers.ocldist,
                                           numbers.pwgts[k], numbers.classdist[k]);
-    numbers.purities[k] = ComputePurity(nclasses, numbers.nclustered, numbers.ocldist,
+    numbers.purities[k] = ComputePurity(nclasses, numbers.rows.Total(), numbers.ocldist,
                                         numbers.pwgts[k], numbers.classdist[k]);
   }
-  numbers.entropy = WeightedAverage(numbers.pwgts, numbers.entropies, numbers.nclustered);
-  numbers.purity = WeightedAverage(numbers.pwgts, numbers.purities, numbers.nclustered);
+  numbers.entropy = WeightedAverage(numbers.pwgts, numbers.entropies, numbers.rows.Total());
+  numbers.purity = WeightedAverage(numbers.pwgts, numbers.purities, numbers.rows.Total());
 }
 
 // The parents of a file's tree over n leaves, as the library wants them: 2n.
@@ -124,7 +124,7 @@ void MeasureFScores(const PageRun& run, const Tree& complete, PageNumbers& numbe
   numbers.fscores = AllocFloatsSet(mat.nclasses, 0, "Measure: fscores");
   ComputeFScores(mat.nclasses, mat.nrows, mat.classes, numbers.ocldist, ParentsOf(complete),
                  numbers.fscores);
-  numbers.fscore = WeightedAverage(numbers.ocldist, numbers.fscores, numbers.nclustered);
+  numbers.fscore = WeightedAverage(numbers.ocldist, numbers.fscores, numbers.rows.Total());
 }
 
 // A tree over the clusters takes the place of the computed one; a complete tree gives F-scores.
@@ -145,17 +145,18 @@ void TakeTreeFile(const PageRun& run, PageNumbers& numbers) {
 
 }  // namespace
 
+PageNumbers::PageNumbers(const Clustering& clustering)
+    : nclusters(clustering.nclusters), rows(clustering.part, nclusters) {}
+
 PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
   if (clustering.nclusters == 0) {
     throw tools::FileError({run.clustering_name, 0},
                            "no row has a cluster, there is nothing to show");
   }
   const std::vector<int>& part = clustering.part;
-  PageNumbers numbers;
-  numbers.nclusters = clustering.nclusters;
-  numbers.nclustered = std::count_if(part.begin(), part.end(), [](int k) { return k >= 0; });
+  PageNumbers numbers(clustering);
   MeasurePage(run, part.data(), numbers);
-  MeasureFeatures(run, part.data(), numbers);
+  MeasureWords(run, part.data(), numbers);
   if (run.mat.nclasses > 1) MeasureClasses(run, part, numbers);
   TakeTreeFile(run, numbers);
   if (!numbers.tree.ptree) numbers.tree.ptree = BuildParents(run, part.data(), numbers.nclusters);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Everything a page shows, measured by the library with the parameters of the run.
+// Everything a page shows, measured by the library with the parameters of the run or counted.
 #pragma once
 
 #include <string>
@@ -10,6 +10,11 @@
 #include "programs/io/matrix.h"
 #include "programs/run_params.h"
 #include "tools/export/clustering.h"
+#include "tools/export/measures/cluster_rows.h"
+#include "tools/export/measures/cluster_sums.h"
+#include "tools/export/measures/cluster_words.h"
+#include "tools/export/measures/column_levels.h"
+#include "tools/export/wording.h"
 
 namespace mardle::exporting {
 
@@ -20,9 +25,10 @@ struct PageRun {
   const std::string& tree_name;  // empty: the tree over the clusters is computed
   const RunParams& params;       // models, criteria, number of features
   const Matrix& mat;
+  const Wording wording;
 };
 
-// Lists of columns, nfeatures a cluster or node, best first; -1 in slots without a column.
+// Lists of columns, nfeatures a node, best first; -1 in slots without a column.
 struct FeatureLists {
   molva::Array<int> ids;
   molva::Array<float> weights;
@@ -39,15 +45,19 @@ struct ClusterTree {
 };
 
 struct PageNumbers {
-  int nclusters = 0;
+  explicit PageNumbers(const Clustering& clustering);
+
+  int nclusters;
+  ClusterRows rows;
+  ColumnLevels levels;
   float crvalue = 0;
   molva::Array<int> pwgts;
   molva::Array<float> cintsim, cintsdev, izscores, cextsim, cextsdev, ezscores;
-  FeatureLists descriptive, discriminating;
-  std::int64_t nclustered = 0;  // rows with a cluster
-  bool has_classes = false;     // two classes or more; the rest of this block needs them
-  molva::Rows<int> classdist;   // rows of each class in each cluster
-  molva::Array<int> ocldist;    // clustered rows of each class
+  std::vector<ClusterWords> words;              // of each cluster
+  std::vector<std::vector<Neighbour>> nearest;  // clusters to each, the most similar first
+  bool has_classes = false;    // two classes or more; the rest of this block needs them
+  molva::Rows<int> classdist;  // rows of each class in each cluster
+  molva::Array<int> ocldist;   // clustered rows of each class
   molva::Array<float> entropies, purities;
   float entropy = 0;
   float purity = 0;

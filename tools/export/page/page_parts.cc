@@ -5,24 +5,40 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <numeric>
 
 #include "tools/export/escape.h"
 
 namespace mardle::exporting {
+namespace {
 
-std::string Decimals(double value, int decimals) {
-  if (!std::isfinite(value)) return "n/a";
+// What printf makes of a number, and of the numbers before it.
+template <typename... Numbers>
+std::string Printed(const char* format, Numbers... values) {
   std::array<char, 400> text;
-  std::snprintf(text.data(), text.size(), "%.*f", decimals, value);
+  std::snprintf(text.data(), text.size(), format, values...);
   return text.data();
 }
 
+}  // namespace
+
+std::string Decimals(double value, int decimals) {
+  return std::isfinite(value) ? Printed("%.*f", decimals, value) : "n/a";
+}
+
+std::string FourDigits(double value) {
+  if (!std::isfinite(value)) return "n/a";
+  const bool is_whole = std::fabs(value) >= 999.5 && std::fabs(value) < 1e15;
+  return is_whole ? Grouped(std::llround(value)) : Printed("%.4g", value);
+}
+
+std::string Shortest(double value) { return Printed("%g", value); }
+
 std::string Grouped(std::int64_t count) {
   const std::string digits = std::to_string(count);
+  const std::size_t sign = count < 0 ? 1 : 0;
   std::string text;
   for (std::size_t i = 0; i < digits.size(); ++i) {
-    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
+    if (i > sign && (digits.size() - i) % 3 == 0) text += ',';
     text += digits[i];
   }
   return text;
@@ -33,67 +49,37 @@ std::string Percent(double share) {
   return Decimals(100 * shown, 2) + "%";
 }
 
-std::vector<int> ClassColours(const PageNumbers& numbers) {
-  if (!numbers.has_classes) return {};
-  std::vector<int> order(numbers.ocldist.size());
-  std::iota(order.begin(), order.end(), 0);
-  std::stable_sort(order.begin(), order.end(),
-                   [&](int a, int b) { return numbers.ocldist[a] > numbers.ocldist[b]; });
-  std::vector<int> colours(order.size());
-  for (std::size_t place = 0; place < order.size(); ++place) {
-    colours[static_cast<std::size_t>(order[place])] =
-        std::min(static_cast<int>(place), kOtherClasses);
-  }
-  return colours;
+std::string PercentText(double share) {
+  return std::isfinite(share) ? Decimals(100 * share, 1) + "\u00a0%" : "n/a";
 }
 
-namespace {
+std::string Counted(std::int64_t count, const std::string& one, const std::string& many) {
+  return Grouped(count) + " " + (count == 1 ? one : many);
+}
 
-// The rows of one colour in a strip.
-struct Piece {
-  int colour;
-  int rows;
+std::string CountedRows(const PageRun& run, std::int64_t count) {
+  return Counted(count, run.wording.row, run.wording.rows);
+}
+
+std::string Capital(std::string word) {
+  if (!word.empty() && word[0] >= 'a' && word[0] <= 'z') word[0] = static_cast<char>(word[0] - 32);
+  return word;
+}
+
+std::string LevelText(const PageNumbers& numbers, double level) {
+  return numbers.levels.are_shares() ? PercentText(level) : Printed("%.3g", level);
+}
+
+std::string NameText(const PageRun& run, const PageNumbers& numbers, int k) {
   std::string name;
-};
-
-// The classes of a cluster by colour, so that the order is the same in every strip.
-std::vector<Piece> Pieces(const PageRun& run, const PageNumbers& numbers,
-                          const std::vector<int>& colours, int cluster) {
-  if (!numbers.has_classes) return {{0, numbers.pwgts[cluster], "rows"}};
-  std::vector<Piece> pieces(kOtherClasses + 1, Piece{0, 0, "other classes"});
-  const std::span<const int> counts = numbers.classdist[cluster];
-  for (std::size_t c = 0; c < counts.size(); ++c) {
-    Piece& piece = pieces[static_cast<std::size_t>(colours[c])];
-    piece.colour = colours[c];
-    piece.rows += counts[c];
-    if (colours[c] != kOtherClasses) piece.name = run.mat.classnames[c];
+  for (const int column : NameOf(numbers.words[static_cast<std::size_t>(k)], kNameWords)) {
+    name += (name.empty() ? "" : ", ") + Html(run.mat.clabels[column]);
   }
-  std::erase_if(pieces, [](const Piece& piece) { return piece.rows == 0; });
-  return pieces;
+  return name;
 }
 
-}  // namespace
-
-void WriteClassStrip(const PageRun& run, const PageNumbers& numbers,
-                     const std::vector<int>& colours, int cluster, double share,
-                     std::ostream& out) {
-  const std::vector<Piece> pieces = Pieces(run, numbers, colours, cluster);
-  const double per_row = share / std::max(numbers.pwgts[cluster], 1);
-  std::string parts;
-  for (const Piece& piece : pieces) {
-    parts += (parts.empty() ? "" : ", ") + std::to_string(piece.rows) + " " + piece.name;
-  }
-  out << "<svg class=\"strip\" width=\"100%\" height=\"16\" role=\"img\" aria-label=\"Cluster "
-      << cluster << ": " << Html(parts) << "\">";
-  double begin = 0;
-  for (const Piece& piece : pieces) {
-    const double width = piece.rows * per_row;
-    out << "<rect class=\"c" << piece.colour << "\" x=\"" << Percent(begin) << "\" width=\""
-        << Percent(width) << "\" height=\"16\"><title>" << Html(piece.name) << ": " << piece.rows
-        << "</title></rect>";
-    begin += width;
-  }
-  out << "</svg>";
+std::string TitleText(const PageRun& run, const PageNumbers& numbers, int k) {
+  return std::to_string(k) + ": " + NameText(run, numbers, k);
 }
 
 std::vector<Feature> FeaturesOf(const PageRun& run, const FeatureLists& lists, int list) {

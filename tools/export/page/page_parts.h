@@ -14,19 +14,30 @@ namespace mardle::exporting {
 
 // A number with so many decimals; "n/a" when it is none.
 std::string Decimals(double value, int decimals);
+// A number in as few digits as tell it: "0.05".
+std::string Shortest(double value);
+// Four digits, with commas where they are whole: 1,500, 0.02345.
+std::string FourDigits(double value);
 // A count with commas: 46,873.
 std::string Grouped(std::int64_t count);
-// A share of 1 as the percentage that SVG takes: "37.5%".
+// A share of 1 as the percentage that SVG and CSS take: "37.50%".
 std::string Percent(double share);
+// A share of 1 as people write it, "37.5 %", with a blank at which no line ends.
+std::string PercentText(double share);
+// "1 document", "7,674 documents".
+std::string Counted(std::int64_t count, const std::string& one, const std::string& many);
+std::string CountedRows(const PageRun& run, std::int64_t count);
+// With a capital at its beginning.
+std::string Capital(std::string word);
 
-// The colour of each class: 0 to 7 for the most frequent, 8 for all others.
-std::vector<int> ClassColours(const PageNumbers& numbers);
-constexpr int kOtherClasses = 8;
+// The level of a column: a percentage, or for a dense matrix three digits of the average.
+std::string LevelText(const PageNumbers& numbers, double level);
 
-// A strip as wide as `share` of the place it has, cut by the classes of the rows in it. One colour
-// without classes.
-void WriteClassStrip(const PageRun& run, const PageNumbers& numbers,
-                     const std::vector<int>& colours, int cluster, double share, std::ostream& out);
+// The words by which a cluster is called, as HTML: "oil, crude, prices".
+std::string NameText(const PageRun& run, const PageNumbers& numbers, int k);
+// The same behind its number: "16: oil, crude, prices".
+std::string TitleText(const PageRun& run, const PageNumbers& numbers, int k);
+constexpr std::size_t kNameWords = 3;
 
 struct Feature {
   const char* name;
@@ -36,11 +47,15 @@ struct Feature {
 // rank nothing, and their columns are left out.
 std::vector<Feature> FeaturesOf(const PageRun& run, const FeatureLists& lists, int list);
 
-void WritePictures(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
-void WriteQualityTable(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
-void WriteFeatureCards(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+void WriteOverview(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+void WriteClusterCards(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 void WriteTreeSection(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+void WriteQuality(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+// The part of it that shows similarities as marks on an axis.
+void WriteSimilarityPicture(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 void WriteRowList(const PageRun& run, const PageNumbers& numbers, const Clustering& clustering,
                   std::ostream& out);
+// With which options the run was made.
+void WriteRunNotes(const PageRun& run, std::ostream& out);
 
 }  // namespace mardle::exporting

@@ -4,14 +4,15 @@
 #include "lib/support/tree_arrays.h"
 #include "programs/code_names.h"
 #include "tools/export/escape.h"
+#include "tools/export/page/class_strip.h"
 #include "tools/export/page/page_parts.h"
 
 namespace mardle::exporting {
 namespace {
 
-std::string Measures(const ClusterTree& tree, int x) {
+std::string Measures(const PageRun& run, const ClusterTree& tree, int x) {
   const bool is_root = x == tree.root;
-  return Grouped(tree.pwgts[x]) + (tree.pwgts[x] == 1 ? " row" : " rows") + " · ISim " +
+  return CountedRows(run, tree.pwgts[x]) + " · ISim " +
          Decimals(static_cast<double>(tree.isims[x]), 3) +
          (is_root ? "" : " · XSim " + Decimals(static_cast<double>(tree.xsims[x]), 3));
 }
@@ -21,13 +22,13 @@ std::string Words(const PageRun& run, int x, const FeatureLists& lists) {
   std::string words;
   for (const Feature& feature : FeaturesOf(run, lists, x)) {
     if (!words.empty()) words += ", ";
-    words += Html(feature.name) + " " + Decimals(100 * feature.share, 1) + "%";
+    words += Html(feature.name) + " " + PercentText(feature.share);
   }
   return words;
 }
 
 void WriteText(const PageRun& run, const ClusterTree& tree, int x, std::ostream& out) {
-  out << " <span class=\"dim\">" << Measures(tree, x) << "</span> <span class=\"words\">"
+  out << " <span class=\"dim\">" << Measures(run, tree, x) << "</span> <span class=\"words\">"
       << Words(run, x, tree.descriptive) << "</span>";
 }
 

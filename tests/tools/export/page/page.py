@@ -2,6 +2,7 @@
 """Checks pages of mardle-export: well-formed, self-contained, accessible as far as the text tells,
 safe against hostile labels, and with the numbers of mardle's own report.
    export_page.py MARDLE MARDLE_EXPORT SOURCES"""
+import colorsys
 import json
 import pathlib
 import re
@@ -75,6 +76,50 @@ def make_page(folder, *arguments):
     return Page(out.read_text(encoding="utf-8"))
 
 
+def report_lists(report):
+    """The descriptive and the discriminating columns of every cluster of a report, with their shares."""
+    return [re.findall(r"(\S+) +([\d.]+)%", line) for line in report.splitlines()
+            if re.match(r" +(Descriptive|Discriminating):", line)]
+
+
+def word_table(page, card):
+    """Lines of a card's table: word, mark, here, elsewhere, describes, tells apart."""
+    lines = []
+    for line in (e for e in page.within(card) if e["tag"] == "tr" and "tbody" in e["path"]):
+        cells = [e["text"].replace("\u00a0%", "") for e in page.within(line) if e["tag"] in ("th", "td")]
+        marks = [e["text"] for e in page.within(line) if e["tag"] == "small"]
+        word = cells[0].removesuffix(" " + marks[0]) if marks else cells[0]
+        lines.append((word, marks[0] if marks else "", *cells[1:]))
+    return lines
+
+
+def card_lists(page):
+    """The same lists as of a report, from the cards of a page."""
+    lists = []
+    for card in page.all("article", **{"class": "card"}):
+        table = word_table(page, card)
+        lists.append([(line[0], line[4]) for line in table if line[4] != "–"])
+        lists.append([(line[0], line[5]) for line in table if line[5] != "–"])
+    return lists
+
+
+def compare_lists(test, shown, told):
+    """Descriptive columns come in the order of the report, discriminating ones behind them."""
+    test.assertEqual(shown[0::2], told[0::2])
+    test.assertEqual([sorted(words) for words in shown[1::2]], [sorted(words) for words in told[1::2]])
+
+
+def word_of(page, k, word):
+    (card,) = page.all("article", id=f"cluster-{k}")
+    (line,) = [line for line in word_table(page, card) if line[0] == word]
+    return line
+
+
+def hue(colour):
+    red, green, blue = (int(colour[i:i + 2], 16) / 255 for i in (1, 3, 5))
+    return 360 * colorsys.rgb_to_hls(red, green, blue)[0]
+
+
 def luminance(colour):
     def linear(c):
         return c / 12.92 if c <= 0.04045 else ((c + 0.055) / 1.055) ** 2.4
@@ -99,7 +144,8 @@ class Federalist(unittest.TestCase):
         cls.report = run(MARDLE, "-showfeatures", "-showtree", "-labeltree", "-zscores",
                          f"-output={cls.clustering}", cls.matrix, 8, status=84)
         cls.full = run(MARDLE, "-fulltree", f"-writetree={tree}", "-nooutput", cls.matrix, 8, status=84)
-        cls.page = make_page(folder, "--matrix", cls.matrix, "--clustering", cls.clustering, "--tree", tree)
+        cls.page = make_page(folder, "--matrix", cls.matrix, "--clustering", cls.clustering, "--tree", tree,
+                             "--nfeatures", "5")
 
     @classmethod
     def tearDownClass(cls):
@@ -146,10 +192,13 @@ class Federalist(unittest.TestCase):
         for section in self.page.all("section"):
             self.assertIn(section["at"]["aria-labelledby"], ids)
 
-    def test_can_be_read_in_both_themes(self):
+    def themes(self):
         style = self.page.all("style")[0]["text"]
-        light, dark = [dict(re.findall(r"--(\w+): (#[0-9a-f]{6});", block))
-                       for block in re.findall(r":root \{(.*?)\}", style, re.S)]
+        return [dict(re.findall(r"--(\w+): (#[0-9a-f]{6});", block))
+                for block in re.findall(r":root \{(.*?)\}", style, re.S)]
+
+    def test_can_be_read_in_both_themes(self):
+        light, dark = self.themes()
         self.assertEqual(light.keys(), dark.keys())
         for theme in (light, dark):
             for ground in (theme["page"], theme["card"]):
@@ -157,6 +206,14 @@ class Federalist(unittest.TestCase):
                     self.assertGreaterEqual(contrast(theme[text], ground), 4.5, text)
             for mark in ["accent", *(f"c{i}" for i in range(9))]:
                 self.assertGreaterEqual(contrast(theme[mark], theme["card"]), 3, mark)
+            self.assertGreaterEqual(contrast(theme["ink"], theme["bar"]), 4.5)
+
+    def test_leaves_the_colours_of_the_classes_to_them(self):
+        for theme in self.themes():
+            for mark in ("accent", "link"):
+                for i in range(8):
+                    apart = abs(hue(theme[mark]) - hue(theme[f"c{i}"]))
+                    self.assertGreaterEqual(min(apart, 360 - apart), 15, f"{mark}, c{i}")
 
     def test_heads_with_the_solution(self):
         tiles = self.tiles()
@@ -164,7 +221,8 @@ class Federalist(unittest.TestCase):
             r"\[I2=(\S+)\], Entropy: (\S+), Purity: (\S+), FScore: (\S+)", self.full).groups()
         self.assertEqual((tiles["Entropy"], tiles["Purity"], tiles["F-score"]), (entropy, purity, fscore))
         self.assertEqual(f"{float(tiles['Criterion I2']):.2e}", value)
-        self.assertEqual((tiles["Clusters"], tiles["Rows"]), ("8", "85"))
+        header = self.page.all("header")[0]["text"]
+        self.assertIn("85 documents in 8 clusters by 5,274 words", header)
 
     def test_has_the_quality_table_of_the_report(self):
         wanted = [[field.lstrip("+") for field in line.split("|")[0].split()]
@@ -174,9 +232,9 @@ class Federalist(unittest.TestCase):
         found = [[cell["text"] for cell in self.page.within(line) if cell["tag"] in ("td", "th")]
                  for line in lines]
         self.assertEqual(len(wanted), 8)
-        self.assertEqual([cells[:8] for cells in found], wanted)
-        self.assertEqual(found[1][8], "Hamilton")  # 9 of 9
-        self.assertEqual(found[5][8], "disputed")  # 9 of 13
+        self.assertEqual([cells[:1] + cells[2:9] for cells in found], wanted)
+        self.assertEqual(found[1][9], "Hamilton")  # 9 of 9
+        self.assertEqual(found[5][9], "disputed")  # 9 of 13
 
     def test_has_the_class_scores_of_the_report(self):
         wanted = re.search(r"Max F-Score Value:(.*)", self.full)[1].split()
@@ -191,7 +249,7 @@ class Federalist(unittest.TestCase):
         counts = [line.split("|")[1].split() for line in self.report.splitlines()
                   if re.match(r"^ +\d+ +\d+ [+-]", line)]
         order = ["Hamilton", "Jay", "Madison", "Hamilton-and-Madison", "disputed"]
-        strips = [e for e in self.page.within(self.page.section("glance"))
+        strips = [e for e in self.page.within(self.page.section("quality"))
                   if e["tag"] == "svg" and e["at"]["class"] == "strip"]
         for k, (strip, wanted) in enumerate(zip(strips, counts, strict=True)):
             told = {name: n for n, name in re.findall(r"(\d+) ([^,]+)", strip["at"]["aria-label"].split(":")[1])}
@@ -200,12 +258,48 @@ class Federalist(unittest.TestCase):
             self.assertAlmostEqual(sum(widths), 100 * sum(map(int, wanted)) / 13, delta=0.05)
 
     def test_has_the_columns_of_the_report(self):
-        wanted = [re.findall(r"(\S+) +([\d.]+)%", line) for line in self.report.splitlines()
-                  if re.match(r" +(Descriptive|Discriminating):", line)]
-        lists = self.page.all("ol", **{"class": "features"})
-        self.assertEqual(len(lists), 16)
-        for shown, told in zip(lists, wanted, strict=True):
-            self.assertEqual(re.findall(r"(\S+) ([\d.]+)%", shown["text"]), told)
+        wanted = report_lists(self.report)
+        self.assertEqual(len(wanted), 16)
+        compare_lists(self, card_lists(self.page), wanted)
+
+    def test_counts_the_documents_of_every_word(self):
+        lines = self.matrix.read_text().splitlines()[1:]
+        holds = [{int(j) for j in line.split()[0::2]} for line in lines]
+        labels = pathlib.Path(f"{self.matrix}.clabel").read_text().splitlines()
+        clusters = [int(line.split()[0]) for line in self.clustering.read_text().splitlines()]
+        marks = set()
+        for k, card in enumerate(self.page.all("article", **{"class": "card"})):
+            for word, mark, here, elsewhere, *_ in word_table(self.page, card):
+                column = labels.index(word) + 1
+                inside = [column in held for held, cluster in zip(holds, clusters) if cluster == k]
+                outside = [column in held for held, cluster in zip(holds, clusters) if cluster != k]
+                shares = [sum(found) / len(found) for found in (inside, outside)]
+                for shown, share in zip((here, elsewhere), shares):
+                    self.assertAlmostEqual(float(shown), 100 * share, delta=0.0501)
+                if mark:
+                    self.assertEqual(mark, "rarer here" if shares[0] < shares[1] else "weaker here")
+                marks.add(mark)
+        self.assertEqual(marks, {"", "rarer here", "weaker here"})
+
+    def test_names_clusters_alike_everywhere(self):
+        names = [e["text"].split(" ", 1)[1] for e in self.page.all("h3")]
+        self.assertEqual(len(names), 8)
+        overview = [e for e in self.page.within(self.page.section("overview")) if e["tag"] == "b"]
+        self.assertEqual([e["text"] for e in overview], names)
+        for k, name in enumerate(names):
+            for link in self.page.all("a", href=f"#cluster-{k}"):
+                self.assertRegex(link["text"], rf"^({k} {name}( .*)?|{k}: {name}|{k}|Cluster {k})$")
+            for word in name.split(", "):
+                self.assertEqual(word_of(self.page, k, word)[1], "")
+
+    def test_shows_the_most_typical_documents(self):
+        labels = pathlib.Path(f"{self.matrix}.rlabel").read_text().splitlines()
+        lines = [line.split() for line in self.clustering.read_text().splitlines()]
+        for k, shown in enumerate(self.page.all("ul", **{"class": "typical"})):
+            members = [i for i, line in enumerate(lines) if int(line[0]) == k]
+            members.sort(key=lambda i: -float(lines[i][1]))
+            self.assertEqual([e["text"] for e in self.page.within(shown)],
+                             [labels[i] for i in members[:3]])
 
     def test_has_the_tree_of_the_report(self):
         wanted = re.findall(r"^[ |-]*(\d+) +\[ *(\d+), (\S+), (\S+)\] \[(.*)\]$", self.report, re.M)
@@ -217,9 +311,9 @@ class Federalist(unittest.TestCase):
             if element["tag"] != "summary" and not is_leaf:
                 continue
             number, size, isim, xsim = re.match(
-                r"(?:Node|Cluster) (\d+) (\d+) rows? · ISim (\S+)(?: · XSim (\S+))?", element["text"]).groups()
+                r"(?:Node|Cluster) (\d+) (\d+) documents? · ISim (\S+)(?: · XSim (\S+))?", element["text"]).groups()
             (words,) = [e["text"] for e in self.page.within(element) if e["at"].get("class") == "words"]
-            found.append((number, size, isim, xsim or "0.000", words))
+            found.append((number, size, isim, xsim or "0.000", words.replace("\u00a0%", "%")))
         self.assertEqual(found, [(*numbers, re.sub(" +", " ", words)) for *numbers, words in wanted])
         self.assertEqual(len([e for e in self.page.within(tree) if e["tag"] == "details"]), 7)
 
@@ -241,7 +335,7 @@ class Parameters(unittest.TestCase):
     """Runs under other parameters: the page shows their reports' numbers too."""
     RUNS = [("-crfun=1", "-rowmodel=2"), ("-crfun=3", "-colmodel=1", "-rowmodel=3"),
             ("-crfun=6", "-prune=0.6", "-rowmodel=4"), ("-sim=2", "-crfun=4"),
-            ("-crfun=9", "-treecrfun=1"), ("-denseinput", "-crfun=5", "-nfeatures=3")]
+            ("-crfun=9", "-treecrfun=1"), ("-denseinput", "-crfun=5")]
 
     def setUp(self):
         scratch = tempfile.TemporaryDirectory()
@@ -269,19 +363,16 @@ class Parameters(unittest.TestCase):
         clustering = self.folder / "c"
         of_run = [option for option in options if not option.startswith("-treecrfun")]
         report = run(MARDLE, "-showfeatures", f"-output={clustering}", *of_run, matrix, 4, status=84)
-        page = make_page(self.folder, "--matrix", matrix, "--clustering", clustering,
+        page = make_page(self.folder, "--matrix", matrix, "--clustering", clustering, "--nfeatures", "5",
                          *("-" + option for option in options))
         wanted = [[re.sub(r"^[+-](nan|inf)$", "n/a", field).lstrip("+") for field in line.split("|")[0].split()]
                   for line in report.splitlines() if re.match(r"^ +\d+ +\d+ [+-]", line)]
-        cells = [e["text"] for e in page.within(page.section("quality")) if e["tag"] in ("td", "th")][6:]
-        self.assertEqual([cells[i:i + 6] for i in range(0, len(cells), 6)], wanted)
+        cells = [e["text"] for e in page.within(page.section("quality")) if e["tag"] in ("td", "th")][7:]
+        self.assertEqual([cells[i:i + 1] + cells[i + 2:i + 7] for i in range(0, len(cells), 7)], wanted)
         name, value = re.search(r"\[(\S+)=(\S+)\]", report).groups()
         tiles = dict(zip([e["text"] for e in page.all("dt")], [e["text"] for e in page.all("dd")]))
         self.assertAlmostEqual(float(tiles["Criterion " + name]) / float(value), 1, delta=0.0056)
-        told = [re.findall(r"(\S+) +([\d.]+)%", line) for line in report.splitlines()
-                if re.match(r" +(Descriptive|Discriminating):", line)]
-        shown = [re.findall(r"(\S+) ([\d.]+)%", e["text"]) for e in page.all("ol", **{"class": "features"})]
-        self.assertEqual(shown, told)
+        compare_lists(self, card_lists(page), report_lists(report))
 
 
 class Chains(unittest.TestCase):
@@ -330,12 +421,11 @@ class Labels(unittest.TestCase):
         self.assertEqual(len(page.all("script")), 2)
         self.assertEqual(page.data()["labels"], self.HOSTILE)
         self.assertEqual(page.data()["classnames"], self.HOSTILE)
-        self.assertEqual(len(page.all("b")), 1)  # of the tree's only inner node
-        self.assertEqual(page.all("i"), [])
+        self.assertEqual(len(page.all("b")), 1 + 2)  # the tree's only inner node, two names
         self.assertEqual(page.all("h1")[0]["text"], "<i>m&")
         for element in page.elements:
             self.assertFalse([name for name in element["at"] if name.startswith("on")])
-        columns = {e["text"] for e in page.all("span", **{"class": "name"})}
+        columns = {line[0] for card in page.all("article") for line in word_table(page, card)}
         self.assertEqual(columns, set(self.HOSTILE))
         options = [e["text"] for e in page.all("option")]
         self.assertTrue(set(self.HOSTILE) <= set(options))

@@ -1,13 +1,33 @@
 // SPDX-License-Identifier: MIT
 //
-// The table of the clusters, with the numbers of the run's own report, and that of the classes.
+// How good the solution is: its numbers as a whole, the similarities of the clusters, their table
+// with the numbers of the run's own report, and that of the classes.
 #include <algorithm>
 
+#include "programs/code_names.h"
 #include "tools/export/escape.h"
 #include "tools/export/page/page_parts.h"
 
 namespace mardle::exporting {
 namespace {
+
+void WriteTile(const std::string& name, const std::string& value, std::ostream& out) {
+  out << "<div><dt>" << name << "</dt><dd>" << value << "</dd></div>\n";
+}
+
+void WriteTiles(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
+  out << "<dl class=\"tiles\">\n";
+  WriteTile("Criterion " + Html(CriterionName(run.params.crfun)),
+            FourDigits(static_cast<double>(numbers.crvalue)), out);
+  if (numbers.has_classes) {
+    WriteTile("Entropy", Decimals(static_cast<double>(numbers.entropy), 3), out);
+    WriteTile("Purity", Decimals(static_cast<double>(numbers.purity), 3), out);
+  }
+  if (numbers.has_fscores) {
+    WriteTile("F-score", Decimals(static_cast<double>(numbers.fscore), 3), out);
+  }
+  out << "</dl>\n";
+}
 
 // A scrolling frame that the keyboard reaches too.
 void OpenTable(const char* caption, const char* width, std::ostream& out) {
@@ -32,7 +52,8 @@ void WriteLargestClass(const PageRun& run, const PageNumbers& numbers, int k, st
 }
 
 void WriteCluster(const PageRun& run, const PageNumbers& numbers, int k, std::ostream& out) {
-  out << "<tr><th scope=\"row\"><a href=\"#cluster-" << k << "\">" << k << "</a></th><td>"
+  out << "<tr><th scope=\"row\"><a href=\"#cluster-" << k << "\">" << k
+      << "</a></th><td class=\"text\">" << NameText(run, numbers, k) << "</td><td>"
       << Grouped(numbers.pwgts[k]) << "</td>";
   WriteCell(numbers.cintsim[k], out);
   WriteCell(numbers.cintsdev[k], out);
@@ -49,7 +70,7 @@ void WriteCluster(const PageRun& run, const PageNumbers& numbers, int k, std::os
 void WriteFScores(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
   OpenTable("Classes in the complete tree", "narrow", out);
   WriteHead("Class", "The name of the class", out);
-  WriteHead("Size", "Clustered rows of the class", out);
+  WriteHead("Size", "How many of the class have a cluster", out);
   WriteHead("F-score", "Of the node of the complete tree that fits the class best", out);
   out << "</tr></thead>\n<tbody>\n";
   for (int c = 0; c < run.mat.nclasses; ++c) {
@@ -63,16 +84,19 @@ void WriteFScores(const PageRun& run, const PageNumbers& numbers, std::ostream& 
 
 }  // namespace
 
-void WriteQualityTable(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
+void WriteQuality(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
   out << "<section id=\"quality\" aria-labelledby=\"quality-heading\">\n"
          "<h2 id=\"quality-heading\">Quality</h2>\n";
+  WriteTiles(run, numbers, out);
+  WriteSimilarityPicture(run, numbers, out);
   OpenTable("Quality of the clusters", "wide", out);
   WriteHead("Cluster", "Numbered by falling internal minus external similarity", out);
-  WriteHead("Size", "Rows of the cluster", out);
-  WriteHead("ISim", "Average similarity of two rows of the cluster", out);
-  WriteHead("ISdev", "Deviation of ISim over the rows", out);
-  WriteHead("ESim", "Average similarity of a row inside and a row outside", out);
-  WriteHead("ESdev", "Deviation of ESim over the rows", out);
+  out << "<th scope=\"col\" class=\"text\">Name</th>";
+  WriteHead("Size", "How many it holds", out);
+  WriteHead("ISim", "Average similarity of two members", out);
+  WriteHead("ISdev", "Deviation of ISim over its members", out);
+  WriteHead("ESim", "Average similarity of a member and one of the others", out);
+  WriteHead("ESdev", "Deviation of ESim over its members", out);
   if (numbers.has_classes) {
     WriteHead("Entropy", "0 when one class fills the cluster, 1 when all share it evenly", out);
     WriteHead("Purity", "Share of the largest class", out);

@@ -63,7 +63,9 @@ void WriteClassChoice(const PageRun& run, std::ostream& out) {
 void WriteRowList(const PageRun& run, const PageNumbers& numbers, const Clustering& clustering,
                   std::ostream& out) {
   out << "<section id=\"rows\" aria-labelledby=\"rows-heading\">\n"
-         "<h2 id=\"rows-heading\">Rows</h2>\n"
+         "<h2 id=\"rows-heading\">"
+      << Capital(run.wording.rows)
+      << "</h2>\n"
          "<noscript><p>The list of rows needs the page’s script.</p></noscript>\n"
          "<div id=\"row-view\" hidden>\n<form class=\"tools\" role=\"search\">\n"
          "<label>Search <input id=\"row-search\" type=\"search\" autocomplete=\"off\" "
@@ -71,8 +73,8 @@ void WriteRowList(const PageRun& run, const PageNumbers& numbers, const Clusteri
   WriteClusterChoice(numbers.nclusters, out);
   if (numbers.has_classes) WriteClassChoice(run, out);
   out << "</form>\n<p id=\"row-count\" role=\"status\"></p>\n"
-         "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Rows\"><table>\n"
-         "<caption>Rows and their z-scores</caption>\n<thead><tr>";
+         "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"The list\"><table>\n"
+         "<caption>With their z-scores: how many deviations each stands above its cluster’s average</caption>\n<thead><tr>";
   WriteHead("row", "Row", "text", out);
   WriteHead("labels", "Label", "text", out);
   if (numbers.has_classes) WriteHead("classes", "Class", "text", out);
