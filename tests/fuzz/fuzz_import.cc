@@ -62,7 +62,7 @@ ImportOptions OptionsFrom(Input& input, InputFormat format) {
   }
   if (format == InputFormat::kTable) {
     options.table.no_header = bits[2];
-    if (bits[3]) options.table.text_column = "3";
+    if (bits[3]) options.table.text_columns = {"3"};
     if (!bits[3]) {
       options.preparation.sparse = (choice & 16) != 0;
       options.preparation.missing = static_cast<mardle::tools::Missing>((choice >> 5) % 5);

@@ -17,7 +17,8 @@ import tempfile
 import time
 import unittest
 
-TEXTS = pathlib.Path(__file__).resolve().parent / "data" / "texts"
+DATA = pathlib.Path(__file__).resolve().parent / "data"
+TEXTS = DATA / "texts"
 MARDLE, IMPORT, RUN, EXPORT = (os.path.abspath(path) for path in sys.argv[1:5])
 
 
@@ -102,10 +103,73 @@ class Importing(EndToEnd):
         run = self.run_tool("-showfeatures", "texts.mat", 0)
         self.assertEqual((run.returncode, run.stderr), (0, ""))
         self.assertIn("Entropy: 0.000, Purity: 1.000", run.stdout)
-        clusters = dict(zip(self.lines("texts.mat.rclass"), self.lines("texts.mat.clustering.3")))
-        pairs = set(zip(self.lines("texts.mat.rclass"), self.lines("texts.mat.clustering.3")))
-        self.assertEqual(pairs, set(clusters.items()))
-        self.assertEqual(sorted(clusters), ["garden", "music", "sea"])
+        self.assert_clusters_are(self.lines("texts.mat.rclass"), "texts.mat.clustering.3")
+        self.assertEqual(sorted(set(self.lines("texts.mat.rclass"))), ["garden", "music", "sea"])
+
+    def clusters_of(self, classes, clustering):
+        """The clusters in which the rows of each class are."""
+        found = {}
+        for name, cluster in zip(classes, self.lines(clustering)):
+            found.setdefault(name, set()).add(cluster)
+        return found
+
+    def assert_clusters_are(self, classes, clustering):
+        found = self.clusters_of(classes, clustering)
+        self.assertTrue(all(len(clusters) == 1 for clusters in found.values()), found)
+        self.assertEqual(len(set.union(*found.values())), len(found), found)
+
+    def test_german_texts_are_clustered_by_their_subject(self):
+        made = self.call(IMPORT, "--folder-classes", "--stop-words", "german", "--stem", "german",
+                         DATA / "german", "g.mat")
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+        words = self.lines("g.mat.clabel")
+        self.assertIn("apfelbaum", words)
+        self.assertTrue({"der", "die", "und"}.isdisjoint(words), words)
+        self.assertEqual(self.run_tool("g.mat", 2).returncode, 0)
+        self.assert_clusters_are(self.lines("g.mat.rclass"), "g.mat.clustering.2")
+
+    def test_japanese_lines_are_cut_into_words(self):
+        made = self.call(IMPORT, "--stop-words", "japanese", DATA / "japanese.txt", "j.mat")
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+        words = self.lines("j.mat.clabel")
+        self.assertTrue({"ファイル", "圧縮", "印刷", "ジョブ"} <= set(words), words)
+        self.assertTrue(self.lines("j.mat.rlabel")[1].startswith("ファイルを圧縮します。"))
+        self.assertEqual(self.run_tool("j.mat", 3).returncode, 0)
+        clusters = self.lines("j.mat.clustering.3")
+        self.assertEqual(clusters[1], clusters[2], "compressing and unpacking")
+        self.assertEqual(clusters[4], clusters[5], "printing")
+
+    def test_several_columns_of_a_table_are_one_text(self):
+        made = self.call(IMPORT, "--label-column", "id", "--class-column", "rating",
+                         "--text-column", "title", "--text-column", "review",
+                         DATA / "reviews.csv", "r.mat")
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+        self.assertEqual(self.lines("r.mat.rlabel"), ["r1", "r2", "r3", "r4"])
+        words = self.lines("r.mat.clabel")
+        self.assertIn("café", words)
+        self.assertTrue({"quot", "amp", "eacute"}.isdisjoint(words), words)
+        self.assertEqual(self.run_tool("r.mat", 2).returncode, 0)
+        self.assert_clusters_are(self.lines("r.mat.rclass"), "r.mat.clustering.2")
+
+    def test_measurements_with_gaps_and_decimal_commas(self):
+        arguments = ["--label-column", "name", "--class-column", "site", "--decimal-comma",
+                     DATA / "measurements.csv", "m.mat"]
+        refused = self.call(IMPORT, *arguments)
+        self.assertEqual(refused.returncode, 1)
+        self.assertIn("2 values are missing in 2 rows: 1 in column 3 (width), 1 in column 4 (weight)",
+                      refused.stderr)
+        made = self.call(IMPORT, "--missing", "median", "--standardize", *arguments)
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+        self.assertIn("2 missing values filled with the median of their columns", made.stdout)
+        self.assertEqual(self.run_tool("-denseinput", "m.mat", 2).returncode, 0)
+        self.assert_clusters_are(self.lines("m.mat.rclass"), "m.mat.clustering.2")
+
+    def test_a_text_without_words_has_a_label_and_no_cluster(self):
+        self.write("l.txt", "red apple\n\nred sea\nblue sea\nblue apple\n")
+        self.assertEqual(self.call(IMPORT, "l.txt", "l.mat").returncode, 0)
+        self.assertEqual(self.lines("l.mat.rlabel")[1], "")
+        self.assertEqual(self.run_tool("l.mat", 2).returncode, 0)
+        self.assertEqual(self.lines("l.mat.clustering.2")[1], "-1")
 
     def test_a_table_is_clustered_as_the_summary_says(self):
         self.write("t.csv", "name,x,y\n" + "".join(

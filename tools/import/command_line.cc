@@ -60,8 +60,9 @@ void AddColumns(CLI::App& app, ImportOptions& options) {
       ->type_name("NAME|N");
   app.add_option("--class-column", table.class_column, "The column with the classes of the rows")
       ->type_name("NAME|N");
-  app.add_option("--text-column", table.text_column, "Count the words of this column of a table")
-      ->type_name("NAME|N");
+  app.add_option("--text-column", table.text_columns, "Count the words of this column of a table")
+      ->type_name("NAME|N")
+      ->allow_extra_args(false);
   app.add_option("--skip-column", table.skipped_columns, "Leave this column of a table out")
       ->type_name("NAME|N")
       ->allow_extra_args(false);
@@ -90,12 +91,22 @@ void AddTexts(CLI::App& app, ImportOptions& options) {
       ->type_name("PATTERN");
   app.add_flag("--folder-classes", options.folder.folder_classes,
                "The first folder below INPUT is the class");
-  app.add_option("--token-pattern", options.token_pattern,
-                 "What a word is; by default two letters or more")
-      ->type_name("REGEX");
-  app.add_option("--stop-words", options.stop_words,
-                 "Words to leave out: english (default), none or a file")
-      ->type_name("NAME|FILE");
+  WordOptions& words = options.words;
+  CLI::Option* const pattern = app.add_option("--token-pattern", words.rules.pattern,
+                                              "What a word is; by default two letters or more")
+                                   ->type_name("REGEX");
+  app.add_flag("--digits", words.rules.digits, "Digits may stand in words, too")->excludes(pattern);
+  app.add_option(
+         "--stop-words", words.stop_words,
+         "Words to leave out: a language (default english), none or a file; may be repeated")
+      ->type_name("NAME|FILE")
+      ->allow_extra_args(false);
+  app.add_option("--more-stop-words", words.more_stop_words, "Words to leave out as well")
+      ->type_name("NAME|FILE")
+      ->allow_extra_args(false);
+  app.add_option("--stem", words.stem_language, "Take the endings of a language off the words")
+      ->type_name("LANGUAGE");
+  app.add_flag("--pairs", words.pairs, "Count pairs of neighbouring words, too");
   app.add_option("--min-count", options.limits.min_count,
                  "Leave out words of fewer documents (default 2)")
       ->type_name("N")

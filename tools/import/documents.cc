@@ -7,13 +7,19 @@
 #include <filesystem>
 #include <vector>
 
+#include "tools/import/html_entities.h"
 #include "tools/import/text_input.h"
 #include "tools/text/fields.h"
+#include "tools/text/utf8.h"
 
 namespace mardle::tools {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Texts of one row stand apart like paragraphs.
+constexpr char kBetweenTexts[] = "\n\n";
+constexpr std::string_view kBlanksAndLineEnds = " \t\r\n";
 
 bool IsHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
@@ -86,6 +92,31 @@ void RequireColumn(std::optional<int> column, const std::optional<std::string_vi
   }
 }
 
+// A text without a label is called by its beginning.
+std::string BeginningOf(std::string_view text) {
+  constexpr int kCharacters = 80;
+  std::string beginning;
+  int characters = 0;
+  for (std::string_view word : FieldsOf(text, kBlanksAndLineEnds)) {
+    if (!beginning.empty() && ++characters < kCharacters) beginning += ' ';
+    for (; !word.empty() && characters < kCharacters; ++characters) {
+      const std::size_t length = std::max<std::size_t>(CharacterLength(word), 1);
+      beginning += word.substr(0, length);
+      word.remove_prefix(length);
+    }
+    if (characters >= kCharacters) break;
+  }
+  return beginning;
+}
+
+void VisitText(std::string_view raw, RowNames names, const Place& place,
+               const DocumentVisitor& visit) {
+  const std::string text = WithoutEntities(raw);
+  std::string beginning;
+  if (!names.label) names.label = beginning = BeginningOf(text);
+  visit({text, names, place});
+}
+
 }  // namespace
 
 FolderReport VisitFolder(const std::string& folder, const FolderOptions& options,
@@ -103,7 +134,7 @@ FolderReport VisitFolder(const std::string& folder, const FolderOptions& options
     }
     RowNames names{.label = file};
     if (options.folder_classes) names.class_name = FirstFolder(file);
-    visit({whole.text, names, {path, 0}});
+    VisitText(whole.text, names, {path, 0}, visit);
   }
   return report;
 }
@@ -113,23 +144,27 @@ void VisitLines(InputLines& input, const LineOptions& options, const DocumentVis
   std::string_view line;
   while (input.Next(line)) {
     if (!has_columns) {
-      visit({line, {}, input.place()});
+      VisitText(line, {}, input.place(), visit);
       continue;
     }
     RowNames names;
     const std::string text = TakeColumns(line, options, names);
     RequireColumn(options.label_column, names.label, input);
     RequireColumn(options.class_column, names.class_name, input);
-    visit({text, names, input.place()});
+    VisitText(text, names, input.place(), visit);
   }
 }
 
 void VisitTable(InputLines& input, const TableOptions& options, const DocumentVisitor& visit) {
   Table table(input, options);
+  std::string text;
   while (table.Next()) {
-    visit({*table.Field(table.text_column),
-           {table.Field(table.label_column), table.Field(table.class_column)},
-           table.place()});
+    text.clear();
+    for (const std::size_t column : table.text_columns) {
+      (text += text.empty() ? "" : kBetweenTexts) += table.fields()[column];
+    }
+    VisitText(text, {table.Field(table.label_column), table.Field(table.class_column)},
+              table.place(), visit);
   }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Where texts come from: the files of a folder, the lines of a file, a column of a table.
+// What stands as an HTML entity in them is the character, and a row that has no label gets
+// the first 80 characters of its text.
 #pragma once
 
 #include <cstdint>
@@ -53,7 +55,7 @@ struct LineOptions {
 };
 void VisitLines(InputLines& input, const LineOptions& options, const DocumentVisitor& visit);
 
-// Visits the cells of a table's text column.
+// Visits the rows of a table, whose texts are the cells in its text columns.
 void VisitTable(InputLines& input, const TableOptions& options, const DocumentVisitor& visit);
 
 }  // namespace mardle::tools

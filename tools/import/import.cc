@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tools/import/import.h"
 
+#include <algorithm>
 #include <climits>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
 
 #include "tools/import/matrix_market.h"
@@ -35,7 +37,9 @@ std::optional<int> LineColumn(const std::string& name) {
 // Those of a folder are looked at one by one, as they are read.
 std::vector<std::string> InputsOf(const ImportOptions& options) {
   std::vector<std::string> inputs = {options.input == "-" ? "/dev/stdin" : options.input};
-  if (IsStopWordFile(options.stop_words)) inputs.push_back(options.stop_words);
+  for (const auto* names : {&options.words.stop_words, &options.words.more_stop_words}) {
+    std::copy_if(names->begin(), names->end(), std::back_inserter(inputs), IsStopWordFile);
+  }
   return inputs;
 }
 
@@ -88,9 +92,7 @@ ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
 
 ImportResult ImportTexts(const ImportOptions& options, InputFormat format, InputLines* input,
                          Progress& progress) {
-  const StopWords stop_words = StopWordsNamed(options.stop_words);
-  TextTokens tokens(options.token_pattern);
-  TermCounts terms(tokens, stop_words);
+  TermCounts terms(options.words);
   const auto visit = [&](const Document& document) {
     terms.Add(document);
     progress.Step();
@@ -122,7 +124,7 @@ ImportResult ImportLines(const ImportOptions& options, InputFormat format, Input
     case InputFormat::kSvmlight:
       return {format, ImportSvmlight(input, options.output, options.zero_based, progress)};
     case InputFormat::kTable:
-      if (!options.table.text_column.empty()) break;
+      if (!options.table.text_columns.empty()) break;
       return ImportNumbers(options, input, progress);
     case InputFormat::kLines:
     case InputFormat::kFolder:

@@ -25,8 +25,7 @@ struct ImportOptions {
   bool zero_based = false;  // svmlight
   TableOptions table;       // the label and class columns are also those of lines
   FolderOptions folder;
-  std::string token_pattern = kDefaultTokenPattern;
-  std::string stop_words = "english";
+  WordOptions words;
   TermLimits limits;
   bool quiet = false;
 };

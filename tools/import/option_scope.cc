@@ -16,7 +16,7 @@ struct Kind {
 
 Kind KindOf(const ImportOptions& options, InputFormat format) {
   const bool is_table = format == InputFormat::kTable;
-  const bool has_text = !options.table.text_column.empty();
+  const bool has_text = !options.table.text_columns.empty();
   return {.table = is_table && !has_text,
           .table_of_texts = is_table && has_text,
           .lines = format == InputFormat::kLines,
@@ -37,13 +37,14 @@ void Require(bool useful, bool given, const char* option, InputFormat format) {
 void RefuseIdleOptions(const ImportOptions& options, InputFormat format) {
   static const ImportOptions kDefaults;
   const TableOptions& table = options.table;
+  const WordOptions& words = options.words;
   const Kind kind = KindOf(options, format);
   const auto require = [format](bool useful, bool given, const char* option) {
     Require(useful, given, option, format);
   };
   require(kind.AnyTable() || kind.lines, !table.label_column.empty(), "--label-column");
   require(kind.AnyTable() || kind.lines, !table.class_column.empty(), "--class-column");
-  require(kind.AnyTable(), !table.text_column.empty(), "--text-column");
+  require(kind.AnyTable(), !table.text_columns.empty(), "--text-column");
   require(kind.table, !table.skipped_columns.empty(), "--skip-column");
   require(kind.AnyTable(), table.delimiter.has_value(), "--delimiter");
   require(kind.AnyTable(), table.no_header, "--no-header");
@@ -54,8 +55,12 @@ void RefuseIdleOptions(const ImportOptions& options, InputFormat format) {
   require(kind.svmlight, options.zero_based, "--zero-based");
   require(kind.folder, options.folder.file_pattern != kDefaults.folder.file_pattern, "--files");
   require(kind.folder, options.folder.folder_classes, "--folder-classes");
-  require(kind.Texts(), options.token_pattern != kDefaults.token_pattern, "--token-pattern");
-  require(kind.Texts(), options.stop_words != kDefaults.stop_words, "--stop-words");
+  require(kind.Texts(), !words.rules.pattern.empty(), "--token-pattern");
+  require(kind.Texts(), words.rules.digits, "--digits");
+  require(kind.Texts(), words.stop_words != kDefaults.words.stop_words, "--stop-words");
+  require(kind.Texts(), !words.more_stop_words.empty(), "--more-stop-words");
+  require(kind.Texts(), !words.stem_language.empty(), "--stem");
+  require(kind.Texts(), words.pairs, "--pairs");
   require(kind.Texts(), options.limits.min_count != kDefaults.limits.min_count, "--min-count");
   require(kind.Texts(), options.limits.max_fraction < kDefaults.limits.max_fraction,
           "--max-fraction");

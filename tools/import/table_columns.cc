@@ -30,9 +30,11 @@ Table::Table(InputLines& input, const TableOptions& options)
   first_is_pending_ = !has_header_;
   label_column = Find(options.label_column);
   class_column = Find(options.class_column);
-  text_column = Find(options.text_column);
-  std::set<std::size_t> others;
-  for (const auto& column : {label_column, class_column, text_column}) {
+  for (const std::string& name : options.text_columns) {
+    if (const auto column = Find(name)) text_columns.push_back(*column);
+  }
+  std::set<std::size_t> others(text_columns.begin(), text_columns.end());
+  for (const auto& column : {label_column, class_column}) {
     if (column) others.insert(*column);
   }
   for (const std::string& name : options.skipped_columns) {

@@ -19,7 +19,7 @@ struct TableOptions {
   bool decimal_comma = false;
   std::string label_column;  // empty: none
   std::string class_column;
-  std::string text_column;
+  std::vector<std::string> text_columns;
   std::vector<std::string> skipped_columns;
 };
 
@@ -38,7 +38,7 @@ class Table {
 
   std::optional<std::size_t> label_column;
   std::optional<std::size_t> class_column;
-  std::optional<std::size_t> text_column;
+  std::vector<std::size_t> text_columns;
   std::vector<std::size_t> value_columns;  // all others that are not skipped
 
   bool has_header() const { return has_header_; }

@@ -72,12 +72,34 @@ void RefuseNoColumns(const std::string& output, std::size_t terms, const TermLim
 
 }  // namespace
 
-void TermCounts::Add(const Document& document) {
+TermCounts::TermCounts(const WordOptions& options)
+    : tokens_(options.rules), stop_words_(StopWordsOf(options.stop_words)), pairs_(options.pairs) {
+  stop_words_.merge(StopWordsOf(options.more_stop_words));
+  if (!options.stem_language.empty()) stemmer_.emplace(options.stem_language);
+}
+
+// A pair is of two words next to each other; over a stop word, a mark or a gap there is none.
+void TermCounts::CountWords(const Document& document) {
   occurrences_.clear();
   tokens_.Start(document.text, document.place);
+  std::string before;
   while (tokens_.Next(token_)) {
-    if (!stop_words_.contains(token_)) occurrences_.push_back(NumberOf(token_));
+    if (stop_words_.contains(token_)) {
+      before.clear();
+      continue;
+    }
+    if (stemmer_) stemmer_->Stem(token_);
+    occurrences_.push_back(NumberOf(token_));
+    if (!pairs_) continue;
+    if (tokens_.follows() && !before.empty()) {
+      occurrences_.push_back(NumberOf(before + ' ' + token_));
+    }
+    before = token_;
   }
+}
+
+void TermCounts::Add(const Document& document) {
+  CountWords(document);
   std::sort(occurrences_.begin(), occurrences_.end());
   has_labels_ = document.names.label.has_value();
   has_classes_ = document.names.class_name.has_value();

@@ -6,10 +6,12 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/import/documents.h"
+#include "tools/import/stemmer.h"
 #include "tools/import/stop_words.h"
 #include "tools/import/text_tokens.h"
 
@@ -21,10 +23,20 @@ struct TermLimits {
   double max_fraction = 1;  // of all documents
 };
 
+// What becomes of the words of a text.
+struct WordOptions {
+  WordRules rules;
+  std::vector<std::string> stop_words = {"english"};
+  std::vector<std::string> more_stop_words;
+  std::string stem_language;  // empty: words stay whole
+  bool pairs = false;         // two neighbouring words are a column, too
+  bool operator==(const WordOptions&) const = default;
+};
+
 class TermCounts {
  public:
-  TermCounts(TextTokens& tokens, const StopWords& stop_words)
-      : tokens_(tokens), stop_words_(stop_words) {}
+  // Throws std::invalid_argument or FileError when the options are wrong.
+  explicit TermCounts(const WordOptions& options);
 
   void Add(const Document& document);
 
@@ -38,13 +50,16 @@ class TermCounts {
     std::uint64_t counts;  // where the document's counts begin
   };
 
+  void CountWords(const Document& document);
   std::uint32_t NumberOf(const std::string& term);
   std::vector<const std::string*> Terms() const;
 
-  TextTokens& tokens_;
-  const StopWords& stop_words_;
+  TextTokens tokens_;
+  StopWords stop_words_;
+  std::optional<Stemmer> stemmer_;
+  bool pairs_;
   std::map<std::string, std::uint32_t> numbers_;  // no text can make its words collide
-  std::vector<std::int32_t> document_counts_;  // of each term
+  std::vector<std::int32_t> document_counts_;     // of each term
   std::vector<Row> rows_;
   std::vector<unsigned char> counts_;  // pairs of term and count, as numbers of 7-bit pieces
   bool has_labels_ = false;

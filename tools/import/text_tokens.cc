@@ -2,6 +2,7 @@
 #include "tools/import/text_tokens.h"
 
 #include <unicode/locid.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 #include <climits>
@@ -27,6 +28,11 @@ std::unique_ptr<icu::RegexMatcher> Matcher(const std::string& pattern) {
   return matcher;
 }
 
+std::string PatternOf(const WordRules& rules) {
+  if (!rules.pattern.empty()) return rules.pattern;
+  return rules.digits ? kDigitsTokenPattern : kDefaultTokenPattern;
+}
+
 }  // namespace
 
 std::string LowerCase(std::string_view text) {
@@ -34,7 +40,8 @@ std::string LowerCase(std::string_view text) {
   return LowerCased(text).toUTF8String(lower);
 }
 
-TextTokens::TextTokens(const std::string& pattern) : matcher_(Matcher(pattern)) {
+TextTokens::TextTokens(const WordRules& rules) : matcher_(Matcher(PatternOf(rules))) {
+  if (rules.pattern.empty()) cuts_ = std::make_unique<WordCuts>();
   UErrorCode status = U_ZERO_ERROR;
   matcher_->setMatchCallback(&TextTokens::GoesOn, this, status);
 }
@@ -57,9 +64,22 @@ void TextTokens::Start(std::string_view text, const Place& place) {
   text_ = LowerCased(text);
   characters_ += text_.length();
   matcher_->reset(text_);
+  pieces_.clear();
+  next_piece_ = 0;
+  last_end_ = -1;
 }
 
 bool TextTokens::Next(std::string& token) {
+  while (next_piece_ == pieces_.size()) {
+    if (!Find()) return false;
+  }
+  const WordCuts::Piece piece = pieces_[next_piece_++];
+  TakePiece(found_ + piece.begin, found_ + piece.end, token);
+  return true;
+}
+
+// The next that the pattern finds, as pieces. False behind the last.
+bool TextTokens::Find() {
   UErrorCode status = U_ZERO_ERROR;
   do {
     if (!matcher_->find(status)) {
@@ -74,10 +94,34 @@ bool TextTokens::Next(std::string& token) {
       return false;
     }
   } while (matcher_->start(status) == matcher_->end(status));
-  const std::int32_t begin = matcher_->start(status);
-  token.clear();
-  text_.tempSubStringBetween(begin, matcher_->end(status)).toUTF8String(token);
+  found_ = matcher_->start(status);
+  next_piece_ = 0;
+  const std::int32_t end = matcher_->end(status);
+  const icu::UnicodeString letters = text_.tempSubStringBetween(found_, end);
+  if (cuts_ && cuts_->AreNeededIn(letters)) {
+    cuts_->Cut(letters, pieces_);
+  } else {
+    pieces_.assign(1, {0, end - found_});
+  }
   return true;
+}
+
+void TextTokens::TakePiece(std::int32_t begin, std::int32_t end, std::string& token) {
+  follows_ = OnlyBlanksBefore(begin);
+  last_end_ = end;
+  token.clear();
+  text_.tempSubStringBetween(begin, end).toUTF8String(token);
+}
+
+bool TextTokens::OnlyBlanksBefore(std::int32_t begin) const {
+  if (last_end_ < 0) return false;
+  int line_ends = 0;
+  for (std::int32_t i = last_end_; i < begin; ++i) {
+    const char16_t unit = text_[i];
+    if (u_isUWhiteSpace(unit) == 0) return false;
+    if (unit == u'\n') ++line_ends;
+  }
+  return line_ends < 2;
 }
 
 }  // namespace mardle::tools

@@ -81,7 +81,7 @@ TEST(Import, OptionsWithoutUseAreRefused) {
   } kCases[] = {
       {"x.svm", "1 1:1\n", "--label-column", [](auto& o) { o.table.label_column = "name"; }},
       {"x.svm", "1 1:1\n", "--class-column", [](auto& o) { o.table.class_column = "kind"; }},
-      {"x.txt", "a b\n", "--text-column", [](auto& o) { o.table.text_column = "text"; }},
+      {"x.txt", "a b\n", "--text-column", [](auto& o) { o.table.text_columns = {"text"}; }},
       {"x.txt", "a b\n", "--skip-column", [](auto& o) { o.table.skipped_columns = {"1"}; }},
       {"x.txt", "a b\n", "--delimiter", [](auto& o) { o.table.delimiter = ';'; }},
       {"x.txt", "a b\n", "--no-header", [](auto& o) { o.table.no_header = true; }},
@@ -92,8 +92,12 @@ TEST(Import, OptionsWithoutUseAreRefused) {
       {"x.csv", "a\n1\n", "--zero-based", [](auto& o) { o.zero_based = true; }},
       {"x.csv", "a\n1\n", "--files", [](auto& o) { o.folder.file_pattern = "*.x"; }},
       {"x.csv", "a\n1\n", "--folder-classes", [](auto& o) { o.folder.folder_classes = true; }},
-      {"x.csv", "a\n1\n", "--token-pattern", [](auto& o) { o.token_pattern = "[a-z]+"; }},
-      {"x.csv", "a\n1\n", "--stop-words", [](auto& o) { o.stop_words = "none"; }},
+      {"x.csv", "a\n1\n", "--token-pattern", [](auto& o) { o.words.rules.pattern = "[a-z]+"; }},
+      {"x.csv", "a\n1\n", "--digits", [](auto& o) { o.words.rules.digits = true; }},
+      {"x.csv", "a\n1\n", "--more-stop-words", [](auto& o) { o.words.more_stop_words = {"de"}; }},
+      {"x.csv", "a\n1\n", "--stem", [](auto& o) { o.words.stem_language = "german"; }},
+      {"x.csv", "a\n1\n", "--pairs", [](auto& o) { o.words.pairs = true; }},
+      {"x.csv", "a\n1\n", "--stop-words", [](auto& o) { o.words.stop_words = {"none"}; }},
       {"x.csv", "a\n1\n", "--min-count", [](auto& o) { o.limits.min_count = 1; }},
       {"x.csv", "a\n1\n", "--max-fraction", [](auto& o) { o.limits.max_fraction = 0.5; }},
   };
@@ -145,6 +149,15 @@ TEST(ImportOptions, EachSetsItsField) {
                       "--drop-empty",
                       "--force",
                       "--quiet",
+                      "--text-column",
+                      "v",
+                      "--stop-words",
+                      "f",
+                      "--more-stop-words",
+                      "g",
+                      "--stem",
+                      "french",
+                      "--pairs",
                       "--encoding",
                       "latin1",
                       "--decimal-comma",
@@ -157,7 +170,7 @@ TEST(ImportOptions, EachSetsItsField) {
   EXPECT_EQ(options.format, InputFormat::kTable);
   EXPECT_EQ(options.table.label_column, "l");
   EXPECT_EQ(options.table.class_column, "c");
-  EXPECT_EQ(options.table.text_column, "t");
+  EXPECT_EQ(options.table.text_columns, (std::vector<std::string>{"t", "v"}));
   EXPECT_EQ(options.table.skipped_columns, (std::vector<std::string>{"s", "u"}));
   EXPECT_EQ(options.table.delimiter, '\t');
   EXPECT_TRUE(options.table.no_header);
@@ -165,8 +178,11 @@ TEST(ImportOptions, EachSetsItsField) {
   EXPECT_TRUE(options.zero_based);
   EXPECT_EQ(options.folder.file_pattern, "*.x");
   EXPECT_TRUE(options.folder.folder_classes);
-  EXPECT_EQ(options.token_pattern, "x+");
-  EXPECT_EQ(options.stop_words, "none");
+  EXPECT_EQ(options.words.rules.pattern, "x+");
+  EXPECT_EQ(options.words.stop_words, (std::vector<std::string>{"none", "f"}));
+  EXPECT_EQ(options.words.more_stop_words, (std::vector<std::string>{"g"}));
+  EXPECT_EQ(options.words.stem_language, "french");
+  EXPECT_TRUE(options.words.pairs);
   EXPECT_EQ(options.limits.min_count, 3);
   EXPECT_EQ(options.limits.max_fraction, 0.5);
   EXPECT_TRUE(options.output.drop_empty);
@@ -188,6 +204,7 @@ TEST(ImportOptions, WrongOnesEndWithStatusTwo) {
       {"--min-count", "0", "in", "out"},
       {"--max-fraction", "1.5", "in", "out"},
       {"--delimiter", "ab", "in", "out"},
+      {"--digits", "--token-pattern", "x", "in", "out"},
       {"--missing", "guess", "in", "out"},
   };
   for (const auto& arguments : kWrong) {

@@ -9,19 +9,23 @@
 #include <vector>
 
 #include "tests/tools/import/imported.h"
+#include "tools/import/html_entities.h"
+#include "tools/import/stemmer.h"
+#include "tools/import/stop_word_lists.h"
 #include "tools/import/stop_words.h"
 #include "tools/import/text_tokens.h"
+#include "tools/text/fields.h"
 
 namespace {
 
-using mardle::tools::kDefaultTokenPattern;
+using mardle::tools::WordRules;
 using testing_support::Imported;
 using testing_support::ReadText;
 using testing_support::TempFolder;
 using Texts = std::vector<std::string>;
 
-Texts WordsOf(const std::string& text, const std::string& pattern = kDefaultTokenPattern) {
-  mardle::tools::TextTokens tokens(pattern);
+Texts WordsOf(const std::string& text, const WordRules& rules = {}) {
+  mardle::tools::TextTokens tokens(rules);
   tokens.Start(text, {"text", 0});
   Texts words;
   std::string word;
@@ -48,15 +52,15 @@ TEST(TextTokens, BytesThatAreNoTextSeparateWords) {
 }
 
 TEST(TextTokens, AnotherPatternCutsOtherWords) {
-  EXPECT_EQ(WordsOf("A-1 b", "[a-z0-9-]*"), (Texts{"a-1", "b"}));
-  EXPECT_THROW(WordsOf("", "(["), std::invalid_argument);
+  EXPECT_EQ(WordsOf("A-1 b", {.pattern = "[a-z0-9-]*"}), (Texts{"a-1", "b"}));
+  EXPECT_THROW(WordsOf("", {.pattern = "(["}), std::invalid_argument);
 }
 
 // Each of the 60 letters doubles the ways to cut the text, and none of them ends in an exclamation
 // mark.
 TEST(TextTokens, APatternThatTakesTooLongIsAnError) {
   try {
-    WordsOf(std::string(60, 'a'), "(a+)+!");
+    WordsOf(std::string(60, 'a'), {.pattern = "(a+)+!"});
     FAIL() << "no failure";
   } catch (const mardle::tools::FileError& error) {
     EXPECT_STREQ(error.what(),
@@ -70,6 +74,101 @@ TEST(TextTokens, LongTextsMayTakeTheirTime) {
   for (int i = 0; i < 1000000; ++i) text += "word ";
   EXPECT_EQ(WordsOf(text).size(), 1000000U);
   EXPECT_EQ(WordsOf(std::string(10000000, 'w')).size(), 1U);
+}
+
+TEST(TextTokens, DigitsMayStandInWords) {
+  EXPECT_EQ(WordsOf("mp3 2024 x 7", {.digits = true}), (Texts{"mp3", "2024"}));
+  EXPECT_EQ(WordsOf("mp3 2024 x 7"), (Texts{"mp"}));
+}
+
+// "Files are compressed" and "the Linux kernel": particles of one kana are no words.
+TEST(TextTokens, UnspacedScriptsAreCutByTheirDictionaries) {
+  EXPECT_EQ(WordsOf("ファイルを圧縮"), (Texts{"ファイル", "圧縮"}));
+  EXPECT_EQ(WordsOf("Linuxのカーネル"), (Texts{"linux", "カーネル"}));
+  EXPECT_EQ(WordsOf("我们喜欢音乐"), (Texts{"我们", "喜欢", "音乐"}));
+  EXPECT_EQ(WordsOf("ภาษาไทย"), (Texts{"ภาษา", "ไทย"}));
+}
+
+TEST(TextTokens, ASingleIdeographIsAWord) { EXPECT_EQ(WordsOf("山、水。あ"), (Texts{"山", "水"})); }
+
+TEST(TextTokens, UnderAPatternOfOnesOwnNothingIsCut) {
+  EXPECT_EQ(WordsOf("ファイルを圧縮", {.pattern = "\\p{L}+"}), (Texts{"ファイルを圧縮"}));
+}
+
+TEST(TextTokens, KnowWhetherTheyFollowEachOther) {
+  mardle::tools::TextTokens tokens({});
+  tokens.Start("aa bb\ncc, dd\n\nee 1 ff", {"text", 0});
+  std::vector<bool> follow;
+  std::string word;
+  while (tokens.Next(word)) follow.push_back(tokens.follows());
+  EXPECT_EQ(follow, (std::vector<bool>{false, true, true, false, false, false}));
+  tokens.Start("gg", {"text", 0});
+  EXPECT_TRUE(tokens.Next(word));
+  EXPECT_FALSE(tokens.follows());
+}
+
+TEST(Stemmer, TakesEndingsOff) {
+  const auto stem = [](const char* language, std::string word) {
+    mardle::tools::Stemmer(language).Stem(word);
+    return word;
+  };
+  EXPECT_EQ(stem("english", "connections"), "connect");
+  EXPECT_EQ(stem("german", "häuser"), "haus");
+  EXPECT_EQ(stem("de", "katzen"), "katz");
+  const std::string no_word(2000, 's');
+  EXPECT_EQ(stem("english", no_word), no_word);
+}
+
+TEST(Stemmer, ALanguageWithoutOneIsRefusedWithThoseThatHaveOne) {
+  try {
+    mardle::tools::Stemmer("germn");
+    FAIL() << "no failure";
+  } catch (const std::invalid_argument& error) {
+    const std::string message = error.what();
+    EXPECT_TRUE(message.starts_with(
+        "there is no stemmer for 'germn'; did you mean 'german'? There are arabic, "))
+        << message;
+  }
+}
+
+TEST(HtmlEntities, BecomeCharacters) {
+  using mardle::tools::WithoutEntities;
+  EXPECT_EQ(WithoutEntities("caf&eacute; &amp; th&#233; &#xE9;&#XE9; &hellip; &Aacute;&zwnj;"),
+            "café & thé éé … Á\xe2\x80\x8c");
+  EXPECT_EQ(WithoutEntities("&apos;&thetasym;&AElig;"), "'ϑÆ");
+}
+
+TEST(HtmlEntities, WhatIsNoneStays) {
+  using mardle::tools::WithoutEntities;
+  for (const char* text :
+       {"AT&T", "&", "&;", "&nosuch;", "a & b; c", "&#;", "&#0;", "&#xd800;", "&#1114112;", "&#x;",
+        "&# 65;", "&#-1;", "&EACUTE;", "&amp", "&averylongnamethatisnone;"}) {
+    EXPECT_EQ(WithoutEntities(text), text);
+  }
+}
+
+TEST(StopWords, OfEachLanguageAreWordsInLowerCaseGivenOnce) {
+  for (const auto& list : mardle::tools::StopWordLists()) {
+    const auto words = mardle::tools::StopWordsNamed(std::string(list.language));
+    EXPECT_EQ(words, mardle::tools::StopWordsNamed(std::string(list.code)));
+    EXPECT_GE(words.size(), 100U) << list.language;
+    const auto fields = mardle::tools::FieldsOf(list.words);
+    EXPECT_EQ(fields.size(), words.size()) << list.language;
+    for (const auto field : fields) EXPECT_TRUE(words.contains(std::string(field))) << field;
+  }
+}
+
+TEST(StopWords, AMistypedLanguageIsAnsweredWithThoseThatThereAre) {
+  try {
+    mardle::tools::StopWordsNamed("germn");
+    FAIL() << "no failure";
+  } catch (const mardle::tools::FileError& error) {
+    EXPECT_STREQ(
+        error.what(),
+        "germn: there is no such file and no such list of stop words; did you mean "
+        "'german'? The lists are chinese, danish, dutch, english, french, german, italian, "
+        "japanese, norwegian, portuguese, russian, spanish, swedish, none");
+  }
 }
 
 TEST(StopWords, EnglishHasTheCommonWordsOnce) {
@@ -92,7 +191,7 @@ TEST(TextMatrix, CountsTheWordsOfLines) {
   Imported imported("t.txt", "Red apple, red wine\nWine and the sea\n\nred sea\n");
   EXPECT_EQ(imported.Run(), "4 3 6\n1 2 3 1\n2 1 3 1\n\n1 1 2 1\n");
   EXPECT_EQ(imported.Read(".clabel"), "red\nsea\nwine\n");
-  EXPECT_EQ(imported.Read(".rlabel"), "");
+  EXPECT_EQ(imported.Read(".rlabel"), "Red apple, red wine\nWine and the sea\n\nred sea\n");
 }
 
 TEST(TextMatrix, WordsOfTooFewOrTooManyDocumentsAreNoColumns) {
@@ -141,9 +240,58 @@ TEST(TextMatrix, ColumnsOfLinesAreNumbers) {
   EXPECT_EQ(imported.Failure(), "columns of lines are numbers, counted from 1, not 'kind'");
 }
 
+TEST(TextMatrix, StopWordsAreReplacedOrAddedTo) {
+  const std::string text = "the und sea red\nthe und sea red\n";
+  const auto columns_with = [&text](const Texts& instead, const Texts& more) {
+    Imported imported("t.txt", text);
+    if (!instead.empty()) imported.options.words.stop_words = instead;
+    imported.options.words.more_stop_words = more;
+    return imported.Run(".clabel");
+  };
+  EXPECT_EQ(columns_with({}, {}), "red\nsea\nund\n");
+  EXPECT_EQ(columns_with({"german"}, {}), "red\nsea\nthe\n");
+  EXPECT_EQ(columns_with({"german", "english"}, {}), "red\nsea\n");
+  EXPECT_EQ(columns_with({}, {"german"}), "red\nsea\n");
+  EXPECT_EQ(columns_with({"none"}, {}), "red\nsea\nthe\nund\n");
+}
+
+TEST(TextMatrix, StemsAreTakenAfterStopWordsWereLeftOut) {
+  Imported imported("t.txt", "waters doing\nwater doings\n");
+  imported.options.words.stem_language = "english";
+  imported.options.limits.min_count = 1;
+  EXPECT_EQ(imported.Run(".clabel"), "do\nwater\n");
+}
+
+TEST(TextMatrix, PairsOfNeighboursAreColumnsToo) {
+  Imported imported("t.txt", "red sea, red wine and sea\nred sea\n");
+  imported.options.words.pairs = true;
+  imported.options.limits.min_count = 1;
+  EXPECT_EQ(imported.Run(), "2 5 8\n1 2 2 1 3 1 4 2 5 1\n1 1 2 1 4 1\n");
+  EXPECT_EQ(imported.Read(".clabel"), "red\nred sea\nred wine\nsea\nwine\n");
+}
+
+TEST(TextMatrix, ATextIsCalledByItsFirstCharacters) {
+  std::string text;
+  for (int i = 0; i < 30; ++i) text += "été  ";
+  Imported imported("t.txt", text + "\n  aa\tété &amp; bb \n");
+  imported.options.limits.min_count = 1;
+  std::string beginning;
+  for (int i = 0; i < 20; ++i) beginning += "été ";
+  // Twenty times three letters and a blank are 80; the last blank goes.
+  EXPECT_EQ(imported.Run(".rlabel"), beginning.substr(0, beginning.size() - 1) + "\naa été & bb\n");
+}
+
+TEST(TextMatrix, SeveralColumnsAreOneTextAndNoPairCrossesThem) {
+  Imported imported("t.csv", "a,b\nred sea,wine\nred sea,wine\n");
+  imported.options.table.text_columns = {"b", "a"};
+  imported.options.words.pairs = true;
+  EXPECT_EQ(imported.Run(".clabel"), "red\nred sea\nsea\nwine\n");
+  EXPECT_EQ(imported.Read(".rlabel"), "wine red sea\nwine red sea\n");
+}
+
 TEST(TextMatrix, CellsOfATableAreTexts) {
   Imported imported("t.csv", "kind,text,stars\nred,\"Sea, sea\nwine\",5\nblue,wine sea,1\n");
-  imported.options.table.text_column = "text";
+  imported.options.table.text_columns = {"text"};
   imported.options.table.class_column = "kind";
   EXPECT_EQ(imported.Run(), "2 2 4\n1 2 2 1\n1 1 2 1\n");
   EXPECT_EQ(imported.Read(".rclass"), "red\nblue\n");
