@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The entry points. Each turns the caller's pointers into spans, prepares a copy of the matrix that
-// carries the routine's name, and calls one worker of the engine.
+// carries the routine's name, and calls one worker of the engine. Their threads end with them.
 #include "lib/molva.h"
 
 #include <algorithm>
@@ -18,6 +18,7 @@
 #include "lib/partition/cluster_rb.h"
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
+#include "lib/support/team.h"
 #include "lib/tree/agglomerate.h"
 #include "lib/tree/build_tree.h"
 #include "lib/tree/cluster_rows.h"
@@ -88,10 +89,14 @@ const char* MOLVA_Version(void) { return MOLVA_VERSION; }
 
 void MOLVA_SetProgressHook(MOLVA_ProgressHook hook, void* data) { SetProgressHook(hook, data); }
 
+void MOLVA_SetNumThreads(int nthreads) { SetThreadCount(nthreads); }
+int MOLVA_GetNumThreads(void) { return ThreadCount(); }
+
 void MOLVA_VP_ClusterRB(int nrows, int ncols, const int* rowptr, const int* rowind,
                         const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
                         float prune, int ntrials, int niter, int seed, int refine, int dbglvl,
                         int nparts, int* part) {
+  const TeamScope team;
   const Control control = WithModels(
       simfun, rowmodel, colmodel, prune,
       {.crfun = crfun, .ntrials = ntrials, .niter = niter, .dbglvl = dbglvl, .seed = seed});
@@ -105,6 +110,7 @@ void MOLVA_VP_ClusterDirect(int nrows, int ncols, const int* rowptr, const int* 
                             const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
                             float prune, int ntrials, int niter, int seed, int dbglvl, int nparts,
                             int* part) {
+  const TeamScope team;
   const Control control = WithModels(
       simfun, rowmodel, colmodel, prune,
       {.crfun = crfun, .ntrials = ntrials, .niter = niter, .dbglvl = dbglvl, .seed = seed});
@@ -119,6 +125,7 @@ void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int*
                              float colprune, int nparts, const int* part, int* pwgts,
                              float* cintsim, float* cintsdev, float* izscores, float* cextsim,
                              float* cextsdev, float* ezscores) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune);
   PreparedCopy copy = CopyWithClusters(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_GetClusterStats", part);
@@ -140,6 +147,7 @@ void MOLVA_V_GetClusterStats(int nrows, int ncols, const int* rowptr, const int*
 float MOLVA_V_GetSolutionQuality(int nrows, int ncols, const int* rowptr, const int* rowind,
                                  const float* rowval, int simfun, int crfun, int rowmodel,
                                  int colmodel, float colprune, int nparts, const int* part) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune, {.crfun = crfun});
   PreparedCopy copy = CopyWithClusters(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_GetSolutionQuality", part);
@@ -151,6 +159,7 @@ void MOLVA_V_GetClusterFeatures(int nrows, int ncols, const int* rowptr, const i
                                 float colprune, int nparts, const int* part, int nfeatures,
                                 int* internalids, float* internalwgts, int* externalids,
                                 float* externalwgts) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune);
   PreparedCopy copy = CopyWithClusters(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_GetClusterFeatures", part);
@@ -163,6 +172,7 @@ void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowin
                        const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
                        float colprune, int treetype, int dbglvl, int nparts, const int* part,
                        int* ptree, float* tsims) {
+  const TeamScope team;
   const Control control =
       WithModels(simfun, rowmodel, colmodel, colprune, {.crfun = crfun, .dbglvl = dbglvl});
   PreparedCopy copy =
@@ -174,6 +184,7 @@ void MOLVA_V_BuildTree(int nrows, int ncols, const int* rowptr, const int* rowin
 void MOLVA_VA_Cluster(int nrows, int ncols, const int* rowptr, const int* rowind,
                       const float* rowval, int simfun, int crfun, int rowmodel, int colmodel,
                       float colprune, int dbglvl, int nparts, int* part, int* ptree, float* tsims) {
+  const TeamScope team;
   const Control control =
       WithModels(simfun, rowmodel, colmodel, colprune, {.crfun = crfun, .dbglvl = dbglvl});
   PreparedCopy copy =
@@ -185,6 +196,7 @@ void MOLVA_VA_Cluster(int nrows, int ncols, const int* rowptr, const int* rowind
 
 void MOLVA_SA_Cluster(int n, const int* pwgts, float* smat, int crfun, int handling, int dbglvl,
                       int nparts, int* part, int* ptree, float* tsims, float* gains) {
+  const TeamScope team;
   CheckItemCount(n);
   const std::size_t items = Size(n);
   Array<float> nsmat;
@@ -201,6 +213,7 @@ void MOLVA_V_GetTreeStats(int nrows, int ncols, const int* rowptr, const int* ro
                           const float* rowval, int simfun, int rowmodel, int colmodel,
                           float colprune, int nparts, const int* part, const int* ptree, int* pwgts,
                           float* isims, float* xsims) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune);
   PreparedCopy copy = CopyWithClusters(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_GetTreeStats", part);
@@ -214,6 +227,7 @@ void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int*
                              float colprune, int nparts, const int* part, const int* ptree,
                              int nfeatures, int* internalids, float* internalwgts, int* externalids,
                              float* externalwgts) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune);
   PreparedCopy copy = CopyWithClusters(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_GetTreeFeatures", part);
@@ -224,6 +238,7 @@ void MOLVA_V_GetTreeFeatures(int nrows, int ncols, const int* rowptr, const int*
 
 void MOLVA_S_TreeReorder(int n, const int* wgts, float* smat, int handling, int /*dbglvl*/,
                          const int* ptree, int* ftree) {
+  const TeamScope team;
   const std::size_t leaves = Size(n);
   Array<float> nsmat;
   ReorderTree(n, {wgts, leaves}, WorkNodeMatrix(leaves, smat, handling, nsmat), {ptree, 2 * leaves},
@@ -233,6 +248,7 @@ void MOLVA_S_TreeReorder(int n, const int* wgts, float* smat, int handling, int 
 void MOLVA_V_TreeReorder(int nrows, int ncols, const int* rowptr, const int* rowind,
                          const float* rowval, int simfun, int rowmodel, int colmodel,
                          float colprune, int dbglvl, const int* ptree, int* ftree) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune, {.dbglvl = dbglvl});
   PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_TreeReorder", Clustering::kNone);
@@ -243,6 +259,7 @@ void MOLVA_V_ClusterTreeReorder(int nrows, int ncols, const int* rowptr, const i
                                 const float* rowval, int simfun, int rowmodel, int colmodel,
                                 float colprune, int dbglvl, int nparts, const int* part,
                                 const int* ptree, int* ftree) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune, {.dbglvl = dbglvl});
   PreparedCopy copy = CopyWithClusters(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_V_ClusterTreeReorder", part);
@@ -254,6 +271,7 @@ void MOLVA_InternalizeMatrix(int nrows, int ncols, const int* rowptr, const int*
                              float colprune, int* prepared_nrows, int* prepared_ncols,
                              int** prepared_rowptr, int** prepared_rowind, float** prepared_rowval,
                              int* rperm, int* cperm) {
+  const TeamScope team;
   const Control control = WithModels(simfun, rowmodel, colmodel, colprune);
   PreparedCopy copy = MakePreparedCopy(control, {nrows, ncols, rowptr, rowind, rowval},
                                        "MOLVA_InternalizeMatrix", Clustering::kNone);

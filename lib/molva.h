@@ -92,6 +92,15 @@ MOLVA_API int MOLVA_Try(void (*function)(void* argument), void* argument, char* 
  *   data  handed to the hook as it is */
 MOLVA_API void MOLVA_SetProgressHook(MOLVA_ProgressHook hook, void* data);
 
+/* How many threads the calls of the current thread use: 1 at first. 0 asks for all processors that
+ * the process may use, as its affinity and the quota of its control group have it; a number below
+ * 0 or above 1024 ends the run. Results are the same, bit for bit, for every number. Threads are
+ * started within a call and have ended when it returns or ends with an error; they call nothing of
+ * the host's: handlers and hooks run in the calling thread. */
+MOLVA_API void MOLVA_SetNumThreads(int nthreads);
+/* The number in use, at least 1. */
+MOLVA_API int MOLVA_GetNumThreads(void);
+
 /* Clusters the rows into nparts clusters by nparts-1 bisections: each splits the cluster with the
  * most rows, taking the best of ntrials two-way clusterings, each improved by at most niter
  * refinement passes under the criterion crfun.

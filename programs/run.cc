@@ -22,6 +22,7 @@
 #include "programs/quality_report.h"
 #include "programs/run_params.h"
 #include "programs/run_report.h"
+#include "programs/thread_count.h"
 #include "programs/tree_report.h"
 
 namespace mardle {
@@ -110,6 +111,7 @@ auto Timed(float& timer, Step step) {
 
 int RunToTheEnd(int argc, char** argv) {
   const RunParams params = ParsedCommandLine(argc, argv);
+  UseThreadsOfEnvironment();
   RunTimers timers;
   const molva::Owned<Matrix> mat = CreateMatrix();
   Timed(timers.IOTmr, [&] { ReadMatrix(params, *mat); });

@@ -14,8 +14,6 @@
 namespace molva {
 namespace {
 
-constexpr int kShufflingPasses = 5;
-
 // The squared length of the composite if the row joined, from all entries against the composite as
 // it stands, added to the old squared length one by one.
 Wide SquaredLengthJoined(const RowView& row, const LaneView& composite, Wide squared_length) {
@@ -101,7 +99,7 @@ void InitialClustering(const RowRecords& rows, int nparts, Span<int> part) {
   GrowingClusters clusters(rows, nparts);
 
   RandomPermute(perm, Start::kIdentity);
-  for (int pass = 1; pass < kShufflingPasses; ++pass) RandomPermute(perm, Start::kAsGiven);
+  for (int pass = 1; pass < kSeedingPermutations; ++pass) RandomPermute(perm, Start::kAsGiven);
 
   for (int j = 0; j < rows.count(); ++j) {
     if (j % kPollInterval == 0) Poll();

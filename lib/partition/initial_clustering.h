@@ -10,6 +10,9 @@
 
 namespace molva {
 
+// How many permutations it draws, each of the one before.
+constexpr int kSeedingPermutations = 5;
+
 // Writes a cluster 0 to nparts-1 for every row. The first nparts rows of a random order are seeds;
 // every other row, in that order, joins the cluster whose composite grows most in length, the
 // lowest-numbered one on ties. nparts must not exceed mat.nrows.

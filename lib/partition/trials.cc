@@ -4,8 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "lib/partition/initial_clustering.h"
-#include "lib/partition/refine.h"
+#include "lib/partition/trials_ahead.h"
 #include "lib/support/fatal.h"
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
@@ -39,19 +38,16 @@ void BestOfTrials(const Control& control, const PreparedMatrix& mat, int nparts,
     FatalError("At least one trial is needed to find a clustering! NTrials=%d\n", control.ntrials);
   }
   ReportStart(control, mat, texts.heading);
-  Array<int> bpart = AllocInts(mat.nrows, texts.block);
-  RowRecords rows(mat, texts.block);
+  TrialsAhead trials(control, mat, nparts, texts.block);
   float best = 0;
   for (int trial = 0; trial < control.ntrials; ++trial) {
-    InitialClustering(rows, nparts, part);
-    const float quality = RefineClusteringKWay(control, rows, nparts, part);
-    if (trial == 0 || quality > best) {
-      best = quality;
-      std::copy(part.begin(), part.end(), bpart.begin());
+    const TrialsAhead::Outcome outcome = trials.Next(control.ntrials - trial);
+    if (trial == 0 || outcome.quality > best) {
+      best = outcome.quality;
+      std::copy(outcome.part.begin(), outcome.part.end(), part.begin());
     }
     ReportTrial(trial + 1, control.ntrials);
   }
-  std::copy(bpart.begin(), bpart.end(), part.begin());
   ReportEnd(control, texts.lead, best);
 }
 

@@ -101,6 +101,16 @@ RowRecords::RowRecords(const PreparedMatrix& mat, BlockName name)
   }
 }
 
+RowRecords::RowRecords(const RowRecords& measured)
+    : mat_(measured.mat_),
+      name_(measured.name_),
+      block_(static_cast<std::int64_t>(measured.block_.size()), measured.name_),
+      first_(AlignedFirst(block_)),
+      extremes_(measured.extremes_),
+      is_measured_against_whole_(measured.is_measured_against_whole_) {
+  std::copy_n(measured.first_, measured.count(), first_);
+}
+
 // Summing n products in double and in the full arithmetic rounds by kWholePerEntry of |d| |G| for
 // each, storing by kUnitSingle.
 void RowRecords::MeasureAgainst(Span<const float> whole) {

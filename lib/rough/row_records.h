@@ -37,6 +37,9 @@ class RowRecords {
  public:
   // Measures all rows; the block carries the given name.
   RowRecords(const PreparedMatrix& mat, BlockName name);
+  // A copy, for another thread.
+  RowRecords(const RowRecords& measured);
+  RowRecords& operator=(const RowRecords&) = delete;
 
   // Fills in d.G. The composite of all rows is the same in every trial, so only the first call
   // measures.

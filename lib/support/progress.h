@@ -4,6 +4,8 @@
 // is one comparison.
 #pragma once
 
+#include <atomic>
+
 #include "lib/molva_codes.h"
 
 namespace molva {
@@ -19,5 +21,19 @@ constexpr int kPollInterval = 1024;
 void ReportBisection(int done, int total);
 void ReportTrial(int done, int total);
 void Poll();
+
+// While one lives, polls of its thread throw Abandoned once the flag is set: what the thread does
+// is no longer wanted.
+struct Abandoned {};
+class Abandonable {
+ public:
+  explicit Abandonable(const std::atomic<bool>& flag);
+  ~Abandonable();
+  Abandonable(const Abandonable&) = delete;
+  Abandonable& operator=(const Abandonable&) = delete;
+
+ private:
+  const std::atomic<bool>* before_;
+};
 
 }  // namespace molva

@@ -13,11 +13,14 @@ namespace {
 // change ours nor are changed, and every thread draws for itself.
 class Drand48 {
  public:
-  explicit Drand48(std::uint64_t seed) : state_(((seed << 16) + 0x330E) & kMask) {}
+  explicit Drand48(RandomState state) : state_(state) {}
+  static Drand48 Seeded(std::uint32_t seed) {
+    return Drand48((std::uint64_t{seed} << 16) + 0x330E);
+  }
 
   // A double in [0, 1).
   double Draw() {
-    state_ = (state_ * 0x5DEECE66D + 0xB) & kMask;
+    state_ = kStep.Of(state_);
     return static_cast<double>(state_) * 0x1p-48;
   }
 
@@ -26,12 +29,31 @@ class Drand48 {
     return static_cast<std::size_t>(Draw() * static_cast<double>(n));
   }
 
+  // So many draws are one step as well: the steps of the powers of two that make them up.
+  void Skip(std::uint64_t draws) {
+    Step power = kStep;
+    for (; draws != 0; draws >>= 1, power = power.Twice()) {
+      if ((draws & 1) != 0) state_ = power.Of(state_);
+    }
+  }
+
+  RandomState state() const { return state_; }
+
  private:
+  // x becomes factor x + term, in 48 bits.
+  struct Step {
+    std::uint64_t factor, term;
+    constexpr std::uint64_t Of(std::uint64_t x) const { return (x * factor + term) & kMask; }
+    constexpr Step Twice() const { return {factor * factor & kMask, Of(term)}; }
+  };
   static constexpr std::uint64_t kMask = (std::uint64_t{1} << 48) - 1;
-  std::uint64_t state_;
+  static constexpr Step kStep{0x5DEECE66D, 0xB};
+  RandomState state_;
 };
 
-thread_local Drand48 generator(0);
+thread_local Drand48 generator = Drand48::Seeded(0);
+
+constexpr std::uint64_t kDrawsPerRound = 2;
 
 void SetStart(Span<int> p, Start start) {
   if (start == Start::kIdentity) std::iota(p.begin(), p.end(), 0);
@@ -39,7 +61,10 @@ void SetStart(Span<int> p, Start start) {
 
 }  // namespace
 
-void SeedGenerator(int seed) { generator = Drand48(static_cast<std::uint32_t>(seed)); }
+RandomState CurrentRandomState() { return generator.state(); }
+void SetRandomState(RandomState state) { generator = Drand48(state); }
+
+void SeedGenerator(int seed) { generator = Drand48::Seeded(static_cast<std::uint32_t>(seed)); }
 
 double DrawUnit() { return generator.Draw(); }
 
@@ -52,6 +77,12 @@ void RandomPermute(Span<int> p, Start start) {
     std::swap(p[u], p[v]);
   }
   generator = draws;
+}
+
+RandomState AfterPermutations(RandomState state, int n, std::int64_t count) {
+  Drand48 draws(state);
+  draws.Skip(kDrawsPerRound * static_cast<std::uint64_t>(n) * static_cast<std::uint64_t>(count));
+  return draws.state();
 }
 
 void FastRandomPermute(Span<int> p, Start start) {

@@ -6,9 +6,16 @@
 // goes on as if nothing had been drawn.
 #pragma once
 
+#include <cstdint>
+
 #include "lib/support/span.h"
 
 namespace molva {
+
+// Where the current thread's sequence stands.
+using RandomState = std::uint64_t;
+RandomState CurrentRandomState();
+void SetRandomState(RandomState state);
 
 // Starts the sequence that srand48(seed) starts.
 void SeedGenerator(int seed);
@@ -20,6 +27,9 @@ enum class Start { kAsGiven, kIdentity };
 
 // p.size() rounds; each draws u, then v, as trunc(drand48() n) and swaps p[u] and p[v].
 void RandomPermute(Span<int> p, Start start);
+
+// Where a sequence stands after `count` such permutations of n elements, without drawing them.
+RandomState AfterPermutations(RandomState state, int n, std::int64_t count);
 
 // A cheaper partial shuffle: n/16 rounds, each swapping the four elements from u on with the four
 // from v on, u and v drawn as trunc(drand48() (n - 8)).

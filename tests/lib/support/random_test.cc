@@ -177,4 +177,33 @@ TEST(FastRandomPermute, DrawsNothingBelowSixteenElements) {
   }
 }
 
+TEST(AfterPermutations, IsWhereDrawingThemEnds) {
+  for (const int n : {0, 1, 2, 37, 1000}) {
+    for (const int count : {0, 1, 2, 5, 15}) {
+      SeedGenerator(n + count);
+      const molva::RandomState start = molva::CurrentRandomState();
+      std::vector<int> p = Identity(n);
+      for (int i = 0; i < count; ++i) RandomPermute(p, Start::kAsGiven);
+      EXPECT_EQ(molva::AfterPermutations(start, n, count), molva::CurrentRandomState());
+    }
+  }
+}
+
+// The period is 2^48 draws, 2 n of them in each permutation.
+TEST(AfterPermutations, GoRoundTheWholePeriod) {
+  SeedGenerator(7);
+  const molva::RandomState start = molva::CurrentRandomState();
+  EXPECT_EQ(molva::AfterPermutations(start, 1 << 20, std::int64_t{1} << 27), start);
+  EXPECT_NE(molva::AfterPermutations(start, 1 << 20, std::int64_t{1} << 26), start);
+}
+
+TEST(RandomState, IsPutBack) {
+  SeedGenerator(11);
+  DrawUnit();
+  const molva::RandomState state = molva::CurrentRandomState();
+  const double next = DrawUnit();
+  molva::SetRandomState(state);
+  EXPECT_EQ(DrawUnit(), next);
+}
+
 }  // namespace
