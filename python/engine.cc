@@ -123,6 +123,21 @@ void Run(Call call) {
   Run(py::none(), call);
 }
 
+// ---- Threads
+
+void SetNumThreads(int nthreads) {
+  Run([&] { MOLVA_SetNumThreads(nthreads); });
+}
+
+// What the process may use; the number in use stays.
+int Processors() {
+  const int before = MOLVA_GetNumThreads();
+  SetNumThreads(0);
+  const int all = MOLVA_GetNumThreads();
+  SetNumThreads(before);
+  return all;
+}
+
 // ---- Arguments
 
 void Check(bool holds, const char* message) {
@@ -380,4 +395,7 @@ PYBIND11_MODULE(_engine, module) {
              arg("labels").noconvert(), arg("parents").noconvert(), arg("children").noconvert());
   module.def("prepare", &Prepare, arg("matrix"), arg("models"));
   module.def("read_matrix", &ReadMatrixFile, arg("path"), arg("dense"));
+  module.def("num_threads", &MOLVA_GetNumThreads);
+  module.def("set_num_threads", &SetNumThreads, arg("nthreads"));
+  module.def("processors", &Processors);
 }

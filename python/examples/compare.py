@@ -12,10 +12,10 @@ follows LSA where the matrix is sparse; "defaults" are one start and 256 rows a 
 Every measurement is a process of its own, by turns, which is told the number of threads before
 anything is loaded. Each method is fitted to a few rows first, so that loading and warming up is
 nobody's. Preparing the rows is in the time of all, and so are the measures that our `fit` makes.
-`wall` is what passes and `CPU` the time of all threads together, in seconds, both of the median
-seed; `MB` is what the fit added to the memory of the process at most. I2 is what ours optimise by
-default, while the others minimise squared distances, which comes to maximising I1; it is measured on
-the rows of the first lines for all.
+All figures are medians over the seeds: `wall` is what passes and `CPU` the time of all threads
+together, in seconds; `MB` is what the fit added to the memory of the process at most. I2 is what
+ours optimise by default, while the others minimise squared distances, which comes to maximising I1;
+it is measured on the rows of the first lines for all.
 
 KMeans, LSA and faiss are as fast as the linear algebra that NumPy finds: Debian's libopenblas0 is
 many times faster than what it installs by default, so the first lines tell what was found.
@@ -209,6 +209,7 @@ def measure(X, classes, name: str, n_clusters: int, seed: int, threads: int) -> 
 
 def measure_apart(options, name: str, seed: int, threads: int) -> dict[str, float] | str:
     """Return what a process of its own measures, or why it does not."""
+    print(f"{name}, seed {seed}, {threads} threads", file=sys.stderr, flush=True)
     count = str(threads)
     variables = ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "MKL_NUM_THREADS")
     # One for each of the threads of a product would be more than were asked for.

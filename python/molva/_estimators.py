@@ -17,6 +17,7 @@ from . import _engine, analysis, trees
 from ._matrix import LARGEST_INT, borrow, check_count, check_matrix
 from ._models import Models, criterion_code
 from ._space import Space
+from ._threads import threads
 
 try:
     from sklearn.utils.validation import validate_data
@@ -60,6 +61,7 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         n_trials: int = 10,
         n_iter: int = 10,
         random_state=None,
+        n_jobs: int | None = None,
         verbose: int = 0,
     ):
         self.n_clusters = n_clusters
@@ -71,6 +73,7 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         self.n_trials = n_trials
         self.n_iter = n_iter
         self.random_state = random_state
+        self.n_jobs = n_jobs
         self.verbose = verbose
 
     def fit(self, X, y=None):
@@ -88,6 +91,12 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         self
         """
         X = self._checked(X, reset=True)
+        with threads(self.n_jobs):
+            self._fit(X)
+        return self
+
+    def _fit(self, X) -> None:
+        """Cluster the rows of a checked matrix, with the threads that are set."""
         n_clusters = check_count("n_clusters", self.n_clusters, 1)
         if X.shape[0] < n_clusters:
             raise ValueError(f"n_samples={X.shape[0]} should be >= n_clusters={n_clusters}.")
@@ -123,7 +132,6 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         self.criterion_value_ = value
         self._space = space
         self.cluster_centers_ = centers
-        return self
 
     def _checked(self, X, reset: bool = False):
         """Return X in the library's form; without `reset` it must have the fitted columns."""
@@ -185,7 +193,7 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
             feature_names = getattr(self, "feature_names_in_", None)
         X = self._checked(X)
         return analysis.cluster_features(
-            X, self.labels_, n_features, feature_names, **self.models_
+            X, self.labels_, n_features, feature_names, n_jobs=self.n_jobs, **self.models_
         )
 
     def cluster_tree(self, X, criterion: str | None = None, ordered: bool = True) -> trees.Tree:
@@ -193,14 +201,18 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         check_is_fitted(self)
         criterion = self.criterion if criterion is None else criterion
         X = self._checked(X)
-        return trees.cluster_tree(X, self.labels_, criterion, ordered=ordered, **self.models_)
+        return trees.cluster_tree(
+            X, self.labels_, criterion, ordered=ordered, n_jobs=self.n_jobs, **self.models_
+        )
 
     def full_tree(self, X, criterion: str | None = None, ordered: bool = False) -> trees.Tree:
         """Build the tree over all fitted rows; see `molva.full_tree`."""
         check_is_fitted(self)
         criterion = self.criterion if criterion is None else criterion
         X = self._checked(X)
-        return trees.full_tree(X, self.labels_, criterion, ordered=ordered, **self.models_)
+        return trees.full_tree(
+            X, self.labels_, criterion, ordered=ordered, n_jobs=self.n_jobs, **self.models_
+        )
 
 
 _PARAMETERS = """
@@ -226,6 +238,9 @@ _PARAMETERS = """
         Refinement passes at most.
     random_state : int, RandomState or None, default=None
         An integer is the program's -seed (whose default is 1); from anything else one is drawn.
+    n_jobs : int or None, default=None
+        Threads to use; the results are the same, bit for bit, for every number. None is 1, -1 all
+        processors that the process may use, -2 one fewer, and so on.
 """
 
 _ATTRIBUTES = """
@@ -273,6 +288,7 @@ class RepeatedBisection(_RowClusterer):
         n_iter: int = 10,
         refine: bool = False,
         random_state=None,
+        n_jobs: int | None = None,
         verbose: int = 0,
     ):
         super().__init__(
@@ -285,6 +301,7 @@ class RepeatedBisection(_RowClusterer):
             n_trials=n_trials,
             n_iter=n_iter,
             random_state=random_state,
+            n_jobs=n_jobs,
             verbose=verbose,
         )
         self.refine = refine

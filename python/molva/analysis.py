@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
 """What a clustering is worth and what it is about.
 
-The functions measure any labels, wherever they come from. `similarity`, `row_model`, `col_model`
-and `prune` have the meanings and defaults of the estimators; pass a fitted one's ``**models_`` to
-measure its labels where they were made.
+The functions measure any labels, wherever they come from. `similarity`, `row_model`, `col_model`,
+`prune` and `n_jobs` have the meanings and defaults of the estimators; pass a fitted one's
+``**models_`` to measure its labels where they were made.
 """
 
 from __future__ import annotations
@@ -16,6 +16,7 @@ import numpy as np
 from . import _engine
 from ._matrix import borrow, check_count, check_labels, check_matrix
 from ._models import Models, criterion_code
+from ._threads import threads
 
 
 def view(X, labels, models: dict):
@@ -55,17 +56,21 @@ class ClusterStatistics(NamedTuple):
     external_zscores: np.ndarray
 
 
-def cluster_statistics(X, labels, **models) -> ClusterStatistics:
+def cluster_statistics(X, labels, *, n_jobs: int | None = None, **models) -> ClusterStatistics:
     """Measure every cluster and every row of a clustering."""
-    return ClusterStatistics(*_engine.cluster_statistics(*view(X, labels, models)))
+    with threads(n_jobs):
+        return ClusterStatistics(*_engine.cluster_statistics(*view(X, labels, models)))
 
 
-def criterion_value(X, labels, criterion: str = "i2", **models) -> float:
+def criterion_value(
+    X, labels, criterion: str = "i2", *, n_jobs: int | None = None, **models
+) -> float:
     """Return the value of a criterion for a clustering.
 
     I1, I2, H1, H2 and G3 are better when larger, the others when smaller.
     """
-    return _engine.criterion_value(*view(X, labels, models), criterion_code(criterion))
+    with threads(n_jobs):
+        return _engine.criterion_value(*view(X, labels, models), criterion_code(criterion))
 
 
 class Feature(NamedTuple):
@@ -145,7 +150,7 @@ def column_names(feature_names, n_columns: int) -> Sequence | None:
 
 
 def cluster_features(
-    X, labels, n_features: int = 5, feature_names=None, **models
+    X, labels, n_features: int = 5, feature_names=None, *, n_jobs: int | None = None, **models
 ) -> ClusterFeatures:
     """Name the columns that describe every cluster and those that tell it from the rest.
 
@@ -156,11 +161,14 @@ def cluster_features(
     n_features : int, default=5
         Columns to name for each cluster, as far as there are so many.
     feature_names : sequence of str, or object with get_feature_names_out, optional
+    n_jobs : int or None, default=None
+        Threads to use.
     **models
         similarity, row_model, col_model, prune.
     """
     matrix, codes, n_clusters, part = view(X, labels, models)
     names = column_names(feature_names, matrix.ncols)
     named = min(check_count("n_features", n_features, 1), matrix.ncols)
-    lists = _engine.cluster_features(matrix, codes, n_clusters, part, named)
+    with threads(n_jobs):
+        lists = _engine.cluster_features(matrix, codes, n_clusters, part, named)
     return ClusterFeatures(*lists, names)

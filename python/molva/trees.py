@@ -10,6 +10,7 @@ from scipy import sparse
 
 from . import _engine
 from ._models import tree_criterion_code
+from ._threads import threads
 from .analysis import view
 
 _OVER_CLUSTERS, _OVER_ROWS = 1, 2
@@ -202,7 +203,15 @@ def _build(X, labels, criterion: str, treetype: int, ordered: bool, models: dict
     return (matrix, codes, part, clusters), (parents, similarities), (leaves, children, merges)
 
 
-def cluster_tree(X, labels, criterion: str = "i2", *, ordered: bool = True, **models) -> Tree:
+def cluster_tree(
+    X,
+    labels,
+    criterion: str = "i2",
+    *,
+    ordered: bool = True,
+    n_jobs: int | None = None,
+    **models,
+) -> Tree:
     """Build a tree over the clusters, always by the merge that is best for a criterion.
 
     Parameters
@@ -213,26 +222,38 @@ def cluster_tree(X, labels, criterion: str = "i2", *, ordered: bool = True, **mo
         One of the first seven; "g3" and "h3" build no trees.
     ordered : bool, default=True
         Turn the children so that neighbouring subtrees are as similar as possible.
+    n_jobs : int or None, default=None
+        Threads to use.
     **models
         similarity, row_model, col_model, prune.
     """
-    given, built, found = _build(X, labels, criterion, _OVER_CLUSTERS, ordered, models)
-    (matrix, codes, part, clusters), (parents, similarities) = given, built
-    leaves, children, merges = found
-    leaf_sizes = _engine.cluster_statistics(matrix, codes, len(clusters), part)[0][leaves]
+    with threads(n_jobs):
+        given, built, found = _build(X, labels, criterion, _OVER_CLUSTERS, ordered, models)
+        (matrix, codes, part, clusters), (parents, similarities) = given, built
+        leaves, children, merges = found
+        leaf_sizes = _engine.cluster_statistics(matrix, codes, len(clusters), part)[0][leaves]
     sizes = _sizes(children, leaf_sizes)
     return Tree(clusters[leaves], children, similarities[merges], sizes, parents, similarities)
 
 
-def full_tree(X, labels, criterion: str = "i2", *, ordered: bool = False, **models) -> Tree:
+def full_tree(
+    X,
+    labels,
+    criterion: str = "i2",
+    *,
+    ordered: bool = False,
+    n_jobs: int | None = None,
+    **models,
+) -> Tree:
     """Build a tree over all rows in which every cluster is a subtree.
 
     Parameters as for `cluster_tree`. Takes memory for the square of the largest cluster, and with
     `ordered` for that of the number of rows; rows are left in place when preparation drops some.
     """
-    given, built, found = _build(X, labels, criterion, _OVER_ROWS, ordered, models)
-    (matrix, codes, _, _), (parents, places), (leaves, children, _) = given, built, found
-    nrows, ncols, indptr, indices, data, _, _ = _engine.prepare(matrix, codes)
+    with threads(n_jobs):
+        given, built, found = _build(X, labels, criterion, _OVER_ROWS, ordered, models)
+        (matrix, codes, _, _), (parents, places), (leaves, children, _) = given, built, found
+        nrows, ncols, indptr, indices, data, _, _ = _engine.prepare(matrix, codes)
     prepared = sparse.csr_matrix((data, indices, indptr), shape=(nrows, ncols), dtype=np.float64)
     sizes = _sizes(children, np.ones(len(leaves), dtype=np.int64))
     similarities = _sibling_similarities(prepared, children, sizes)
