@@ -7,11 +7,17 @@
 #include "lib/matrix/composites.h"
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
+#include "lib/support/team.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 
 namespace molva {
 namespace {
+
+// Shared out among threads.
+constexpr int kRowsAtATime = 1000;
+constexpr int kRowsOfAPiece = 4;
+constexpr int kProductsOfAPiece = 8;
 
 // Adds the products of row i with every row that shares a column with it.
 void AddRowProducts(const PreparedMatrix& mat, int i, float* products) {
@@ -26,9 +32,10 @@ void AddRowProducts(const PreparedMatrix& mat, int i, float* products) {
   }
 }
 
-void ReportRow(const Control& control, int i) {
-  if (!HasDebugBit(control, MOLVA_DBG_CLUSTERING) || i % 100 != 0) return;
-  std::printf(".");
+// A point for every hundred of the rows to come.
+void ReportRows(const Control& control, int rows) {
+  if (!HasDebugBit(control, MOLVA_DBG_CLUSTERING)) return;
+  for (int i = 0; i < rows; i += 100) std::printf(".");
   std::fflush(stdout);
 }
 
@@ -55,9 +62,13 @@ void ComputeCluster2ClusterSimilarities(const PreparedMatrix& mat, int nparts, S
   const auto clusters = static_cast<std::size_t>(std::max(nparts, 0));
   for (std::size_t k = 0; k < clusters; ++k) {
     Poll();
-    for (std::size_t l = k; l < clusters; ++l) {
-      smat[k * stride + l] = smat[l * stride + k] = DotFloats(centers[k], centers[l]);
-    }
+    ShareOut(static_cast<std::int64_t>(clusters - k), kProductsOfAPiece,
+             [&](std::int64_t first, std::int64_t last, int) {
+               for (auto l = k + static_cast<std::size_t>(first);
+                    l < k + static_cast<std::size_t>(last); ++l) {
+                 smat[k * stride + l] = smat[l * stride + k] = DotFloats(centers[k], centers[l]);
+               }
+             });
   }
 }
 
@@ -68,12 +79,17 @@ void ComputeRowSimilarities(const Control& control, PreparedMatrix& mat, float* 
     std::fflush(stdout);
   }
   CreateColMat(mat);
-  for (int i = 0; i < mat.nrows; ++i) {
-    ReportRow(control, i);
+  for (int begin = 0; begin < mat.nrows; begin += kRowsAtATime) {
+    const int rows = std::min(kRowsAtATime, mat.nrows - begin);
+    ReportRows(control, rows);
     Poll();
-    float* products = smat + static_cast<std::size_t>(i) * stride;
-    std::fill_n(products, mat.nrows, 0.0F);
-    AddRowProducts(mat, i, products);
+    ShareOut(rows, kRowsOfAPiece, [&](std::int64_t first, std::int64_t last, int) {
+      for (auto i = begin + static_cast<int>(first); i < begin + static_cast<int>(last); ++i) {
+        float* products = smat + static_cast<std::size_t>(i) * stride;
+        std::fill_n(products, mat.nrows, 0.0F);
+        AddRowProducts(mat, i, products);
+      }
+    });
   }
   ReportFill(control, mat.nrows, smat, stride);
 }

@@ -4,11 +4,22 @@
 #include <cmath>
 
 #include "lib/support/fatal.h"
+#include "lib/support/team.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 
 namespace molva {
 namespace {
+
+// Rows are prepared many at a time, each on its own.
+constexpr int kRowsOfAPiece = 1024;
+
+template <typename Visit>
+void ForEachRow(PreparedMatrix& mat, Visit visit) {
+  ShareOut(mat.nrows, kRowsOfAPiece, [&](std::int64_t first, std::int64_t last, int) {
+    for (auto i = static_cast<int>(first); i < last; ++i) visit(i, RowValues(mat, i));
+  });
+}
 
 // The largest absolute value. A row of zeros gives 0, so its entries become 0/0, not-a-number, and
 // no guard is wanted.
@@ -65,11 +76,10 @@ void ScaleByIdf(PreparedMatrix& mat) {
       vscale[j] = static_cast<float>(-std::log(static_cast<Wide>(collen[j]) / mat.nrows));
     }
   }
-  for (int i = 0; i < mat.nrows; ++i) {
+  ForEachRow(mat, [&](int i, Span<float> values) {
     const Span<const int> columns = Row(mat, i).columns;
-    const Span<float> values = RowValues(mat, i);
     for (std::size_t p = 0; p < values.size(); ++p) values[p] *= vscale[columns[p]];
-  }
+  });
 }
 
 void ScaleToUnitLength(Span<float> row) {
@@ -86,8 +96,8 @@ void SubtractMean(Span<float> row, int ncols) {
 }
 
 template <typename Scale>
-void ForEachRow(PreparedMatrix& mat, Scale scale) {
-  for (int i = 0; i < mat.nrows; ++i) scale(RowValues(mat, i));
+void ScaleEachRow(PreparedMatrix& mat, Scale scale) {
+  ForEachRow(mat, [scale](int, Span<float> values) { scale(values); });
 }
 
 }  // namespace
@@ -97,11 +107,11 @@ void ApplyRowModel(const Control& control, PreparedMatrix& mat) {
     case MOLVA_ROW_NONE:
       return;
     case MOLVA_ROW_MAXTF:
-      return ForEachRow(mat, ScaleByMaxTf);
+      return ScaleEachRow(mat, ScaleByMaxTf);
     case MOLVA_ROW_SQRT:
-      return ForEachRow(mat, ScaleBySqrt);
+      return ScaleEachRow(mat, ScaleBySqrt);
     case MOLVA_ROW_LOG:
-      return ForEachRow(mat, ScaleByLog);
+      return ScaleEachRow(mat, ScaleByLog);
     default:
       FatalError("Unknown RowModel value of %d\n", control.rowmodel);
   }
@@ -125,9 +135,9 @@ void ComputeScaleFactors(const Control& control, PreparedMatrix& mat) {
 void NormalizeRows(const Control& control, PreparedMatrix& mat) {
   switch (control.simfun) {
     case MOLVA_SIM_COSINE:
-      return ForEachRow(mat, ScaleToUnitLength);
+      return ScaleEachRow(mat, ScaleToUnitLength);
     case MOLVA_SIM_CORRELATION:
-      return ForEachRow(mat, [ncols = mat.ncols](Span<float> row) {
+      return ScaleEachRow(mat, [ncols = mat.ncols](Span<float> row) {
         SubtractMean(row, ncols);
         ScaleToUnitLength(row);
       });

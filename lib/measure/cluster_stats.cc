@@ -7,11 +7,14 @@
 #include <cmath>
 
 #include "lib/matrix/composites.h"
+#include "lib/support/team.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
 
 namespace molva {
 namespace {
+
+constexpr int kRowsOfAPiece = 1024;
 
 float Rounded(Wide value) { return static_cast<float>(value); }
 
@@ -20,13 +23,14 @@ float Quotient(Wide value, std::int64_t count) { return Rounded(value / static_c
 // isim[k] = D_k.D_k / n_k^2, esim[k] = (D_k.G - D_k.D_k) / ((N - n_k) n_k)
 void MeasureClusters(const Rows<float>& centers, Span<const float> gcenter, int nrows,
                      const ClusterStats& stats) {
-  for (std::size_t k = 0; k < stats.pwgts.size(); ++k) {
+  const auto measure = [&](std::int64_t k) {
     const int size = stats.pwgts[k];
     const float internal = DotFloats(centers[k], centers[k]);
     const float external = DotFloats(centers[k], gcenter) - internal;
     stats.isim[k] = Quotient(internal, CountProduct(size, size));
     stats.esim[k] = Quotient(external, CountProduct(nrows - size, size));
-  }
+  };
+  ShareOutOne(static_cast<std::int64_t>(stats.pwgts.size()), measure);
 }
 
 struct RowAverages {
@@ -80,22 +84,30 @@ void GetClusterStats(const PreparedMatrix& mat, Span<const int> part, const Clus
 
   SetFloats(stats.isdev, 0);
   SetFloats(stats.esdev, 0);
-  const auto for_each_clustered_row = [&](auto&& visit) {
-    for (std::size_t i = 0; i < part.size(); ++i) {
+  const auto for_each_clustered_row_of = [&](std::int64_t first, std::int64_t last, auto&& visit) {
+    for (std::int64_t i = first; i < last; ++i) {
       if (part[i] >= 0 && part[i] < nparts) visit(i, part[i]);
     }
   };
-  for_each_clustered_row([&](std::size_t i, int k) {
-    const RowAverages averages =
-        MeasureRow(Row(mat, static_cast<int>(i)), centers[k], gcenter, stats.pwgts[k], mat.nrows);
-    isims[i] = averages.internal;
-    esims[i] = averages.external;
+  const auto rows = static_cast<std::int64_t>(part.size());
+  const auto for_each_clustered_row = [&](auto&& visit) {
+    for_each_clustered_row_of(0, rows, visit);
+  };
+  ShareOut(rows, kRowsOfAPiece, [&](std::int64_t first, std::int64_t last, int) {
+    for_each_clustered_row_of(first, last, [&](std::int64_t i, int k) {
+      const RowAverages averages =
+          MeasureRow(Row(mat, static_cast<int>(i)), centers[k], gcenter, stats.pwgts[k], mat.nrows);
+      isims[i] = averages.internal;
+      esims[i] = averages.external;
+    });
+  });
+  for_each_clustered_row([&](std::int64_t i, int k) {
     AddSquaredDifference(stats.isim[k], isims[i], stats.isdev[k]);
     AddSquaredDifference(stats.esim[k], esims[i], stats.esdev[k]);
   });
   FinishDeviations(stats);
 
-  for_each_clustered_row([&](std::size_t i, int k) {
+  for_each_clustered_row([&](std::int64_t i, int k) {
     if (!stats.izscores.empty())
       stats.izscores[i] = ZScore(isims[i], stats.isim[k], stats.isdev[k]);
     if (!stats.ezscores.empty())

@@ -57,4 +57,12 @@ void ShareOut(std::int64_t count, std::int64_t piece, const Work& work) {
       &work);
 }
 
+// The same for places that are each much work: calls work(i) for each.
+template <typename Work>
+void ShareOutOne(std::int64_t count, const Work& work) {
+  ShareOut(count, 1, [&work](std::int64_t first, std::int64_t last, int) {
+    for (std::int64_t i = first; i < last; ++i) work(i);
+  });
+}
+
 }  // namespace molva

@@ -10,6 +10,7 @@
 #include "lib/support/fatal.h"
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
+#include "lib/support/team.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -18,6 +19,9 @@
 
 namespace molva {
 namespace {
+
+// What the pairs of one item with others take is shared out among threads.
+constexpr int kItemsOfAPiece = 512;
 
 // The items as both engines see them: a table of rows of smat, weights and row sums.
 struct Items {
@@ -34,7 +38,13 @@ struct Items {
   template <typename Active>
   void Fold(int i, int j, const Active& active) {
     for (const int k : active) smat[i][k] += smat[j][k];
-    for (const int k : active) smat[k][i] += smat[k][j];
+    ShareOut(static_cast<std::int64_t>(active.size()), kItemsOfAPiece,
+             [&](std::int64_t first, std::int64_t last, int) {
+               for (std::int64_t a = first; a < last; ++a) {
+                 const int k = active[a];
+                 smat[k][i] += smat[k][j];
+               }
+             });
     tsim[i] += tsim[j];
     pwgts[i] = AddValues(pwgts[i], pwgts[j]);
   }
@@ -99,6 +109,7 @@ class LocalGains {
     active_.rowids = AllocInts(n, "BuildSimHAC_LocalGains: rowids");
     items_.smat = Array<float*>(n, "BuildSimHAC_LocalGains: smat");
     terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: tsim");
+    gains_ = AllocFloats(n, "BuildSimHAC_LocalGains: tsim");
     FillItems(merging, items_);
     for (int i = 0; i < n; ++i) {
       terms_[i] = Term::Of(items_.Alone(i));
@@ -121,6 +132,15 @@ class LocalGains {
     return static_cast<float>(Value::Gain(Term::Of(items_.Joined(i, j)), terms_[i], terms_[j]));
   }
 
+  // gains_[k] = gain_of(k), for each of some items.
+  template <typename GainOf>
+  void MeasureGains(Span<const int> items, const GainOf& gain_of) {
+    ShareOut(static_cast<std::int64_t>(items.size()), kItemsOfAPiece,
+             [&](std::int64_t first, std::int64_t last, int) {
+               for (std::int64_t a = first; a < last; ++a) gains_[items[a]] = gain_of(items[a]);
+             });
+  }
+
   void FillQueue() {
     HACPQueueInit(queue_, merging_.n);
     if (HasDebugBit(control_, MOLVA_DBG_CLUSTERING)) {
@@ -128,7 +148,10 @@ class LocalGains {
       std::fflush(stdout);
     }
     for (int i = 0; i < merging_.n; ++i) {
-      for (int j = i + 1; j < merging_.n; ++j) HACPQueueInsert(queue_, i, j, Gain(i, j));
+      Poll();
+      const Span<const int> after{active_.rowids.data() + i + 1, merging_.n - i - 1};
+      MeasureGains(after, [this, i](int j) { return Gain(i, j); });
+      for (const int j : after) HACPQueueInsert(queue_, i, j, gains_[j]);
     }
     if (HasDebugBit(control_, MOLVA_DBG_CLUSTERING)) std::printf(" Done!\n");
   }
@@ -166,8 +189,9 @@ class LocalGains {
       HACPQueueDelete(queue_, k, merge.i);
       HACPQueueDelete(queue_, k, merge.j);
     }
+    MeasureGains(active_.items(), [&](int k) { return k != merge.i ? Gain(k, merge.i) : 0; });
     for (const int k : active_.items()) {
-      if (k != merge.i) HACPQueueInsert(queue_, k, merge.i, Gain(k, merge.i));
+      if (k != merge.i) HACPQueueInsert(queue_, k, merge.i, gains_[k]);
     }
   }
 
@@ -175,6 +199,7 @@ class LocalGains {
   const Merging& merging_;
   Items items_;
   Array<Wide> terms_;
+  Array<float> gains_;
   Array<int> imap_;  // the node that each item stands for
   ActiveList active_;
   HACPQueue queue_;
@@ -190,6 +215,8 @@ struct FirstSlots {
     bool operator==(const Iterator&) const = default;
   };
   int n;
+  int size() const { return n; }
+  int operator[](std::int64_t slot) const { return static_cast<int>(slot); }
   Iterator begin() const { return {0}; }
   Iterator end() const { return {n}; }
 };
@@ -207,6 +234,7 @@ class RatioGains {
     items_.smat = Array<float*>(n, "BuildSimHAC_I1I2E1G1G1P: smat");
     FillItems(merging, items_);
     terms_ = Array<Sums>(n, "BuildSimHAC_I1I2E1G1G1P: tsim");
+    best_of_ = Array<Partner>(n, "BuildSimHAC_I1I2E1G1G1P: tsim");
     for (int i = 0; i < n; ++i) {
       rowids_[i] = i;
       terms_[i] = TermsOf(items_.Alone(i));
@@ -228,6 +256,10 @@ class RatioGains {
     Wide denominator;
     Wide Ratio() const { return numerator / denominator; }
   };
+  struct Partner {
+    int j;
+    Wide ratio;
+  };
 
   static Sums TermsOf(const ClusterMeasure& item) {
     return {RatioMerge::Numerator::Of(item), RatioMerge::Denominator::Of(item)};
@@ -240,25 +272,31 @@ class RatioGains {
         sums_.denominator + (merged.denominator - terms_[i].denominator - terms_[j].denominator)};
   }
 
+  // The first later slot of the largest ratio above the given one; that one where there is none.
+  Partner BestAfter(int i, Wide ratio) const {
+    Partner best{-1, ratio};
+    for (int j = i + 1; j < active_; ++j) {
+      const Wide r = After(i, j).Ratio();
+      if (r > best.ratio) best = {j, r};
+    }
+    return best;
+  }
+
   // The first pair of the largest ratio.
   void MergeBest(int node) {
-    int best_i = 0, best_j = 1;
-    Sums best = After(best_i, best_j);
-    Wide best_ratio = best.Ratio();
+    int best_i = 0;
+    const Wide first_ratio = After(0, 1).Ratio();
+    ShareOutOne(active_,
+                [&](std::int64_t i) { best_of_[i] = BestAfter(static_cast<int>(i), first_ratio); });
+    Partner best{1, first_ratio};
     for (int i = 0; i < active_; ++i) {
-      for (int j = i + 1; j < active_; ++j) {
-        const Sums after = After(i, j);
-        const Wide ratio = after.Ratio();
-        if (!(ratio > best_ratio)) continue;
-        best_i = i;
-        best_j = j;
-        best = after;
-        best_ratio = ratio;
-      }
+      if (!(best_of_[i].ratio > best.ratio)) continue;
+      best_i = i;
+      best = best_of_[i];
     }
-    Record(best_i, best_j, node, best_ratio, best_ratio - sums_.Ratio());
-    sums_ = best;
-    Join(best_i, best_j, node);
+    Record(best_i, best.j, node, best.ratio, best.ratio - sums_.Ratio());
+    sums_ = After(best_i, best.j);
+    Join(best_i, best.j, node);
   }
 
   void Record(int i, int j, int node, Wide ratio, Wide gain) const {
@@ -291,6 +329,7 @@ class RatioGains {
   Items items_;
   Array<int> rowids_;  // the node that each active slot stands for
   Array<Sums> terms_;
+  Array<Partner> best_of_;  // of each slot with those after it
   Sums sums_{0, 0};
 };
 

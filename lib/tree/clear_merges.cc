@@ -15,6 +15,7 @@
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
 #include "lib/support/span.h"
+#include "lib/support/team.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 
@@ -99,6 +100,10 @@ struct Slots {
 constexpr int kUnknown = -1;
 constexpr int kTied = -2;
 
+// Shared out among threads before the first merge.
+constexpr int kItemsAtATime = 256;
+constexpr int kItemsOfAPiece = 4;
+
 constexpr int kRetired = -1;  // in place of a slot's new number
 
 // Slots are closed up when more than these and an eighth of all are empty.
@@ -129,7 +134,7 @@ class ClearMerges {
         bounds_(AllocFloatsSet(merging.n, -kInfinity, "BuildSimHAC_LocalGains: tsim")),
         partners_(AllocIntsSet(merging.n, kUnknown, "BuildSimHAC_LocalGains: rmap")),
         products_(AllocFloats(merging.n, "BuildSimHAC_LocalGains: smat")),
-        most_(AllocFloats(merging.n, "BuildSimHAC_LocalGains: tsim")),
+        most_(AllocFloats(std::int64_t{merging.n} * TeamSize(), "BuildSimHAC_LocalGains: tsim")),
         kept_(AllocInts(merging.n, "BuildSimHAC_LocalGains: rowids")),
         slot_of_(AllocIntsSet(merging.n, 0, "BuildSimHAC_LocalGains: rmap")),
         retired_(AllocInts(merging.n, "BuildSimHAC_LocalGains: rowids")) {
@@ -144,10 +149,16 @@ class ClearMerges {
   }
 
   bool Run() {
-    for (int i = 1; i < items_.count; ++i) {
+    for (int begin = 1; begin < items_.count; begin += kItemsAtATime) {
       Poll();
-      FindMost(i, items_.Row(i), i);
-      bounds_[i] = LargestOf({most_.data(), i});
+      ShareOut(std::min(kItemsAtATime, items_.count - begin), kItemsOfAPiece,
+               [&](std::int64_t first, std::int64_t last, int member) {
+                 for (auto i = begin + static_cast<int>(first); i < begin + last; ++i) {
+                   const Span<float> most = Most(i, member);
+                   FindMost(i, items_.Row(i), most);
+                   bounds_[i] = LargestOf(most);
+                 }
+               });
     }
     for (int node = merging_.n; node <= 2 * merging_.n - 2; ++node) {
       Poll();
@@ -169,7 +180,12 @@ class ClearMerges {
     return static_cast<float>(Value::Gain(Term::Of(merged), items_.terms[i], items_.terms[j]));
   }
 
-  // most_[j] = what the gain of items i and j can be at most, for the first n items, whose products
+  // For the first n items, in the place of a member of the team.
+  Span<float> Most(int n, int member = 0) {
+    return {most_.data() + std::int64_t{member} * merging_.n, n};
+  }
+
+  // most_of[j] = what the gain of items i and j can be at most, for the first items, whose products
   // with i are given. Infinite where the bound does not hold or is no float; minus infinity for
   // retired items alone.
   //
@@ -177,12 +193,12 @@ class ClearMerges {
   // magnitudes each, which is at most 16 times the result: 32 u. The terms round at most five times
   // more and the terms of the items once; the difference and its sums four times. 64 u of the three
   // terms' magnitudes leaves room for the rounding of the full arithmetic, 2^-64 in place of 2^-53.
-  void FindMost(int i, const float* products, int n) {
+  void FindMost(int i, const float* products, Span<float> most_of) const {
     const double square = items_.squares[i];
     const double tsim = items_.tsim[i];
     const double term = items_.rough_terms[i];
     const std::int64_t pwgt = items_.pwgts[i];
-    for (int j = 0; j < n; ++j) {
+    for (std::size_t j = 0; j < most_of.size(); ++j) {
       const double product = 2 * static_cast<double>(products[j]);
       const double other = items_.squares[j];
       const double squared_length = square + other + product;
@@ -194,9 +210,11 @@ class ClearMerges {
       const double summands = std::abs(square) + std::abs(other) + std::abs(product);
       const bool holds =
           summands <= kMostCancellation * squared_length && std::abs(most) < kLargest;
-      most_[j] = holds ? static_cast<float>(most) : kInfinity;
+      most_of[j] = holds ? static_cast<float>(most) : kInfinity;
     }
-    for (const int slot : Retired()) most_[slot] = -kInfinity;
+    for (const int slot : Retired()) {
+      if (std::cmp_less(slot, most_of.size())) most_of[slot] = -kInfinity;
+    }
   }
 
   // The item whose partner, before it, makes the one best merge; -1 when that is not clear.
@@ -221,8 +239,8 @@ class ClearMerges {
 
   // Finds the best of an item's gains. False when one is not a finite number.
   bool MakeExact(int i) {
-    FindMost(i, items_.Row(i), i);
-    const Span<const float> most{most_.data(), i};
+    const Span<float> most = Most(i);
+    FindMost(i, items_.Row(i), most);
     bounds_[i] = LargestOf(most);
     if (bounds_[i] == -kInfinity) return true;  // no item is left before it
     const int first =
@@ -278,7 +296,7 @@ class ClearMerges {
 
   // Brings the bounds up to date after item i went into item j.
   void Renew(int i, int j) {
-    FindMost(j, products_.data(), items_.count);
+    FindMost(j, products_.data(), Most(items_.count));
     bounds_[i] = -kInfinity;
     partners_[i] = kUnknown;
     bounds_[j] = LargestOf({most_.data(), j});

@@ -8,6 +8,7 @@
 #include "lib/matrix/similarities.h"
 #include "lib/support/pqueue.h"
 #include "lib/support/progress.h"
+#include "lib/support/team.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -27,6 +28,7 @@ struct NodeMatrix {
 // Sums rows, then columns, upwards. Every parent has a higher number than its children, so each
 // node is complete before it is added and entry (x, y) ends as D_x.D_y.
 void SumUpwards(int n, Span<const int> ptree, const NodeMatrix& s) {
+  constexpr int kCellsOfAPiece = 1024;  // each in a row of its own, so waited for
   const int nodes = 2 * n - 1;
   for (int x = 0; x < nodes; ++x) {
     for (int y = x < n ? n : 0; y < 2 * n; ++y) s.at(x, y) = 0;
@@ -36,19 +38,28 @@ void SumUpwards(int n, Span<const int> ptree, const NodeMatrix& s) {
     Poll();
     const int parent = ptree[x];
     for (int y = 0; y < nodes; ++y) s.at(parent, y) += s.at(x, y);
-    for (int y = 0; y < nodes; ++y) s.at(y, parent) += s.at(y, x);
+    ShareOut(nodes, kCellsOfAPiece, [&](std::int64_t first, std::int64_t last, int) {
+      for (auto y = static_cast<int>(first); y < last; ++y) s.at(y, parent) += s.at(y, x);
+    });
   }
 }
 
 // Turns dot products into average similarities. The root's row stays undivided, on purpose; no
 // comparison reads it.
 void DivideByWeights(int n, Span<const int> twgts, const NodeMatrix& s) {
-  for (int x = 0; x < 2 * n - 2; ++x) {
+  constexpr int kRowsAtATime = 256;
+  constexpr int kRowsOfAPiece = 4;
+  for (int begin = 0; begin < 2 * n - 2; begin += kRowsAtATime) {
     Poll();
-    for (int y = 0; y < 2 * n - 1; ++y) {
-      const std::int64_t pairs = CountProduct(twgts[x], twgts[y]);
-      s.at(x, y) = static_cast<float>(s.at(x, y) / static_cast<Wide>(pairs));
-    }
+    ShareOut(std::min(kRowsAtATime, 2 * n - 2 - begin), kRowsOfAPiece,
+             [&](std::int64_t first, std::int64_t last, int) {
+               for (int x = begin + static_cast<int>(first); x < begin + last; ++x) {
+                 for (int y = 0; y < 2 * n - 1; ++y) {
+                   const std::int64_t pairs = CountProduct(twgts[x], twgts[y]);
+                   s.at(x, y) = static_cast<float>(s.at(x, y) / static_cast<Wide>(pairs));
+                 }
+               }
+             });
   }
 }
 
