@@ -36,6 +36,7 @@ void FuzzLibrary(Bytes bytes);      // the entry points of molva.h
 void FuzzProgram(Bytes bytes);      // whole runs
 void FuzzPlots(Bytes bytes);        // plot files
 void FuzzImport(Bytes bytes);       // inputs of mardle-import
+void FuzzArrays(Bytes bytes);       // binary inputs of mardle-import
 void FuzzExport(Bytes bytes);       // files for mardle-export
 void FuzzArithmetic(Bytes bytes);   // clusterings under both arithmetics
 
@@ -43,7 +44,7 @@ inline constexpr Target kTargets[] = {
     {"matrix", FuzzMatrix},         {"labels", FuzzLabels},   {"command_line", FuzzCommandLine},
     {"numbers", FuzzNumbers},       {"library", FuzzLibrary}, {"program", FuzzProgram},
     {"plots", FuzzPlots},           {"import", FuzzImport},   {"export", FuzzExport},
-    {"arithmetic", FuzzArithmetic},
+    {"arithmetic", FuzzArithmetic}, {"arrays", FuzzArrays},
 };
 
 // A promise that was not kept.

@@ -4,8 +4,10 @@
 # Adds the first inputs to each corpus: what a person would try first. The fuzzers made the others
 # from them.
 #   tests/fuzz/make_seeds.py FOLDER
+import gzip
 import pathlib
 import random
+import struct
 import sys
 
 from corpus import add_inputs
@@ -59,6 +61,41 @@ IMPORTS = {  # format, empty rows left out, options, the input
                     + b"\xc3\x28\n",
     "byte-order-mark": b"\3\0\0\xef\xbb\xbfsea sea\nsea\n",
     "long-line": b"\3\0\0\xffa\xaa\xaa sea\nsea\n",
+}
+
+
+def npy(kind: str, shape: str, data: bytes) -> bytes:
+    """An array as NumPy saves it."""
+    header = f"{{'descr': '{kind}', 'fortran_order': False, 'shape': ({shape}), }}\n".encode()
+    return b"\x93NUMPY\1\0" + struct.pack("<H", len(header)) + header + data
+
+
+def archive(sparse_format: bytes) -> bytes:
+    """The arrays of a sparse matrix of two rows and three columns, as the target takes them."""
+    arrays = [npy("|S3", "", sparse_format), npy("<i8", "2,", struct.pack("<2q", 2, 3)),
+              npy("<i4", "3,", struct.pack("<3i", 0, 2, 3)),
+              npy("<i4", "3,", struct.pack("<3i", 0, 2, 1)),
+              npy("<f4", "3,", struct.pack("<3f", 1, 2, 3)),
+              npy("<i4", "3,", struct.pack("<3i", 0, 0, 1)),
+              npy("<i4", "3,", struct.pack("<3i", 0, 2, 1))]
+    return b"".join(bytes([number]) + array + b"\xfe" for number, array in enumerate(arrays))
+
+
+# The kind of input, options, the input.
+TABLE = npy("<f8", "2, 2", struct.pack("<4d", 1, 2.5, float("nan"), 3))
+ARRAYS = {
+    "array": b"\0\2" + TABLE,
+    "array-standardized": b"\0\x61" + npy(">i2", "2, 2", b"\0\1\0\2\0\3\0\5"),
+    "array-of-halves": b"\0\0" + npy("<f2", "1, 2", b"\0\x3c\0\xc0"),
+    "array-cut": b"\0\0" + TABLE[:-1],
+    "rows": b"\1\0" + archive(b"csr"),
+    "columns": b"\1\0" + archive(b"csc"),
+    "entries": b"\1\0" + archive(b"coo"),
+    "one-array": b"\1\2\7" + TABLE + b"\xfe",
+    "no-archive": b"\2\0PK\5\6" + bytes(18),
+    "packed-lines": b"\3\x08" + gzip.compress(b"sea and land\nland and sky\n", mtime=0),
+    "latin1-lines": b"\3\x12" + b"caf\xe9 noir\ncaf\xe9 noir\n",
+    "wide-lines": b"\3\x13" + "sea land\nsea land\n".encode("utf-16"),
 }
 FILES = (b"4 3 6\n1 1 2 1\n1 2 2 1\n3 1\n3 4\n\xfe0 0.5 -0.5\n0 1 nan\n1 0 0\n1 0 0\n\xfe"
          b"4 0.5\n4 0.5\n5 0.1\n5 0.2\n6 0.9\n6 0.8\n-1 0.1\n\xfe"
@@ -154,6 +191,7 @@ def seeds() -> dict[str, list[bytes]]:
         "matrix": [*MATRICES.values()],
         "labels": [*LABELS.values()],
         "import": [*IMPORTS.values()],
+        "arrays": [*ARRAYS.values()],
         "export": [*EXPORTS.values()],
         "command_line": [line.replace(" ", "\n").encode() for line in COMMAND_LINES],
         "numbers": [word.encode() for word in NUMBERS],

@@ -164,6 +164,15 @@ class Importing(EndToEnd):
         self.assertEqual(self.run_tool("-denseinput", "m.mat", 2).returncode, 0)
         self.assert_clusters_are(self.lines("m.mat.rclass"), "m.mat.clustering.2")
 
+    def test_a_weighted_matrix_is_clustered_as_the_summary_says(self):
+        self.write("words", "red\nsea\ngarden\nwine\nstorm\n")
+        made = self.call(IMPORT, "--labels", "words", DATA / "tfidf.mtx", "w.mat")
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+        self.assertIn("they look weighted already", made.stdout)
+        self.assertIn("Cluster with: mardle -colmodel=1 w.mat NCLUSTERS\n", made.stdout)
+        self.assertEqual(len(self.lines("w.mat.clabel")), 5)
+        self.assertEqual(self.run_tool("-colmodel=1", "w.mat", 2).returncode, 0)
+
     def test_a_text_without_words_has_a_label_and_no_cluster(self):
         self.write("l.txt", "red apple\n\nred sea\nblue sea\nblue apple\n")
         self.assertEqual(self.call(IMPORT, "l.txt", "l.mat").returncode, 0)

@@ -17,14 +17,14 @@ namespace {
 constexpr char kDescription[] =
     "Turns INPUT into a matrix that mardle reads, with the labels of its rows (.rlabel) and columns\n"
     "(.clabel) and the classes of its rows (.rclass) beside it. INPUT is a folder of texts, a file\n"
-    "with one text a line, a table (CSV, TSV), a Matrix Market file or an svmlight file; - is\n"
-    "standard input. Its format is found out unless --format names it.";
+    "with one text a line, a table (CSV, TSV), a Matrix Market file, an svmlight file, an array of\n"
+    "NumPy or a sparse matrix of SciPy (.npy, .npz); - is standard input. Its format is found out unless --format names it.";
 constexpr char kFooter[] = "Exit status: 0 done, 1 failed, 2 wrong usage.";
 
-const std::map<std::string, InputFormat> kFormats = {{"mtx", InputFormat::kMatrixMarket},
-                                                     {"svmlight", InputFormat::kSvmlight},
-                                                     {"table", InputFormat::kTable},
-                                                     {"lines", InputFormat::kLines}};
+const std::map<std::string, InputFormat> kFormats = {
+    {"mtx", InputFormat::kMatrixMarket}, {"svmlight", InputFormat::kSvmlight},
+    {"table", InputFormat::kTable},      {"lines", InputFormat::kLines},
+    {"npy", InputFormat::kNpy},          {"npz", InputFormat::kNpz}};
 
 const std::map<std::string, Missing> kMissing = {{"drop", Missing::kDrop},
                                                  {"mean", Missing::kMean},
@@ -44,9 +44,9 @@ void AddGeneral(CLI::App& app, ImportOptions& options) {
       ->type_name("");
   app.add_option_function<std::string>(
          "--format", [&options](const std::string& name) { options.format = kFormats.at(name); },
-         "The format of the file: mtx, svmlight, table, lines")
+         "The format of the file: mtx, svmlight, table, lines, npy, npz")
       ->type_name("NAME")
-      ->check(CLI::IsMember({"mtx", "svmlight", "table", "lines"}).description(""));
+      ->check(CLI::IsMember({"mtx", "svmlight", "table", "lines", "npy", "npz"}).description(""));
   app.add_option("--encoding", options.encoding, "The encoding of texts and tables, as latin1")
       ->type_name("NAME");
   app.add_flag("--drop-empty", options.output.drop_empty, "Leave rows without entries out");
@@ -83,6 +83,10 @@ void AddColumns(CLI::App& app, ImportOptions& options) {
                "Bring the columns of a table to mean 0 and deviation 1");
   app.add_flag("--sparse", options.preparation.sparse,
                "Write a table or an array as a sparse matrix");
+  app.add_option("--labels", options.labels.columns,
+                 "The labels of the columns, one a line; for formats that have none")
+      ->type_name("FILE");
+  app.add_option("--row-labels", options.labels.rows, "The same for the rows")->type_name("FILE");
   app.add_flag("--zero-based", options.zero_based, "Columns of svmlight files count from 0");
 }
 

@@ -144,9 +144,7 @@ double DenseRows::FillOf(std::size_t column) const {
   std::vector<double> values = ColumnValues(column);
   if (values.empty()) {
     throw FileError({first_missing_.path, 0},
-                    column_name_(column) +
-                        " has no value at all, so nothing can be filled in; "
-                        "--skip-column leaves it out");
+                    column_name_(column) + " has no value at all, so nothing can be filled in");
   }
   return preparation_.missing == Missing::kMean ? MeanOf(values) : MedianOf(std::move(values));
 }

@@ -8,12 +8,14 @@
 #include <stdexcept>
 
 #include "tools/import/matrix_market.h"
+#include "tools/import/numpy_matrix.h"
 #include "tools/import/option_scope.h"
 #include "tools/import/progress.h"
 #include "tools/import/stop_words.h"
 #include "tools/import/svmlight.h"
 #include "tools/import/table_matrix.h"
 #include "tools/import/text_input.h"
+#include "tools/import/unpacked_file.h"
 #include "tools/text/fields.h"
 #include "tools/text/file_identity.h"
 #include "tools/text/input_lines.h"
@@ -37,6 +39,9 @@ std::optional<int> LineColumn(const std::string& name) {
 // Those of a folder are looked at one by one, as they are read.
 std::vector<std::string> InputsOf(const ImportOptions& options) {
   std::vector<std::string> inputs = {options.input == "-" ? "/dev/stdin" : options.input};
+  for (const std::string& file : {options.labels.columns, options.labels.rows}) {
+    if (!file.empty()) inputs.push_back(file);
+  }
   for (const auto* names : {&options.words.stop_words, &options.words.more_stop_words}) {
     std::copy_if(names->begin(), names->end(), std::back_inserter(inputs), IsStopWordFile);
   }
@@ -117,20 +122,35 @@ ImportResult ImportNumbers(const ImportOptions& options, InputLines& input, Prog
 
 ImportResult ImportLines(const ImportOptions& options, InputFormat format, InputLines& input,
                          Progress& progress) {
+  const GivenLabels labels(options.labels);
   switch (format) {
     case InputFormat::kMatrixMarket:
-      return {format,
-              ImportMatrixMarket(input, options.output, options.preparation.sparse, progress)};
+      return {format, ImportMatrixMarket(input, options.output, options.preparation.sparse, labels,
+                                         progress)};
     case InputFormat::kSvmlight:
-      return {format, ImportSvmlight(input, options.output, options.zero_based, progress)};
+      return {format, ImportSvmlight(input, options.output, options.zero_based, labels, progress)};
     case InputFormat::kTable:
       if (!options.table.text_columns.empty()) break;
       return ImportNumbers(options, input, progress);
     case InputFormat::kLines:
     case InputFormat::kFolder:
+    case InputFormat::kNpy:
+    case InputFormat::kNpz:
       break;
   }
   return ImportTexts(options, format, &input, progress);
+}
+
+ImportResult ImportNumpy(const ImportOptions& options, InputFormat format) {
+  RefuseIdleOptions(options, format);
+  const GivenLabels labels(options.labels);
+  UnpackedFile file(options.input);
+  std::string bytes = WholeContents(file);
+  ImportResult result{format};
+  const NumpyRequest request{file.name(), options.output, options.preparation, labels};
+  result.matrix = format == InputFormat::kNpy ? ImportNpy(std::move(bytes), request, result.notes)
+                                              : ImportNpz(bytes, request, result.notes);
+  return result;
 }
 
 ImportResult ImportFile(const ImportOptions& options, Progress& progress) {
@@ -144,10 +164,12 @@ ImportResult ImportFile(const ImportOptions& options, Progress& progress) {
   return result;
 }
 
-// What mardle needs to be told of the matrix. A sparse one whose cells are all stored has no IDF.
+// What mardle needs to be told of the matrix. A sparse one whose cells are all stored has no IDF,
+// and one that is weighted needs none.
 const char* OptionsFor(const MatrixSummary& matrix) {
   if (matrix.dense) return "-denseinput ";
-  return matrix.entries == matrix.rows * matrix.columns ? "-colmodel=1 " : "";
+  const bool full = matrix.entries == matrix.rows * matrix.columns;
+  return full || !matrix.whole_numbers ? "-colmodel=1 " : "";
 }
 
 }  // namespace
@@ -159,6 +181,10 @@ ImportResult Import(const ImportOptions& options) {
   if (!options.format && std::filesystem::is_directory(options.input)) {
     RefuseIdleOptions(options, InputFormat::kFolder);
     return ImportTexts(options, InputFormat::kFolder, nullptr, progress);
+  }
+  const auto binary = options.format ? options.format : BinaryFormatOf(options.input);
+  if (binary == InputFormat::kNpy || binary == InputFormat::kNpz) {
+    return ImportNumpy(options, *binary);
   }
   return ImportFile(options, progress);
 }
@@ -175,6 +201,11 @@ std::string Summary(const ImportOptions& options, const ImportResult& result) {
   if (matrix.empty_rows > 0) {
     text += Count(matrix.empty_rows, "row", "rows") + " without entries " +
             (options.output.drop_empty ? "left out" : "kept (--drop-empty leaves them out)") + "\n";
+  }
+  if (!matrix.dense && !matrix.whole_numbers) {
+    text +=
+        "The values are not whole numbers, so they look weighted already: -colmodel=1 weighs the "
+        "columns no further\n";
   }
   return text + "Cluster with: mardle " + OptionsFor(matrix) + ShellText(path) + " NCLUSTERS\n";
 }

@@ -8,6 +8,7 @@
 
 #include "tools/import/dense_rows.h"
 #include "tools/import/documents.h"
+#include "tools/import/given_labels.h"
 #include "tools/import/input_format.h"
 #include "tools/import/matrix_writer.h"
 #include "tools/import/table_columns.h"
@@ -23,6 +24,7 @@ struct ImportOptions {
   MatrixOutput output;
   Preparation preparation;  // tables and arrays
   bool zero_based = false;  // svmlight
+  LabelFiles labels;        // of formats that have none
   TableOptions table;       // the label and class columns are also those of lines
   FolderOptions folder;
   WordOptions words;

@@ -63,6 +63,12 @@ bool LooksLikeTable(std::string_view header, std::string_view row) {
 
 }  // namespace
 
+std::optional<InputFormat> BinaryFormatOf(const std::string& path) {
+  if (path.ends_with(".npy") || path.ends_with(".npy.gz")) return InputFormat::kNpy;
+  if (path.ends_with(".npz")) return InputFormat::kNpz;
+  return std::nullopt;
+}
+
 InputFormat DetectFormat(const std::string& path, std::string_view beginning) {
   if (std::filesystem::is_directory(path)) return InputFormat::kFolder;
   if (beginning.starts_with(kBanner)) return InputFormat::kMatrixMarket;
@@ -86,6 +92,10 @@ const char* FormatName(InputFormat format) {
       return "lines of text";
     case InputFormat::kFolder:
       return "folder of texts";
+    case InputFormat::kNpy:
+      return "NumPy array";
+    case InputFormat::kNpz:
+      return "NumPy archive";
   }
   return "";
 }

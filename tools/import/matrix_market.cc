@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tools/import/matrix_market.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <string>
-#include <tuple>
 #include <vector>
 
 #include "tools/import/matrix_value.h"
+#include "tools/import/triples.h"
 #include "tools/text/fields.h"
 #include "tools/text/numbers.h"
 
@@ -27,12 +26,6 @@ struct Size {
   int rows = 0;
   int columns = 0;
   long long entries = 0;
-};
-
-struct Triple {
-  int row;
-  int column;
-  double value;
 };
 
 std::string AsciiLowerCase(std::string_view text) {
@@ -103,17 +96,6 @@ Size ReadSize(InputLines& input, const Banner& banner) {
     input.Fail("a symmetric matrix has as many rows as columns");
   }
   return size;
-}
-
-// A few bytes must not become millions of lines without entries.
-void RefuseRowsThatAreNotThere(const InputLines& input, const Banner& banner, const Size& size) {
-  constexpr int kManyRows = 1000000;
-  constexpr int kRowsOfAnEntry = 100;
-  const long long entries = banner.array ? 1LL * size.rows * size.columns : size.entries;
-  if (size.rows <= kManyRows || entries >= size.rows / kRowsOfAnEntry) return;
-  input.Fail(std::to_string(size.rows) + " rows for " + std::to_string(entries) +
-             (entries == 1 ? " entry" : " entries") +
-             ": hardly a row has one; --drop-empty leaves the others out");
 }
 
 int IndexIn(std::string_view text, int most, const char* what, const InputLines& input) {
@@ -187,51 +169,20 @@ std::vector<Triple> ReadArray(InputLines& input, const Banner& banner, const Siz
   return triples;
 }
 
-// The entries of the row that begins at `triple`, which moves behind them: equal columns added up,
-// zeros left out.
-void TakeRow(std::vector<Triple>::const_iterator& triple, std::vector<Triple>::const_iterator end,
-             int row, std::vector<Entry>& entries) {
-  entries.clear();
-  for (; triple != end && triple->row == row; ++triple) {
-    if (!entries.empty() && entries.back().column == triple->column) {
-      entries.back().value += triple->value;
-    } else {
-      entries.push_back({triple->column, triple->value});
-    }
-  }
-  std::erase_if(entries, [](const Entry& entry) { return entry.value == 0; });
-}
-
 }  // namespace
 
 MatrixSummary ImportMatrixMarket(InputLines& input, const MatrixOutput& output, bool sparse,
-                                 Progress& progress) {
+                                 const GivenLabels& labels, Progress& progress) {
   const Banner banner = ReadBanner(input);
   const Size size = ReadSize(input, banner);
-  if (!output.drop_empty) RefuseRowsThatAreNotThere(input, banner, size);
+  if (!output.drop_empty) {
+    const long long entries = banner.array ? 1LL * size.rows * size.columns : size.entries;
+    RefuseRowsThatAreNotThere(input.place(), size.rows, entries);
+  }
   std::vector<Triple> triples = banner.array ? ReadArray(input, banner, size, progress)
                                              : ReadCoordinates(input, banner, size, progress);
-  // Stable, so that values given several times add up in the order of the file.
-  std::stable_sort(triples.begin(), triples.end(), [](const Triple& a, const Triple& b) {
-    return std::tie(a.row, a.column) < std::tie(b.row, b.column);
-  });
-
-  std::optional<int> dense_columns;
-  if (banner.array && !sparse) dense_columns = size.columns;
-  MatrixWriter writer(output, dense_columns);
-  std::vector<Entry> entries;
-  auto triple = triples.cbegin();
-  for (int row = 0; row < size.rows; ++row) {
-    if (output.drop_empty) {
-      const int next = triple == triples.cend() ? size.rows : triple->row;
-      writer.LeaveOut(next - row);
-      row = next;
-      if (row == size.rows) break;
-    }
-    TakeRow(triple, triples.cend(), row, entries);
-    writer.AddRow(entries, {}, {input.place().path + ", row " + std::to_string(row + 1), 0});
-  }
-  return writer.Finish(size.columns);
+  const TripleMatrix matrix{input.place().path, size.rows, size.columns, banner.array && !sparse};
+  return WriteTriples(triples, matrix, output, labels);
 }
 
 }  // namespace mardle::tools

@@ -14,4 +14,7 @@ namespace mardle::tools {
 // for the single precision in which mardle keeps it; `what` names the field in the message.
 double MatrixValue(std::string_view text, const Place& place, const std::string& what);
 
+// The same check of a number that is there already.
+double CheckedValue(double value, const Place& place, const std::string& what);
+
 }  // namespace mardle::tools

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tools/import/matrix_writer.h"
 
+#include <algorithm>
 #include <climits>
+#include <cmath>
 #include <filesystem>
 
 #include "tools/import/label_text.h"
@@ -40,6 +42,11 @@ void CheckLength(const std::string& line, const Place& place) {
                              ": raise --min-count, leave columns out or split the document");
 }
 
+bool AreWhole(std::span<const Entry> entries) {
+  return std::all_of(entries.begin(), entries.end(),
+                     [](const Entry& entry) { return entry.value == std::round(entry.value); });
+}
+
 }  // namespace
 
 std::vector<std::string> FilesOf(const MatrixOutput& output) {
@@ -61,6 +68,7 @@ void MatrixWriter::AddRow(std::span<const Entry> entries, const RowNames& names,
   if (entries.empty() && output_.drop_empty) return;
   ++summary_.rows;
   summary_.entries += static_cast<std::int64_t>(entries.size());
+  summary_.whole_numbers = summary_.whole_numbers && AreWhole(entries);
   CheckCount(output_.path, summary_.rows, "rows");
   CheckCount(output_.path, summary_.entries, "entries");
   line_.clear();

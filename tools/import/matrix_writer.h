@@ -46,6 +46,7 @@ struct MatrixSummary {
   std::int64_t entries = 0;     // other than 0
   std::int64_t empty_rows = 0;  // written or, with drop_empty, left out
   bool dense = false;
+  bool whole_numbers = true;  // no value has a fraction
 };
 
 class MatrixWriter {

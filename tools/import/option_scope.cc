@@ -9,8 +9,10 @@ namespace {
 
 // The format with the two uses of tables told apart.
 struct Kind {
-  bool table, table_of_texts, lines, folder, svmlight, matrix_market;
+  bool table, table_of_texts, lines, folder, svmlight, matrix_market, numpy;
   bool AnyTable() const { return table || table_of_texts; }
+  bool Unlabelled() const { return svmlight || matrix_market || numpy; }
+  bool Numbers() const { return table || numpy; }
   bool Texts() const { return table_of_texts || lines || folder; }
 };
 
@@ -22,7 +24,8 @@ Kind KindOf(const ImportOptions& options, InputFormat format) {
           .lines = format == InputFormat::kLines,
           .folder = format == InputFormat::kFolder,
           .svmlight = format == InputFormat::kSvmlight,
-          .matrix_market = format == InputFormat::kMatrixMarket};
+          .matrix_market = format == InputFormat::kMatrixMarket,
+          .numpy = format == InputFormat::kNpy || format == InputFormat::kNpz};
 }
 
 void Require(bool useful, bool given, const char* option, InputFormat format) {
@@ -48,10 +51,13 @@ void RefuseIdleOptions(const ImportOptions& options, InputFormat format) {
   require(kind.table, !table.skipped_columns.empty(), "--skip-column");
   require(kind.AnyTable(), table.delimiter.has_value(), "--delimiter");
   require(kind.AnyTable(), table.no_header, "--no-header");
-  require(kind.table || kind.matrix_market, options.preparation.sparse, "--sparse");
-  require(kind.table, options.preparation.standardize, "--standardize");
-  require(kind.table, options.preparation.missing != Missing::kRefused, "--missing");
+  require(kind.Numbers() || kind.matrix_market, options.preparation.sparse, "--sparse");
+  require(kind.Numbers(), options.preparation.standardize, "--standardize");
+  require(kind.Numbers(), options.preparation.missing != Missing::kRefused, "--missing");
   require(kind.table, table.decimal_comma, "--decimal-comma");
+  require(!kind.numpy, !options.encoding.empty(), "--encoding");
+  require(kind.Unlabelled(), !options.labels.columns.empty(), "--labels");
+  require(kind.Unlabelled(), !options.labels.rows.empty(), "--row-labels");
   require(kind.svmlight, options.zero_based, "--zero-based");
   require(kind.folder, options.folder.file_pattern != kDefaults.folder.file_pattern, "--files");
   require(kind.folder, options.folder.folder_classes, "--folder-classes");

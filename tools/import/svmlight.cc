@@ -74,10 +74,11 @@ bool LooksLikeSvmlight(std::string_view line) {
 }
 
 MatrixSummary ImportSvmlight(InputLines& input, const MatrixOutput& output, bool zero_based,
-                             Progress& progress) {
+                             const GivenLabels& labels, Progress& progress) {
   MatrixWriter writer(output);
   std::vector<Entry> entries;
-  std::int64_t columns = 0;
+  auto columns = static_cast<std::int64_t>(labels.columns().size());
+  std::int64_t row = 0;
   std::string_view line;
   while (input.Next(line)) {
     const std::vector<std::string_view> fields = FieldsOf(WithoutComment(line));
@@ -88,10 +89,15 @@ MatrixSummary ImportSvmlight(InputLines& input, const MatrixOutput& output, bool
     ParseEntries(fields, zero_based, input, entries);
     if (!entries.empty()) columns = std::max<std::int64_t>(columns, entries.back().column + 1LL);
     std::erase_if(entries, [](const Entry& entry) { return entry.value == 0; });
-    writer.AddRow(entries, {.class_name = ClassOf(fields[0])}, input.place());
+    RowNames names = labels.OfRow(row++);
+    const std::string class_name = ClassOf(fields[0]);
+    names.class_name = class_name;
+    writer.AddRow(entries, names, input.place());
     progress.Step();
   }
-  return writer.Finish(columns);
+  labels.RequireRows(row);
+  labels.RequireColumns(columns);
+  return writer.Finish(columns, labels.columns());
 }
 
 }  // namespace mardle::tools

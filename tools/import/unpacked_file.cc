@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -54,6 +55,15 @@ void UnpackedFile::Fail() {
   if (error == Z_MEM_ERROR) throw std::bad_alloc();
   if (error == Z_BUF_ERROR) throw FileError({name_, 0}, "the compressed data end too early");
   throw FileError({name_, 0}, "the compressed data are damaged");
+}
+
+std::string WholeContents(UnpackedFile& file) {
+  std::string bytes;
+  std::array<char, kBlock> block;
+  while (const std::size_t count = file.Read(block.data(), block.size())) {
+    bytes.append(block.data(), count);
+  }
+  return bytes;
 }
 
 }  // namespace mardle::tools

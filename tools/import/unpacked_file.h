@@ -33,4 +33,7 @@ class UnpackedFile {
   std::unique_ptr<gzFile_s, Close> file_;
 };
 
+// All of it.
+std::string WholeContents(UnpackedFile& file);
+
 }  // namespace mardle::tools

@@ -25,6 +25,10 @@ TEST(DetectFormat, GoesByFolderBannerAndName) {
   EXPECT_EQ(Detected("x.tab"), InputFormat::kTable);
   EXPECT_EQ(Detected("x.libsvm"), InputFormat::kSvmlight);
   EXPECT_EQ(Detected("x.txt", "a,b\n1,2\n"), InputFormat::kLines);
+  EXPECT_EQ(Detected("x.csv.gz"), InputFormat::kTable);
+  EXPECT_EQ(BinaryFormatOf("x.npz"), InputFormat::kNpz);
+  EXPECT_EQ(BinaryFormatOf("x.npy.gz"), InputFormat::kNpy);
+  EXPECT_EQ(BinaryFormatOf("x.csv"), std::nullopt);
 }
 
 TEST(DetectFormat, GoesByTheFirstLinesElse) {
@@ -73,6 +77,16 @@ TEST(Import, TellsThatAMatrixOfStoredCellsAloneHasNoIdf) {
             "Cluster with: mardle -colmodel=1 out.mat NCLUSTERS\n");
 }
 
+TEST(Import, TellsThatValuesLookWeightedAlready) {
+  Imported imported("x.svm", "0 1:2 2:1\n1 1:0.5\n");
+  EXPECT_EQ(
+      imported.WithoutFolder(Summary(imported.options, Import(imported.options))),
+      "out.mat: 2 rows, 2 columns, 3 entries, sparse, from x.svm (svmlight)\n"
+      "The values are not whole numbers, so they look weighted already: -colmodel=1 weighs the "
+      "columns no further\n"
+      "Cluster with: mardle -colmodel=1 out.mat NCLUSTERS\n");
+}
+
 TEST(Import, OptionsWithoutUseAreRefused) {
   using Change = std::function<void(ImportOptions&)>;
   const struct {
@@ -89,6 +103,9 @@ TEST(Import, OptionsWithoutUseAreRefused) {
       {"x.txt", "a b\n", "--standardize", [](auto& o) { o.preparation.standardize = true; }},
       {"x.svm", "1 1:1\n", "--missing", [](auto& o) { o.preparation.missing = Missing::kDrop; }},
       {"x.txt", "a b\n", "--decimal-comma", [](auto& o) { o.table.decimal_comma = true; }},
+      {"x.csv", "a\n1\n", "--labels", [](auto& o) { o.labels.columns = "l"; }},
+      {"x.txt", "a b\n", "--row-labels", [](auto& o) { o.labels.rows = "l"; }},
+      {"x.npy", "", "--encoding", [](auto& o) { o.encoding = "latin1"; }},
       {"x.csv", "a\n1\n", "--zero-based", [](auto& o) { o.zero_based = true; }},
       {"x.csv", "a\n1\n", "--files", [](auto& o) { o.folder.file_pattern = "*.x"; }},
       {"x.csv", "a\n1\n", "--folder-classes", [](auto& o) { o.folder.folder_classes = true; }},
@@ -158,6 +175,10 @@ TEST(ImportOptions, EachSetsItsField) {
                       "--stem",
                       "french",
                       "--pairs",
+                      "--labels",
+                      "lc",
+                      "--row-labels",
+                      "lr",
                       "--encoding",
                       "latin1",
                       "--decimal-comma",
@@ -183,6 +204,8 @@ TEST(ImportOptions, EachSetsItsField) {
   EXPECT_EQ(options.words.more_stop_words, (std::vector<std::string>{"g"}));
   EXPECT_EQ(options.words.stem_language, "french");
   EXPECT_TRUE(options.words.pairs);
+  EXPECT_EQ(options.labels.columns, "lc");
+  EXPECT_EQ(options.labels.rows, "lr");
   EXPECT_EQ(options.limits.min_count, 3);
   EXPECT_EQ(options.limits.max_fraction, 0.5);
   EXPECT_TRUE(options.output.drop_empty);

@@ -113,4 +113,17 @@ TEST(MatrixMarket, ARowThatIsTooLongIsNamed) {
   EXPECT_EQ(Fails(text).substr(0, 36), "m.mtx, row 2: the row would be a lin");
 }
 
+TEST(MatrixMarket, LabelsComeFromFilesAndGoWithTheirRows) {
+  Imported imported("a.mtx",
+                    "%%MatrixMarket matrix coordinate real general\n3 2 2\n1 1 1\n3 2 1\n");
+  imported.options.labels.columns = imported.folder.Write("words", "red\nsea\n");
+  imported.options.labels.rows = imported.folder.Write("names", "first\nsecond\nthird\n");
+  imported.options.output.drop_empty = true;
+  EXPECT_EQ(imported.Run(".rlabel"), "first\nthird\n");
+  EXPECT_EQ(imported.Read(".clabel"), "red\nsea\n");
+  imported.folder.Write("words", "red\n");
+  imported.Again();
+  EXPECT_EQ(imported.Failure(), "words: 1 labels for 2 columns");
+}
+
 }  // namespace

@@ -32,6 +32,25 @@ TEST(Svmlight, AColumnOfZerosCounts) {
   EXPECT_EQ(Imported("a.svm", "1 1:1 9:0\n").Run(), "1 9 1\n1 1\n");
 }
 
+TEST(Svmlight, LabelsComeFromFiles) {
+  Imported imported("a.svm", "1 1:2\n2 2:3\n");
+  imported.options.labels.columns = imported.folder.Write("words", "red\r\nsea\nwine\n");
+  imported.options.labels.rows = imported.folder.Write("names", "first\nsecond\n");
+  EXPECT_EQ(imported.Run(), "2 3 2\n1 2\n2 3\n");
+  EXPECT_EQ(imported.Read(".clabel"), "red\nsea\nwine\n");
+  EXPECT_EQ(imported.Read(".rlabel"), "first\nsecond\n");
+}
+
+TEST(Svmlight, LabelsThatAreTooFewAreAnError) {
+  Imported imported("a.svm", "1 1:2 2:2\n2 2:3\n");
+  imported.options.labels.columns = imported.folder.Write("words", "red\n");
+  EXPECT_EQ(imported.Failure(), "words: 1 labels for 2 columns");
+  imported.options.labels = {.columns = "", .rows = imported.folder.Write("names", "first\n")};
+  EXPECT_EQ(imported.Failure(), "names: 1 labels for 2 rows");
+  imported.options.labels.rows = imported.folder.Write("names", "");
+  EXPECT_EQ(imported.Failure(), "names: there are no labels");
+}
+
 TEST(Svmlight, ErrorsNameFileAndLine) {
   EXPECT_EQ(Fails("1 1:1\n1 x\n"), "a.svm:2: not COLUMN:VALUE: 'x'");
   EXPECT_EQ(Fails("1 a:1\n"), "a.svm:1: no column number: 'a:1'");

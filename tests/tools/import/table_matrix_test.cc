@@ -220,8 +220,7 @@ TEST(MissingValues, AColumnWithoutAnyCannotBeFilled) {
   Imported imported("t.csv", "a,b\n1,\n2,\n");
   imported.options.preparation.missing = Missing::kMean;
   EXPECT_EQ(imported.Failure(),
-            "t.csv: column 2 (b) has no value at all, so nothing can be filled in; --skip-column "
-            "leaves it out");
+            "t.csv: column 2 (b) has no value at all, so nothing can be filled in");
 }
 
 // The mean of 1 and 3 is 2, and both are 1 away from it; those of -3, 1, 5, 1: 1, and the root of
