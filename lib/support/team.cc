@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <exception>
 #include <mutex>
@@ -60,7 +61,7 @@ class Team {
   explicit Team(int size) : size_(size), may_look_(size <= ProcessorCount()) {}
   ~Team() {
     state_.fetch_or(kEnded);
-    state_.notify_all();
+    Wake();
     for (std::thread& helper : helpers_) helper.join();
   }
   Team(const Team&) = delete;
@@ -76,7 +77,7 @@ class Team {
     work_ = work;
     next_.store(0, std::memory_order_relaxed);
     state_.store(((state_.load() & kLoop) + kOneLoop) | kOpen);
-    state_.notify_all();
+    Wake();
     current_team = nullptr;
     TakePieces(0);
     current_team = this;
@@ -87,8 +88,7 @@ class Team {
 
  private:
   // How many helpers are in a loop, whether it may be joined, whether all is over, and the number
-  // of the loop, which may wrap around: a helper that slept so long would miss one loop. In 32
-  // bits, as the system waits for no others.
+  // of the loop, which may wrap around: a helper that slept so long would miss one loop.
   using State = std::uint32_t;
   static constexpr State kJoined = (1 << 11) - 1;
   static_assert(kMostThreads <= kJoined);
@@ -121,7 +121,7 @@ class Team {
         done = state & kLoop;
         TakePieces(member);
         // The caller may be waiting for the last one.
-        if (state_.fetch_sub(1) == (done | 1)) state_.notify_all();
+        if (state_.fetch_sub(1) == (done | 1)) Wake();
         looks = 0;
       }
     }
@@ -133,11 +133,15 @@ class Team {
   }
 
   void WaitWhile(State state, int looks) {
-    if (may_look_ && looks < kLooks) {
-      Pause();
-    } else {
-      state_.wait(state);
-    }
+    if (may_look_ && looks < kLooks) return Pause();
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [&] { return state_.load() != state; });
+  }
+
+  // After a change of the state. Who is about to sleep holds the mutex or sees the change.
+  void Wake() {
+    { const std::lock_guard<std::mutex> guard(mutex_); }
+    changed_.notify_all();
   }
 
   void TakePieces(int member) {
@@ -147,7 +151,7 @@ class Team {
         function_(work_, first, std::min(first + piece_, count_), member);
       }
     } catch (...) {
-      const std::lock_guard<std::mutex> guard(error_mutex_);
+      const std::lock_guard<std::mutex> guard(mutex_);
       if (!error_) error_ = std::current_exception();
       next_.store(count_);
     }
@@ -169,6 +173,8 @@ class Team {
   bool started_ = false;
   std::vector<std::thread> helpers_;
   std::atomic<State> state_{0};
+  std::mutex mutex_;
+  std::condition_variable changed_;
 
   std::atomic<std::int64_t> next_{0};  // where the next piece begins
   std::int64_t count_ = 0;
@@ -176,7 +182,6 @@ class Team {
   PieceFunction function_ = nullptr;
   const void* work_ = nullptr;
 
-  std::mutex error_mutex_;
   std::exception_ptr error_;
 };
 

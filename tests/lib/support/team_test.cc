@@ -87,7 +87,7 @@ TEST_F(Teams, TakeEveryPieceOnce) {
 }
 
 TEST_F(Teams, HandOutManyLoopsOneAfterAnother) {
-  constexpr int kLoops = 20000;
+  constexpr int kLoops = 3000;
   SetThreadCount(3);
   const TeamScope team;
   std::int64_t sum = 0;
