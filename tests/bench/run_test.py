@@ -111,8 +111,17 @@ class Measuring(InFolder):
         self.assertEqual(bench.agreement(one), "DIFFERS: m.clustering.2")
 
     def test_the_least_of_each_figure_counts(self):
-        runs = [bench.Run(1, 5, 3, 4, 9, 60, {}), bench.Run(2, 4, 3, 5, 8, 50, {})]
-        self.assertEqual(bench.least(runs)[:6], (1, 4, 3, 4, 8, 50))
+        runs = [bench.Run(1, 5, 3, 4, 0.5, 9, 60, {}), bench.Run(2, 4, 3, 5, 0.1, 8, 50, {})]
+        self.assertEqual(bench.least(runs)[:7], (1, 4, 3, 4, 0.1, 8, 50))
+
+    def test_waiting_is_told_of_runs_with_one_thread(self):
+        ran = bench.Run(0, 0, 0, 2.5, 0.5, 4, 0, {})
+        waited = bench.Run(0, 0, 0, 1.5, 0.5, 6, 0, {})
+        case = bench.Case(None, 1, 1, "1", [ran], [waited], [])
+        both = bench.Case(None, 1, 1, "2", [waited._replace(wall=1)], [waited], [])
+        self.assertEqual(bench.waiting([case]), 0.5)
+        self.assertEqual(bench.waiting([case, case]), 0.5)
+        self.assertAlmostEqual(bench.waiting([both]), 1 - 2 / 6)
 
     def test_a_run_that_does_not_complete_ends_all(self):
         with self.assertRaises(SystemExit):
