@@ -1,5 +1,5 @@
 # Fails when an include arrow turns back: support <- lib <- programs/io <- programs <- tools, and
-# between the wings of lib. Among the tools text <- import, text <- run and text <- export, and nothing
+# between the wings of lib. programs/files sees nothing of ours. Among the tools text <- import, text <- run and text <- export, and nothing
 # between the three. Programs and tools see the library through lib/molva.h and lib/support/ only;
 # programs/io also sees run_params.h. The Python extension sees the library and the reader.
 #   cmake -DSOURCE_DIR=... -P CheckIncludes.cmake
@@ -36,11 +36,12 @@ wing(tree support matrix criteria rough)
 wing(measure support matrix criteria tree)
 # The entry points see all wings; molva.h finds its other half beside it.
 check(lib "(lib/([a-z]+/)?[a-z0-9_]+|molva_codes)\\.h")
-check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h|programs/run_params\\.h)")
-check(programs "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h)")
-set(seen_by_tools "lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io/)?[a-z0-9_]+\\.h")
+check(programs/files "programs/files/[a-z0-9_]+\\.h")
+check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io|files)/[a-z0-9_]+\\.h|programs/run_params\\.h)")
+set(seen_by_tools "lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/((io|files)/)?[a-z0-9_]+\\.h")
+check(programs "(${seen_by_tools})")
 check(tools "(${seen_by_tools})")
-check(tools/text "(lib/support|tools/text)/[a-z0-9_]+\\.h")
+check(tools/text "(lib/support|programs/files|tools/text)/[a-z0-9_]+\\.h")
 check(tools/import "(${seen_by_tools}|tools/(text|import)/[a-z0-9_]+\\.h)")
 check(tools/run "(${seen_by_tools}|tools/(text|run)/[a-z0-9_]+\\.h)")
 check(tools/export "(${seen_by_tools}|tools/(text|export|export/measures|export/page)/[a-z0-9_]+\\.h)")

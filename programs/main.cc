@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "lib/support/files.h"
+#include "programs/files/partial_files.h"
 #include "programs/run.h"
 
 int main(int argc, char** argv) {
@@ -13,5 +14,8 @@ int main(int argc, char** argv) {
   std::signal(SIGXFSZ, SIG_IGN);
   // Every way out flushes standard output and reports when that fails.
   std::atexit(molva::FlushStandardOutput);
+  // None leaves a result behind that is not whole.
+  std::atexit(mardle::RemovePartialFiles);
+  mardle::RemovePartialFilesWhenInterrupted();
   return mardle::Run(argc, argv);
 }

@@ -10,14 +10,11 @@
 #include "lib/support/fatal.h"
 
 namespace molva {
-namespace {
 
 void ReportFailedWrite(const char* path, int error) {
   std::fprintf(stderr, "Writing %s failed: %s\n", path, std::strerror(error));
   std::fflush(stderr);
 }
-
-}  // namespace
 
 // Opening may truncate what was there, so nothing may fail after it.
 File OpenFile(const char* path, const char* mode) {
@@ -35,13 +32,15 @@ File RVfopen(const char* path, const char* mode, const char* name) {
   return file;
 }
 
-void CloseFile(File& file) {
-  if (!file) return;
+bool CloseFile(File& file) {
+  if (!file) return true;
   // A write that failed earlier keeps the error flag but not its reason; closing usually meets the
   // same reason again, and errno still holds the earlier one when it does not.
   const bool failed_before = std::ferror(file.get()) != 0;
   const bool failed_now = std::fclose(file.stream.release()) != 0;
-  if (failed_before || failed_now) ReportFailedWrite(file.path.c_str(), errno);
+  if (!failed_before && !failed_now) return true;
+  ReportFailedWrite(file.path.c_str(), errno);
+  return false;
 }
 
 void FlushStandardOutput() {

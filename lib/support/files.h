@@ -30,8 +30,11 @@ File OpenFile(const char* path, const char* mode);
 File RVfopen(const char* path, const char* mode, const char* name);
 
 // Closes the file. Data that could not be written is reported in one line on standard error, and
-// the run goes on.
-void CloseFile(File& file);
+// the run goes on. Returns whether everything was written.
+bool CloseFile(File& file);
+
+// Says on standard error that a file could not be written, and why: a number of errno.
+void ReportFailedWrite(const char* path, int error);
 
 // Flushes standard output and reports failed writes as CloseFile does.
 void FlushStandardOutput();

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "lib/support/fatal.h"
-#include "lib/support/files.h"
 #include "lib/support/printed.h"
+#include "programs/io/result_file.h"
 
 namespace mardle {
 namespace {
@@ -65,25 +65,25 @@ std::string TreeName(const molva::String& filename, const molva::String& treefil
 void WriteClustering(const RunParams& params, const Matrix& mat, const Clusters& clusters) {
   const std::string name = ClusteringName(params, clusters.count);
   // Opened before the z-scores are computed, so a name that cannot be written is reported at once.
-  molva::File file = molva::OpenFile(name.c_str(), "w");
+  ResultFile file(name);
   if (!file) molva::FatalError("Problems in opening the clustering file: %s", name.c_str());
   if (params.zscores) {
     WriteClustersAndScores(file.get(), params, mat, clusters);
   } else {
     WriteClusters(file.get(), mat.nrows, clusters.part);
   }
-  molva::CloseFile(file);
+  file.Complete();
 }
 
 void WriteTree(const molva::String& filename, const molva::String& treefile, int n,
                const int* ptree, const float* tsims) {
   const std::string name = TreeName(filename, treefile, n);
-  molva::File file = molva::OpenFile(name.c_str(), "w");
+  ResultFile file(name);
   if (!file) molva::FatalError("Problems in creating the tree file: %s", name.c_str());
   for (std::int64_t x = 0; x < 2 * std::int64_t{n} - 1; ++x) {
     std::fprintf(file.get(), "%d %f\n", ptree[x], molva::Printed(tsims[x]));
   }
-  molva::CloseFile(file);
+  file.Complete();
 }
 
 }  // namespace mardle

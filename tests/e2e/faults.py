@@ -175,7 +175,8 @@ def unopened(checks):
 
 
 def limited_files(checks):
-    """Files may not grow beyond a size; each that would is told, each that fits is whole."""
+    """Files may not grow beyond a size; each that would is told, each that fits is whole, and of the
+    others only the picture is left, which is drawn in place."""
     whole = checks.undisturbed(EVERYTHING)
     for size in (0, 1, 15, 16, 100, 1000, 5000):
         run = checks.run(EVERYTHING, limits=[(resource.RLIMIT_FSIZE, size)])
@@ -183,9 +184,10 @@ def limited_files(checks):
         cut = {notice(name, errno.EFBIG).rstrip("\n") for name, text in whole.files.items()
                if len(text) > size}
         fitting = {name: text for name, text in whole.files.items() if len(text) <= size}
+        left = {name: text for name, text in run.files.items() if name != "plot" or name in fitting}
         checks.expect(f"files of {size} bytes", status=(run.status, COMPLETED), errors=(told, cut),
                       report=(run.report, whole.report),
-                      files=({name: run.files.get(name) for name in fitting}, fitting))
+                      files=(left, fitting))
 
 
 def limited_stack(checks):

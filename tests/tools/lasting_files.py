@@ -339,9 +339,14 @@ class Running(Tools):
             self.assertEqual(self.call(RUN, "-help", stdout=full).returncode, 1)
 
     def test_a_limit_on_files_is_a_failure(self):
+        failed = "Writing m.clustering.2 failed: File too large\n"
         done = self.call(RUN, "m", 2, most_bytes=3)
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("m.clustering.2: incomplete, 1 of 3 lines\n", done.stderr)
+        self.expect(done, 1, failed + "mardle-run: m.clustering.2: No such file or directory\n")
+        # An older clustering stays, and is not taken for that of this run.
+        self.write("m.clustering.2", "1\n0\n0\n")
+        done = self.call(RUN, "m", 2, most_bytes=3)
+        self.expect(done, 1, failed + "mardle-run: the run could not write everything\n")
+        self.assertEqual(self.text("m.clustering.2"), "1\n0\n0\n")
 
     def test_no_input_is_written_over(self):
         self.write("m.rlabel", "a\nb\nc\n")

@@ -19,7 +19,7 @@
 #include "tools/export/tree.h"
 #include "tools/export/wording.h"
 #include "tools/text/file_error.h"
-#include "tools/text/file_identity.h"
+#include "tools/text/kept_inputs.h"
 #include "tools/text/output_file.h"
 #include "tools/text/tool_frame.h"
 

@@ -17,8 +17,8 @@
 #include "tools/import/text_input.h"
 #include "tools/import/unpacked_file.h"
 #include "tools/text/fields.h"
-#include "tools/text/file_identity.h"
 #include "tools/text/input_lines.h"
+#include "tools/text/kept_inputs.h"
 #include "tools/text/numbers.h"
 #include "tools/text/shell_text.h"
 

@@ -9,6 +9,7 @@
 #include "lib/molva.h"
 #include "lib/support/fatal.h"
 #include "lib/support/files.h"
+#include "programs/files/file_identity.h"
 #include "programs/io/line_reader.h"
 #include "programs/io/read_matrix.h"
 #include "programs/io/write_results.h"
@@ -16,7 +17,6 @@
 #include "tools/run/whole_lines.h"
 #include "tools/run/whole_picture.h"
 #include "tools/text/file_error.h"
-#include "tools/text/file_identity.h"
 
 namespace mardle::tools {
 namespace {

@@ -11,7 +11,7 @@
 #include "tools/run/child_process.h"
 #include "tools/run/program_path.h"
 #include "tools/run/promised_files.h"
-#include "tools/text/file_identity.h"
+#include "tools/text/kept_inputs.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 

@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "programs/files/own_name.h"
 #include "tools/text/file_error.h"
 #include "tools/text/output_target.h"
-#include "tools/text/own_name.h"
 
 namespace mardle::tools {
 namespace {

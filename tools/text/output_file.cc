@@ -6,10 +6,11 @@
 #include <set>
 #include <vector>
 
+#include "programs/files/held_signals.h"
+#include "programs/files/own_name.h"
 #include "tools/text/file_error.h"
 #include "tools/text/file_exchange.h"
 #include "tools/text/folder_lock.h"
-#include "tools/text/held_signals.h"
 
 namespace mardle::tools {
 namespace {

@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "lib/support/files.h"
+#include "programs/files/partial_files.h"
 #include "tools/text/output_target.h"
-#include "tools/text/partial_files.h"
 
 namespace mardle::tools {
 

@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "programs/files/file_identity.h"
 #include "tools/text/file_error.h"
-#include "tools/text/file_identity.h"
 
 namespace mardle::tools {
 namespace {
@@ -47,11 +47,6 @@ OutputTarget TargetOf(const std::string& name) {
   if (stat(name.c_str(), &file) == 0) return TargetOfExisting(name, file);
   if (errno != ENOENT) throw SystemError(name);
   return {BehindLinks(name), false, std::nullopt};
-}
-
-std::string FolderOf(const std::string& path) {
-  const std::string folder = fs::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
 }
 
 }  // namespace mardle::tools

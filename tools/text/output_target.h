@@ -19,7 +19,4 @@ struct OutputTarget {
 // Throws FileError when the file is there and may not be written, and where no file can be.
 OutputTarget TargetOf(const std::string& name);
 
-// The folder of a file, "." for one without a slash in its path.
-std::string FolderOf(const std::string& path);
-
 }  // namespace mardle::tools

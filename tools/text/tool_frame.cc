@@ -10,8 +10,8 @@
 #include <stdexcept>
 
 #include "lib/support/files.h"
+#include "programs/files/partial_files.h"
 #include "tools/text/file_error.h"
-#include "tools/text/partial_files.h"
 #include "tools/text/terminal_text.h"
 
 namespace mardle::tools {

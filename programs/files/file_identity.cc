@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "tools/text/file_identity.h"
+#include "programs/files/file_identity.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-
-#include "tools/text/file_error.h"
-
-namespace mardle::tools {
+namespace mardle {
 namespace {
 
 std::optional<FileIdentity> IdentityOf(const struct stat& file) {
@@ -36,18 +32,4 @@ bool IsStandardStream(const std::string& path) {
          (file == RegularFileBehind(STDOUT_FILENO) || file == RegularFileBehind(STDERR_FILENO));
 }
 
-void RefuseInputsAsOutputs(std::span<const std::string> inputs,
-                           std::span<const std::string> outputs) {
-  for (const std::string& output : outputs) {
-    const std::optional<FileIdentity> file = RegularFileAt(output);
-    if (!file) continue;
-    const auto input = std::find_if(inputs.begin(), inputs.end(), [&file](const std::string& name) {
-      return RegularFileAt(name) == file;
-    });
-    if (input != inputs.end()) {
-      throw FileError({output, 0}, "would be written over the input " + *input);
-    }
-  }
-}
-
-}  // namespace mardle::tools
+}  // namespace mardle

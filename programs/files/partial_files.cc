@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A signal handler may neither allocate nor lock: the names stand in a table of atomic pointers.
-#include "tools/text/partial_files.h"
+#include "programs/files/partial_files.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -12,10 +12,10 @@
 #include <atomic>
 #include <cerrno>
 
-#include "tools/text/held_signals.h"
-#include "tools/text/own_name.h"
+#include "programs/files/held_signals.h"
+#include "programs/files/own_name.h"
 
-namespace mardle::tools {
+namespace mardle {
 namespace {
 
 constexpr mode_t kNewFile = 0666;  // of which the process's mask takes its part
@@ -33,10 +33,7 @@ void Exchange(const char* old_name, const char* new_name) {
 
 // The signal is raised again with its own effect, which it has when this returns.
 void RemoveAndEnd(int signal) {
-  for (const std::atomic<const char*>& name : names) {
-    const char* const text = name.load();
-    if (text != nullptr) unlink(text);
-  }
+  RemovePartialFiles();
   raise(signal);
 }
 
@@ -67,10 +64,18 @@ void PartialFile::Forget() {
   name_.clear();
 }
 
-PartialFile::~PartialFile() {
-  if (name_.empty()) return;
-  unlink(name_.c_str());
+void PartialFile::Remove() {
+  if (!name_.empty()) unlink(name_.c_str());
   Forget();
+}
+
+PartialFile::~PartialFile() { Remove(); }
+
+void RemovePartialFiles() {
+  for (const std::atomic<const char*>& name : names) {
+    const char* const text = name.load();
+    if (text != nullptr) unlink(text);
+  }
 }
 
 void RemovePartialFilesWhenInterrupted() {
@@ -84,4 +89,4 @@ void RemovePartialFilesWhenInterrupted() {
   }
 }
 
-}  // namespace mardle::tools
+}  // namespace mardle

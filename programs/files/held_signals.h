@@ -5,7 +5,7 @@
 
 #include <csignal>
 
-namespace mardle::tools {
+namespace mardle {
 
 // The signals that ask a tool to end, and after which it leaves no files behind.
 inline constexpr int kInterrupts[] = {SIGINT, SIGTERM, SIGHUP};
@@ -27,4 +27,4 @@ class HeldSignals {
   sigset_t before_;
 };
 
-}  // namespace mardle::tools
+}  // namespace mardle

@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include "tools/text/own_name.h"
+#include "programs/files/own_name.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <random>
 
-namespace mardle::tools {
+namespace mardle {
+
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
 
 std::string OwnName(const std::string& folder) {
   std::random_device bits;
@@ -17,4 +24,4 @@ std::string OwnName(const std::string& folder) {
   return folder + name.data();
 }
 
-}  // namespace mardle::tools
+}  // namespace mardle

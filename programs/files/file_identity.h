@@ -6,10 +6,9 @@
 #include <sys/types.h>
 
 #include <optional>
-#include <span>
 #include <string>
 
-namespace mardle::tools {
+namespace mardle {
 
 struct FileIdentity {
   dev_t device;
@@ -25,8 +24,4 @@ std::optional<FileIdentity> RegularFileBehind(int descriptor);
 // Whether the name leads to the regular file that standard output or standard error goes to.
 bool IsStandardStream(const std::string& path);
 
-// Throws FileError when an output leads to the file that an input leads to, which it would destroy.
-void RefuseInputsAsOutputs(std::span<const std::string> inputs,
-                           std::span<const std::string> outputs);
-
-}  // namespace mardle::tools
+}  // namespace mardle

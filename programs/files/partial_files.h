@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The files that a process is writing, so that an interrupt leaves none of them behind.
+// The files that a process is writing, so that neither its end nor an interrupt leaves one behind.
 #pragma once
 
 #include <sys/types.h>
@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-namespace mardle::tools {
+namespace mardle {
 
 // A file under a name of its own, removed at scope end or by an interrupt; of more than eight at a
 // time interrupts do not remove the last.
@@ -25,13 +25,18 @@ class PartialFile {
   const std::string& name() const { return name_; }
   // It has another name now and stays.
   void Forget();
+  // It goes before its scope ends.
+  void Remove();
 
  private:
   std::string name_;  // empty: there is none
 };
 
+// Removes these files; for the end of a process that does not leave its scopes.
+void RemovePartialFiles();
+
 // From now on SIGINT, SIGTERM and SIGHUP, unless they are ignored, remove these files before
 // they end the process.
 void RemovePartialFilesWhenInterrupted();
 
-}  // namespace mardle::tools
+}  // namespace mardle
