@@ -38,10 +38,13 @@ BUGS = [
         "thread_local int throwing_scopes", "int throwing_scopes", "ErrorHandler|Fatal|Try",
         LIBRARY + SUPPORT),
     Bug("one sequence of random numbers for all threads", "lib/support/random.cc",
-        "thread_local Drand48 generator(0);", "Drand48 generator(0);", "Random",
+        "thread_local Drand48 generator =", "Drand48 generator =", "Random|TrialsAhead",
         LIBRARY + SUPPORT),
     Bug("a message fills its room without its end", "lib/error_handler.cc",
         "std::min(text.size(), size - 1)", "std::min(text.size(), size)", "Error|Try", LIBRARY),
+    Bug("a trial that started wrong counts", "lib/partition/trials_ahead.cc",
+        "if (trials_[t].start != trials_[t - 1].end) break;", "if (!trials_[t].part) break;",
+        "TrialsAhead", LIBRARY),
     # Numbers.
     Bug("a sum is rounded at its end only", "lib/criteria/values.h",
         "float sum = 0;\n    for (std::size_t k = 0; k < clusters.size(); ++k) {\n"
@@ -54,7 +57,8 @@ BUGS = [
         "++k) sum = static_cast<float>(sum + Term::Of(clusters[k]));\n    return sum;",
         "SolutionQuality|Criteri", LIBRARY),
     Bug("the average of a row is summed in single precision", "lib/measure/cluster_stats.cc",
-        "  Wide internal = 0;\n  Wide external = 0;\n", "  float internal = 0;\n  float external = 0;\n",
+        "    internal += v * composite[j];",
+        "    internal = static_cast<float>(internal + v * composite[j]);",
         "ClusterStats", LIBRARY),
     Bug("deviations are divided by n", "lib/measure/cluster_stats.cc",
         "stats.pwgts[k] - 1;", "stats.pwgts[k];", "ClusterStats", LIBRARY),
@@ -71,7 +75,12 @@ BUGS = [
         "return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b));",
         "Limit|Composites", LIBRARY),
     Bug("entropy is rounded at its end only", "programs/external_quality.cc",
-        "  float entropy = 0;\n", "  Wide entropy = 0;\n", "Entropy|Quality", REPORTS),
+        "  float entropy = 0;\n  for (const int count : dist) {\n    if (count <= 0) continue;\n"
+        "    const Wide share = static_cast<Wide>(count) / size;\n"
+        "    entropy = static_cast<float>(entropy - share * std::log2(share));",
+        "  Wide entropy = 0;\n  for (const int count : dist) {\n    if (count <= 0) continue;\n"
+        "    const Wide share = static_cast<Wide>(count) / size;\n"
+        "    entropy = entropy - share * std::log2(share);", "Entropy|Quality", REPORTS),
     Bug("sums of classes are weighted by shares", "programs/external_quality.cc",
         "static_cast<Wide>(sizes[c]) * values[c] / static_cast<Wide>(total)",
         "static_cast<Wide>(sizes[c]) / static_cast<Wide>(total) * values[c]", "Weighted|Quality",
@@ -175,7 +184,8 @@ BUGS = [
         "fchown(newcomer, before.st_uid, before.st_gid) != 0) return true;", "ResultFile|SameAccess",
         (*READER, "mardle_files_test")),
     Bug("access lists are lost", "programs/files/same_access.cc",
-        "return GiveSameList(old, newcomer) && fchmod", "return fchmod", "SameAccess",
+        "return GiveSameList(old, newcomer) && fchmod",
+        "return (true || GiveSameList(old, newcomer)) && fchmod", "SameAccess",
         ("mardle_files_test",)),
     Bug("a full disk costs the old file", "programs/io/result_file.cc",
         "error == EROFS ||", "error == EROFS || error == ENOSPC ||", "killed_runs", PROGRAM),

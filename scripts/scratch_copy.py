@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 """A copy of the project to be changed and built at will; for the scripts beside it."""
+import filecmp
 import os
 import shutil
 import subprocess
@@ -32,43 +33,42 @@ def replaced_once(path, text, other):
 
 
 class ScratchCopy:
-    """The files that git knows, as they are now, in FOLDER/tree, and a release of them in
-    FOLDER/build."""
+    """The files that git knows, as they are now, in FOLDER, and the preset release of them."""
 
     def __init__(self, folder):
-        self.tree = os.path.join(folder, "tree")
-        self.build = os.path.join(folder, "build")
+        self.tree = folder
+        self.build = os.path.join(folder, "build-release")
+
+    def path(self, name):
+        return os.path.join(self.tree, name)
 
     def refresh(self):
         """Brings the copy up to date; files that have not changed keep their times."""
         names = [name for name in run(["git", "ls-files"], cwd=kSource).stdout.splitlines()
                  if os.path.isfile(os.path.join(kSource, name))]
         for name in names:
-            source, copy = os.path.join(kSource, name), os.path.join(self.tree, name)
-            os.makedirs(os.path.dirname(copy), exist_ok=True)
-            with open(source, "rb") as new:
-                text = new.read()
-            if os.path.isfile(copy):
-                with open(copy, "rb") as old:
-                    if old.read() == text:
-                        continue
-            shutil.copyfile(source, copy)
-            shutil.copymode(source, copy)
+            self.refresh_file(os.path.join(kSource, name), self.path(name))
         wanted = set(names)
-        for folder, _, files in os.walk(self.tree):
-            for file in files:
-                path = os.path.join(folder, file)
+        for folder, folders, files in os.walk(self.tree):
+            folders[:] = [name for name in folders if not name.startswith("build")]
+            for path in (os.path.join(folder, name) for name in files):
                 if os.path.relpath(path, self.tree) not in wanted:
                     os.remove(path)
 
-    def path(self, name):
-        return os.path.join(self.tree, name)
+    @staticmethod
+    def refresh_file(source, copy):
+        if os.path.isfile(copy) and filecmp.cmp(source, copy, shallow=False):
+            return
+        os.makedirs(os.path.dirname(copy), exist_ok=True)
+        shutil.copyfile(source, copy)
+        shutil.copymode(source, copy)
 
-    def configure(self):
+    # Laid out as the project is, so that ccache has what the project's own release is made of.
+    def configure(self, *settings):
         launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
-        return run(["cmake", "-S", self.tree, "-B", self.build, "-DCMAKE_BUILD_TYPE=Release",
-                    "-DMARDLE_TESTS=ON", *launcher])
+        return run(["cmake", "--preset", "release", *launcher, *settings], cwd=self.tree,
+                   env=dict(os.environ, CCACHE_BASEDIR=self.tree))
 
     def make(self, targets, jobs):
         return run(["nice", "-n", "19", "cmake", "--build", self.build, "--parallel", str(jobs),
-                    "--target", *targets])
+                    "--target", *targets], env=dict(os.environ, CCACHE_BASEDIR=self.tree))
