@@ -104,8 +104,9 @@ TEST_F(ExportRun, WritesAPage) {
 }
 
 TEST_F(ExportRun, TakesFScoresFromTheCompleteTree) {
-  // X is rows 0, 1 and 4. Node 6 with rows 0 and 4 has recall 2/3 and precision 1, F = 4/5; the
+  // X is rows 0, 1 and 4. Node 5 with rows 0 and 1 has recall 2/3 and precision 1, F = 4/5; the
   // root has 1 and 3/4, F = 6/7. Y is row 3 alone, a leaf.
+  Write("t", "5 0\n5 0\n-1 0\n6 0\n6 0\n7 0\n7 0\n-1 0\n-1 0\n");
   const Outcome outcome = Run({"html", "--clustering", "@c", "--matrix", "@m", "--tree", "@t"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(outcome.out, HasSubstr("<th scope=\"row\">X</th><td>3</td><td>0.857</td>"));
@@ -183,6 +184,14 @@ TEST_F(ExportRun, WantsATreeThatFits) {
   EXPECT_EQ(Failure({"html", "--clustering", "@c", "--matrix", "@m", "--tree", "@t3"}),
             "mardle-export: " + Path("t3") +
                 ":5: the file ends here, a tree of 3 leaves; there are 2 clusters and 5 rows\n");
+}
+
+TEST_F(ExportRun, WantsATreeOfTheClustering) {
+  // It joins row 1 of cluster 0 and row 3 of cluster 1 first.
+  EXPECT_EQ(Failure({"html", "--clustering", "@c", "--matrix", "@m", "--tree", "@t"}),
+            "mardle-export: " + Path("t") +
+                ": the tree does not keep the rows of cluster 0 together, so it is not of this "
+                "clustering\n");
 }
 
 TEST_F(ExportRun, WantsARowWithACluster) {

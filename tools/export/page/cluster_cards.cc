@@ -22,14 +22,6 @@ std::string ShareOrDash(const std::optional<double>& share) {
   return share ? PercentText(*share) : "–";
 }
 
-// The beginning of a long text, cut between two characters.
-std::string Beginning(std::string_view text) {
-  if (text.size() <= kLabelBytes) return Html(text);
-  std::size_t end = kLabelBytes;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) --end;
-  return Html(text.substr(0, end)) + "…";
-}
-
 // Why a word that is weaker in the cluster tells it apart; nothing for the others.
 std::string Mark(const PageNumbers& numbers, const ClusterWord& word, double inside,
                  double elsewhere) {
@@ -56,9 +48,12 @@ void WriteWords(const PageRun& run, const PageNumbers& numbers, int k, std::ostr
     out << "<p class=\"dim\">No " << run.wording.columns << " describe it.</p>\n";
     return;
   }
+  const char* level =
+      numbers.levels.are_shares() ? "<th scope=\"col\" data-unit=\" %\">" : "<th scope=\"col\">";
   out << "<table class=\"words\"><thead><tr><th scope=\"col\">" << Capital(run.wording.column)
-      << "</th><th scope=\"col\">here</th><th scope=\"col\">elsewhere</th><th scope=\"col\">"
-         "describes</th><th scope=\"col\">tells apart</th></tr></thead>\n<tbody>\n";
+      << "</th>" << level << "here</th>" << level
+      << "elsewhere</th><th scope=\"col\" data-unit=\" %\">describes</th><th scope=\"col\" "
+         "data-unit=\" %\">tells apart</th></tr></thead>\n<tbody>\n";
   for (const ClusterWord& word : words) WriteWord(run, numbers, k, word, out);
   out << "</tbody></table>\n";
 }
@@ -68,7 +63,8 @@ void WriteTypicalRows(const PageRun& run, const PageNumbers& numbers, int k, std
       TypicalRows(numbers.rows, {numbers.izscores.get(), numbers.izscores.size()}, k, kTypicalRows);
   if (typical.empty()) return;
   out << "<h4>Typical " << run.wording.rows << "</h4>\n<ul class=\"typical\">\n";
-  for (const int i : typical) out << "<li>" << Beginning(run.mat.rlabels[i]) << "</li>\n";
+  for (const int i : typical)
+    out << "<li>" << Beginning(run.mat.rlabels[i], kLabelBytes) << "</li>\n";
   out << "</ul>\n";
 }
 
@@ -150,6 +146,7 @@ void WriteClusterCards(const PageRun& run, const PageNumbers& numbers, std::ostr
   out << "<section id=\"clusters\" aria-labelledby=\"clusters-heading\">\n"
          "<h2 id=\"clusters-heading\">The clusters</h2>\n";
   WriteNote(run, numbers, out);
+  WriteCsvButton("words", "All " + run.wording.columns + " as CSV", out);
   if (numbers.has_classes) WriteLegend(run, numbers, colours, out);
   out << "<div class=\"cards\">\n";
   for (int k = 0; k < numbers.nclusters; ++k) WriteCard(run, numbers, colours, k, out);

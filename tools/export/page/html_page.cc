@@ -32,11 +32,15 @@ void WriteHeader(const PageRun& run, const PageNumbers& numbers, std::ostream& o
   out << "</p>\n</header>\n";
 }
 
-void WriteNavigation(const PageRun& run, std::ostream& out) {
+void WriteNavigation(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
   out << "<nav aria-label=\"Sections\"><a href=\"#overview\">Overview</a> "
-         "<a href=\"#clusters\">Clusters</a> <a href=\"#tree\">Tree</a> "
-         "<a href=\"#quality\">Quality</a> <a href=\"#rows\">"
-      << Capital(run.wording.rows)
+         "<a href=\"#clusters\">Clusters</a> "
+         "<a href=\"#heat\">Heat map</a> ";
+  if (HasMap(numbers)) out << "<a href=\"#map\">Map</a> ";
+  out << "<a href=\"#tree\">Tree</a> ";
+  if (numbers.complete)
+    out << "<a href=\"#row-trees\">" << Capital(run.wording.row) << " tree</a> ";
+  out << "<a href=\"#quality\">Quality</a> <a href=\"#rows\">" << Capital(run.wording.rows)
       << "</a> <a href=\"#run\">Run</a>\n"
          "<form role=\"search\" class=\"tools\" hidden><label>"
       << Capital(run.wording.column)
@@ -52,11 +56,14 @@ void WriteHtmlPage(const PageRun& run, const Clustering& clustering, std::ostrea
       << (numbers.nclusters == 1 ? " cluster" : " clusters") << "</title>\n<style>\n"
       << kPageStyle << "</style>\n</head>\n<body>\n";
   WriteHeader(run, numbers, out);
-  WriteNavigation(run, out);
+  WriteNavigation(run, numbers, out);
   out << "<main>\n";
   WriteOverview(run, numbers, out);
   WriteClusterCards(run, numbers, out);
+  WriteHeatMap(run, numbers, out);
+  WriteClusterMap(run, numbers, out);
   WriteTreeSection(run, numbers, out);
+  WriteRowTrees(run, numbers, out);
   WriteQuality(run, numbers, out);
   WriteRowList(run, numbers, clustering, out);
   WriteRunNotes(run, out);

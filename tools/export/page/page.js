@@ -1,6 +1,6 @@
 // The list of rows: filtered, sorted, and shown a hundred lines at a time, so that its length costs
-// nothing until it is asked for. The search for words, and the buttons that fold the tree. Text from
-// the data becomes text nodes only.
+// nothing until it is asked for. The search for words, the buttons that fold the tree, and those that
+// hand out tables. Text from the data becomes text nodes only.
 'use strict';
 (() => {
   const kStep = 100;
@@ -131,6 +131,53 @@
         found === 1 ? '1 cluster' : `${found.toLocaleString('en')} clusters`;
   }
 
+  // Numbers without what makes them pleasant to read.
+  function csvField(text) {
+    const plain = /^-?[\d,]+(\.\d+)?(\u00a0%)?$/.test(text) ? text.replace(/,|\u00a0%/g, '') : text;
+    return /[",\r\n]|^\s|\s$/.test(plain) ? '"' + plain.replaceAll('"', '""') + '"' : plain;
+  }
+
+  // Hands a table to the browser as a file to keep.
+  function download(name, lines) {
+    const text = lines.map((line) => line.map(csvField).join(',') + '\r\n').join('');
+    const link = document.createElement('a');
+    link.href = URL.createObjectURL(new Blob([text], {type: 'text/csv;charset=utf-8'}));
+    link.download = document.querySelector('h1').textContent + '-' + name + '.csv';
+    link.click();
+    URL.revokeObjectURL(link.href);
+  }
+
+  const textsOf = (cells) => [...cells].map((cell) => cell.textContent);
+
+  function clusterLines() {
+    return [...document.querySelector('#quality table').rows].map((row) => textsOf(row.cells));
+  }
+
+  function wordLines() {
+    const lines = [];
+    document.querySelectorAll('.card').forEach((card, k) => {
+      const table = card.querySelector('.words');
+      if (!table) return;
+      if (lines.length === 0) {
+        const [word, ...numbers] = table.tHead.rows[0].cells;
+        const names = numbers.map((cell) => cell.textContent + (cell.dataset.unit ?? ''));
+        lines.push(['cluster', word.textContent, 'mark', ...names]);
+      }
+      for (const row of table.tBodies[0].rows) {
+        const [head, ...cells] = row.cells;
+        const mark = head.querySelector('small');
+        lines.push([String(k), head.firstChild.data.trimEnd(), mark ? mark.textContent : '',
+            ...textsOf(cells).map((text) => text === '–' ? '' : text)]);
+      }
+    });
+    return lines;
+  }
+
+  function rowLines() {
+    const names = textsOf(document.querySelectorAll('#row-view th'));
+    return [names, ...rows.map((i) => textsOf(line(i).cells))];
+  }
+
   function foldTree(open) {
     for (const details of document.querySelectorAll('.tree details')) details.open = open;
   }
@@ -153,6 +200,11 @@
   for (const button of document.querySelectorAll('.show-rows')) {
     button.hidden = false;
     button.addEventListener('click', () => showCluster(button.dataset.cluster));
+  }
+  const tables = {clusters: clusterLines, words: wordLines, rows: rowLines};
+  for (const button of document.querySelectorAll('[data-csv]')) {
+    button.addEventListener('click',
+        () => download(button.dataset.csv, tables[button.dataset.csv]()));
   }
   for (const tools of document.querySelectorAll('.tools')) tools.hidden = false;
   find('fold').addEventListener('click', () => foldTree(false));

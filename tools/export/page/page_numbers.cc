@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
-#include "lib/support/tree_arrays.h"
-#include "lib/support/vectors.h"
 #include "programs/external_quality.h"
 #include "programs/io/engine_calls.h"
-#include "tools/export/tree.h"
+#include "tools/export/cluster_tops.h"
 #include "tools/text/file_error.h"
 
 namespace mardle::exporting {
@@ -19,11 +18,6 @@ using molva::AllocIntsSet;
 
 // The z-score of a row that preparation drops.
 constexpr float kUnmeasured = std::numeric_limits<float>::quiet_NaN();
-
-FeatureLists EmptyLists(std::int64_t lists, int nfeatures) {
-  const std::int64_t slots = lists * nfeatures;
-  return {AllocIntsSet(slots, -1, "Measure: ids"), AllocFloatsSet(slots, 0, "Measure: weights")};
-}
 
 void MeasurePage(const PageRun& run, const int* part, PageNumbers& numbers) {
   const RunParams& params = run.params;
@@ -43,12 +37,15 @@ void MeasurePage(const PageRun& run, const int* part, PageNumbers& numbers) {
 }
 
 constexpr std::size_t kNearest = 3;
+constexpr std::size_t kClustersOnMap = 200;
 
 void MeasureWords(const PageRun& run, const int* part, PageNumbers& numbers) {
   const EngineInput in = RunInput(run.params, run.mat, {numbers.nclusters, part});
   const ClusterSums sums(in, numbers.rows);
   numbers.words = FindClusterWords(in, run.params.nfeatures, sums);
   numbers.nearest = NearestClusters(sums, kNearest);
+  numbers.map.clusters = LargestClusters(numbers, kClustersOnMap);
+  numbers.map.points = PlaceInPlane(sums, numbers.map.clusters);
   numbers.levels = ColumnLevels(run.mat, numbers.rows);
 }
 
@@ -78,45 +75,6 @@ molva::Array<int> ParentsOf(const Tree& tree) {
   return ptree;
 }
 
-molva::Array<int> BuildParents(const PageRun& run, const int* part, int nclusters) {
-  const RunParams& params = run.params;
-  const Matrix& mat = run.mat;
-  const std::int64_t nodes = 2 * std::int64_t{nclusters};
-  molva::Array<int> ptree = AllocIntsSet(nodes, -1, "Measure: ptree");
-  molva::Array<float> tsims = AllocFloatsSet(nodes, 0, "Measure: tsims");
-  BuildTree(RunInput(params, mat, {nclusters, part}), MOLVA_TREE_CLUSTERS, params.treecrfun, ptree,
-            tsims);
-  return ptree;
-}
-
-void OrderChildren(const PageRun& run, const int* part, int nclusters, ClusterTree& tree) {
-  const RunParams& params = run.params;
-  const Matrix& mat = run.mat;
-  tree.children = molva::MakeChildTable({tree.ptree.get(), tree.ptree.size()}, "Measure: children");
-  tree.root = molva::FindRoot(molva::ChildTable(tree.children));
-  if (params.noreorder != 0) return;
-  ReorderClusterTree(RunInput(params, mat, {nclusters, part}), tree.ptree, tree.children);
-}
-
-void MeasureTree(const PageRun& run, const int* part, int nclusters, ClusterTree& tree) {
-  const RunParams& params = run.params;
-  const Matrix& mat = run.mat;
-  const std::int64_t nodes = 2 * std::int64_t{nclusters};
-  OrderChildren(run, part, nclusters, tree);
-  tree.pwgts = AllocIntsSet(nodes, 0, "Measure: node pwgts");
-  tree.isims = AllocFloatsSet(nodes, 0, "Measure: isims");
-  tree.xsims = AllocFloatsSet(nodes, 0, "Measure: xsims");
-  const EngineInput in = RunInput(params, mat, {nclusters, part});
-  MeasureNodes(in, tree.ptree, {tree.pwgts, tree.isims, tree.xsims});
-  // Where only one cluster has rows nothing is joined.
-  if (tree.root < nclusters) tree.root = molva::ArgMaxInt(tree.pwgts);
-  tree.descriptive = EmptyLists(nodes, params.nfeatures);
-  FeatureLists discriminating = EmptyLists(nodes, params.nfeatures);
-  DescribeNodes(
-      in, tree.ptree, params.nfeatures,
-      {tree.descriptive.ids, tree.descriptive.weights, discriminating.ids, discriminating.weights});
-}
-
 void MeasureFScores(const PageRun& run, const Tree& complete, PageNumbers& numbers) {
   if (!numbers.has_classes) return;
   const Matrix& mat = run.mat;
@@ -127,26 +85,41 @@ void MeasureFScores(const PageRun& run, const Tree& complete, PageNumbers& numbe
   numbers.fscore = WeightedAverage(numbers.ocldist, numbers.fscores, numbers.rows.Total());
 }
 
-// A tree over the clusters takes the place of the computed one; a complete tree gives F-scores.
-void TakeTreeFile(const PageRun& run, PageNumbers& numbers) {
-  if (run.tree_name.empty()) return;
-  const Tree tree = ReadTree(run.tree_name);
-  if (tree.nleaves == numbers.nclusters) {
-    numbers.tree.ptree = ParentsOf(tree);
-  } else if (tree.nleaves == run.mat.nrows) {
-    MeasureFScores(run, tree, numbers);
-  } else {
+// The parents of the tree over the clusters, from the file or built; a complete tree is kept for
+// its own pictures and gives F-scores.
+molva::Array<int> TakeTreeFile(const PageRun& run, const Clustering& clustering,
+                               PageNumbers& numbers) {
+  if (run.tree_name.empty()) return BuildParents(run, clustering.part.data(), numbers.nclusters);
+  Tree tree = ReadTree(run.tree_name);
+  if (tree.nleaves == numbers.nclusters) return ParentsOf(tree);
+  if (tree.nleaves != run.mat.nrows) {
     throw tools::FileError({run.tree_name, static_cast<std::int64_t>(tree.parent.size())},
                            "the file ends here, a tree of " + std::to_string(tree.nleaves) +
                                " leaves; there are " + std::to_string(numbers.nclusters) +
                                " clusters and " + std::to_string(run.mat.nrows) + " rows");
   }
+  numbers.tops = ClusterTops(tree, clustering, run.tree_name);
+  MeasureFScores(run, tree, numbers);
+  numbers.complete = std::move(tree);
+  return BuildParents(run, clustering.part.data(), numbers.nclusters);
 }
 
 }  // namespace
 
 PageNumbers::PageNumbers(const Clustering& clustering)
     : nclusters(clustering.nclusters), rows(clustering.part, nclusters) {}
+
+std::vector<int> LargestClusters(const PageNumbers& numbers, std::size_t count) {
+  std::vector<int> clusters;
+  for (int k = 0; k < numbers.nclusters; ++k) {
+    if (numbers.rows.Size(k) > 0) clusters.push_back(k);
+  }
+  std::stable_sort(clusters.begin(), clusters.end(),
+                   [&](int a, int b) { return numbers.rows.Size(a) > numbers.rows.Size(b); });
+  clusters.resize(std::min(clusters.size(), count));
+  std::sort(clusters.begin(), clusters.end());
+  return clusters;
+}
 
 PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
   if (clustering.nclusters == 0) {
@@ -158,9 +131,8 @@ PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
   MeasurePage(run, part.data(), numbers);
   MeasureWords(run, part.data(), numbers);
   if (run.mat.nclasses > 1) MeasureClasses(run, part, numbers);
-  TakeTreeFile(run, numbers);
-  if (!numbers.tree.ptree) numbers.tree.ptree = BuildParents(run, part.data(), numbers.nclusters);
-  MeasureTree(run, part.data(), numbers.nclusters, numbers.tree);
+  numbers.tree =
+      MeasureTree(run, part.data(), numbers.nclusters, TakeTreeFile(run, clustering, numbers));
   return numbers;
 }
 

@@ -82,15 +82,26 @@ std::string TitleText(const PageRun& run, const PageNumbers& numbers, int k) {
   return std::to_string(k) + ": " + NameText(run, numbers, k);
 }
 
-std::vector<Feature> FeaturesOf(const PageRun& run, const FeatureLists& lists, int list) {
-  std::vector<Feature> features;
-  const std::int64_t begin = std::int64_t{list} * run.params.nfeatures;
-  for (std::int64_t slot = begin; slot < begin + run.params.nfeatures; ++slot) {
-    if (lists.ids[slot] < 0 || !std::isfinite(lists.weights[slot])) continue;
-    features.push_back(
-        {run.mat.clabels[lists.ids[slot]], static_cast<double>(lists.weights[slot])});
+std::string NodeWords(const PageRun& run, const MeasuredTree& tree, int x) {
+  std::string words;
+  std::size_t count = 0;
+  for (const Feature& feature : FeaturesOf(run, tree, x)) {
+    if (feature.share <= 0 || count++ == kNameWords) break;
+    words += (words.empty() ? "" : ", ") + Html(feature.name);
   }
-  return features;
+  return words;
+}
+
+std::string Beginning(std::string_view text, std::size_t bytes) {
+  if (text.size() <= bytes) return Html(text);
+  std::size_t end = bytes;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) --end;
+  return Html(text.substr(0, end)) + "…";
+}
+
+void WriteCsvButton(const char* table, const std::string& text, std::ostream& out) {
+  out << "<p class=\"tools\" hidden><button type=\"button\" data-csv=\"" << table << "\">" << text
+      << "</button></p>\n";
 }
 
 }  // namespace mardle::exporting

@@ -5,6 +5,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/export/clustering.h"
@@ -39,17 +40,23 @@ std::string NameText(const PageRun& run, const PageNumbers& numbers, int k);
 std::string TitleText(const PageRun& run, const PageNumbers& numbers, int k);
 constexpr std::size_t kNameWords = 3;
 
-struct Feature {
-  const char* name;
-  double share;  // of 1
-};
-// The columns of a list, best first. Shares that are no numbers, as those of a cluster of all rows,
-// rank nothing, and their columns are left out.
-std::vector<Feature> FeaturesOf(const PageRun& run, const FeatureLists& lists, int list);
+// The first words that describe a node of a tree, as HTML.
+std::string NodeWords(const PageRun& run, const MeasuredTree& tree, int x);
+// As HTML, what a text begins with: at most so many bytes of it, cut between two characters.
+std::string Beginning(std::string_view text, std::size_t bytes);
+
+// A button with which the page's script hands out one of its tables.
+void WriteCsvButton(const char* table, const std::string& text, std::ostream& out);
 
 void WriteOverview(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 void WriteClusterCards(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+void WriteHeatMap(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+// Two points make no map.
+bool HasMap(const PageNumbers& numbers);
+void WriteClusterMap(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 void WriteTreeSection(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
+// Nothing where no complete tree was given.
+void WriteRowTrees(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 void WriteQuality(const PageRun& run, const PageNumbers& numbers, std::ostream& out);
 // The part of it that shows similarities as marks on an axis.
 void WriteSimilarityPicture(const PageRun& run, const PageNumbers& numbers, std::ostream& out);

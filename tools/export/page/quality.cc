@@ -105,6 +105,7 @@ void WriteQuality(const PageRun& run, const PageNumbers& numbers, std::ostream& 
   out << "</tr></thead>\n<tbody>\n";
   for (int k = 0; k < numbers.nclusters; ++k) WriteCluster(run, numbers, k, out);
   out << "</tbody></table></div>\n";
+  WriteCsvButton("clusters", "This table as CSV", out);
   if (numbers.has_fscores) WriteFScores(run, numbers, out);
   out << "</section>\n";
 }

@@ -72,7 +72,8 @@ void WriteRowList(const PageRun& run, const PageNumbers& numbers, const Clusteri
          "placeholder=\"part of a label\"></label>\n";
   WriteClusterChoice(numbers.nclusters, out);
   if (numbers.has_classes) WriteClassChoice(run, out);
-  out << "</form>\n<p id=\"row-count\" role=\"status\"></p>\n"
+  out << "<button type=\"button\" data-csv=\"rows\">These as CSV</button>\n"
+         "</form>\n<p id=\"row-count\" role=\"status\"></p>\n"
          "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"The list\"><table>\n"
          "<caption>With their z-scores: how many deviations each stands above its cluster’s average</caption>\n<thead><tr>";
   WriteHead("row", "Row", "text", out);

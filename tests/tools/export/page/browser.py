@@ -2,6 +2,7 @@
 """Works a page of mardle-export in headless Chromium: the list of rows is made on demand, searched,
 narrowed and sorted, and the tree folds. Skipped (status 77) where Chromium is not installed.
    export_browser.py MARDLE MARDLE_EXPORT"""
+import csv
 import html
 import json
 import pathlib
@@ -63,6 +64,22 @@ document.querySelector('.tree summary').click();
 seen.branches.push(open());
 find('unfold').click();
 seen.branches.push(open());
+enter('word-search', ' Col00005');
+seen.found = [find('word-count').textContent,
+    [...document.querySelectorAll('.card')].map((card) => !card.classList.contains('miss')),
+    [...document.querySelectorAll('.overview li')].map((line) => !line.classList.contains('miss')),
+    document.querySelectorAll('.hit').length > 0];
+enter('word-search', '');
+seen.left = document.querySelectorAll('.hit, .miss').length;
+const texts = [];
+const RealBlob = Blob;
+Blob = function(parts, options) {
+  texts.push(parts.join(''));
+  return new RealBlob(parts, options);
+};
+enter('row-search', 'row 24');
+document.querySelectorAll('[data-csv]').forEach((button) => button.click());
+seen.csv = texts;
 seen.bold = document.querySelectorAll('#row-lines b').length;
 seen.errors = errors;
 seen.requests = performance.getEntriesByType('resource').map((entry) => entry.name);
@@ -124,7 +141,35 @@ def check(seen, part):
     members = [i for i in reversed(range(ROWS)) if part[i] == 1]
     expect(seen["cluster"]["rows"], members[:100], "rows of the cluster")
     expect(seen["branches"], [2, 0, 1, 2], "open branches")
+    check_search(seen)
+    check_tables(seen, part)
     expect(seen["bold"], 0, "labels turned into markup")
+
+
+def check_search(seen):
+    """Column 5 is in the words of one kind of rows, which may tell the others apart by being rare there."""
+    count, cards, lines, marked = seen["found"]
+    expect(count, "1 cluster", "clusters found")
+    expect(sum(cards), 1, "cards found")
+    expect(lines, cards, "lines found")
+    expect(marked, True, "marks")
+    expect(seen["left"], 0, "marks after the search")
+
+
+def check_tables(seen, part):
+    tables = {}
+    for text in seen["csv"]:
+        lines = list(csv.reader(text.splitlines()))
+        tables[lines[0][0]] = lines
+        expect({len(line) for line in lines}, {len(lines[0])}, "fields of a line")
+    words, clusters, rows = tables["cluster"], tables["Cluster"], tables["Row"]
+    expect(words[0][:5], ["cluster", "Column", "mark", "here %", "elsewhere %"], "heads of the words")
+    expect({line[0] for line in words[1:]}, {"0", "1", "2"}, "clusters of the words")
+    expect([int(line[2]) for line in clusters[1:]], [part.count(k) for k in range(3)], "sizes")
+    # The search has left rows 24 and 240 to 249, in cluster 1 only.
+    left = [i for i in [24, *range(240, 250)] if part[i] == 1]
+    expect(sorted(int(line[0]) for line in rows[1:]), left, "rows of the table")
+    expect({line[1] for line in rows[1:]}, {f"<b>Row {i}</b>" for i in left}, "labels of the table")
 
 
 def main():

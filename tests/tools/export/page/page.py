@@ -174,6 +174,10 @@ class Federalist(unittest.TestCase):
 
     def test_names_its_pictures_fields_and_regions(self):
         for svg in self.page.all("svg"):
+            if "aria-labelledby" in svg["at"]:
+                named = [e["at"].get("id") for e in self.page.within(svg) if e["tag"] in ("title", "desc")]
+                self.assertEqual(svg["at"]["aria-labelledby"].split(), named[:2])
+                continue
             self.assertTrue(svg["at"].get("aria-label") or svg["at"].get("aria-hidden") == "true")
         for tag in ("input", "select"):
             for field in self.page.all(tag):
@@ -288,9 +292,78 @@ class Federalist(unittest.TestCase):
         self.assertEqual([e["text"] for e in overview], names)
         for k, name in enumerate(names):
             for link in self.page.all("a", href=f"#cluster-{k}"):
-                self.assertRegex(link["text"], rf"^({k} {name}( .*)?|{k}: {name}|{k}|Cluster {k})$")
+                if "svg" in link["path"] and "," not in link["text"].split(" · ")[0]:
+                    continue
+                self.assertRegex(link["text"], rf"^({k} {name}( .*)?|{k}: {name}.*|{k}|Cluster {k})$")
             for word in name.split(", "):
                 self.assertEqual(word_of(self.page, k, word)[1], "")
+
+    def counted(self, word, k):
+        """The share of the documents of a cluster that contain a word."""
+        lines = self.matrix.read_text().splitlines()[1:]
+        column = str(pathlib.Path(f"{self.matrix}.clabel").read_text().splitlines().index(word) + 1)
+        clusters = [int(line.split()[0]) for line in self.clustering.read_text().splitlines()]
+        found = [column in line.split()[0::2] for line, cluster in zip(lines, clusters) if cluster == k]
+        return sum(found) / len(found)
+
+    def test_shades_words_by_their_shares(self):
+        (heat,) = self.page.all("svg", **{"class": "heat"})
+        inside = self.page.within(heat)
+        words = [e["text"] for e in inside if e["tag"] == "text" and e["at"]["class"] == "end"]
+        self.assertGreaterEqual(len(words), 24)
+        told = {}
+        for cell in (e for e in inside if e["tag"] == "rect"):
+            word, k, shown = re.match(r"(.*) in (\d+): ([\d.]+)\u00a0%$", cell["text"]).groups()
+            told[word, int(k)] = (cell["at"]["class"], float(shown))
+        for word in words:
+            for k in range(8):
+                share = self.counted(word, k)
+                shade = sum(share >= bound for bound in (0.01, 0.05, 0.1, 0.2, 0.4, 0.7))
+                found, shown = told.get((word, k), ("h0", 100 * share))
+                self.assertEqual(found, f"h{shade}", f"{word} in {k}")
+                self.assertAlmostEqual(shown, 100 * share, delta=0.0501)
+
+    def test_maps_every_cluster_by_its_size(self):
+        (picture,) = self.page.all("svg", **{"class": "map"})
+        links = [e for e in self.page.within(picture) if e["tag"] == "a"]
+        sizes = {}
+        for link in links:
+            (disc,) = [e for e in self.page.within(link) if e["tag"] == "circle"]
+            k = int(link["at"]["href"].removeprefix("#cluster-"))
+            self.assertTrue(0 <= float(disc["at"]["cx"]) <= 960 and 0 <= float(disc["at"]["cy"]) <= 600)
+            sizes[k] = float(disc["at"]["r"]) ** 2
+        clusters = [int(line.split()[0]) for line in self.clustering.read_text().splitlines()]
+        counts = {k: clusters.count(k) for k in range(8)}
+        self.assertEqual(sizes.keys(), counts.keys())
+        for k in range(8):
+            self.assertAlmostEqual(sizes[k] / max(sizes.values()), counts[k] / max(counts.values()), delta=0.01)
+
+    def test_draws_the_tree_over_the_clusters(self):
+        (picture,) = [e for e in self.page.all("svg", **{"class": "dendrogram"})
+                      if "tree-picture-title" in e["at"]["aria-labelledby"]]
+        texts = [e for e in self.page.within(picture) if e["tag"] == "text" and "axis" not in
+                 [p["at"].get("class") for p in e["parents"]]]
+        inner = [e["text"] for e in texts if e["at"].get("class") == "inner"]
+        self.assertEqual((len(texts), len(inner)), (15, 7))
+        # Sizes of the nodes and of the clusters, and their first words, as the list below has them.
+        tree = self.page.section("tree")
+        told = {}
+        for element in self.page.within(tree):
+            if element["tag"] == "summary" and "Node" in element["text"]:
+                (words,) = [e["text"] for e in self.page.within(element) if e["at"].get("class") == "words"]
+                size = re.search(r"(\d+) documents", element["text"])[1]
+                told[f"{size} · " + ", ".join(re.findall(r"(\S+) [\d.]+", words)[:3])] = True
+        self.assertEqual(sorted(inner), sorted(told))
+
+    def test_draws_the_tree_over_the_documents(self):
+        labels = pathlib.Path(f"{self.matrix}.rlabel").read_text().splitlines()
+        clusters = [int(line.split()[0]) for line in self.clustering.read_text().splitlines()]
+        for k in range(8):
+            (branch,) = self.page.all("details", id=f"tree-of-{k}")
+            (picture,) = [e for e in self.page.within(branch) if e["tag"] == "svg"]
+            texts = [e["text"] for e in self.page.within(picture) if e["tag"] == "text"
+                     and "g" not in e["path"][len(picture["path"]):] and "class" not in e["at"]]
+            self.assertEqual(sorted(texts), sorted(label for label, c in zip(labels, clusters) if c == k))
 
     def test_shows_the_most_typical_documents(self):
         labels = pathlib.Path(f"{self.matrix}.rlabel").read_text().splitlines()
@@ -308,14 +381,14 @@ class Federalist(unittest.TestCase):
         tree = self.page.section("tree")
         for element in self.page.within(tree):
             is_leaf = element["tag"] == "li" and element["at"].get("class") == "leaf"
-            if element["tag"] != "summary" and not is_leaf:
+            if not is_leaf and not (element["tag"] == "summary" and "ul" in element["path"]):
                 continue
             number, size, isim, xsim = re.match(
                 r"(?:Node|Cluster) (\d+) (\d+) documents? · ISim (\S+)(?: · XSim (\S+))?", element["text"]).groups()
             (words,) = [e["text"] for e in self.page.within(element) if e["at"].get("class") == "words"]
             found.append((number, size, isim, xsim or "0.000", words.replace("\u00a0%", "%")))
         self.assertEqual(found, [(*numbers, re.sub(" +", " ", words)) for *numbers, words in wanted])
-        self.assertEqual(len([e for e in self.page.within(tree) if e["tag"] == "details"]), 7)
+        self.assertEqual(len([e for e in self.page.within(tree) if e["tag"] == "details"]), 1 + 7)
 
     def test_holds_every_row(self):
         data = self.page.data()
@@ -390,7 +463,7 @@ class Chains(unittest.TestCase):
                              "--tree", folder / "t", "--colmodel", "1", "--noreorder")
         tree = page.within(page.section("tree"))
         self.assertLess(max(len(element["path"]) for element in tree), 400)
-        self.assertEqual(len([e for e in tree if e["tag"] == "details"]), 100)
+        self.assertEqual(len([e for e in tree if e["tag"] == "details"]), 1 + 100)
         nodes = [int(re.match(r"Node (\d+)", e["text"])[1]) for e in tree if e["tag"] == "b"]
         self.assertEqual(nodes, list(range(2 * n - 2, n - 1, -1)))
         leaves = [int(re.match(r"Cluster (\d+)", e["text"])[1]) for e in tree

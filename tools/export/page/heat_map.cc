@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+//
+// Clusters by words in colours. Words stand along the left, so that all text is upright, and every
+// cluster brings its first words, so that each has its own dark place near the diagonal.
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "tools/export/escape.h"
+#include "tools/export/page/page_parts.h"
+
+namespace mardle::exporting {
+namespace {
+
+// A cell is as dark as there are bounds below its level: 0 for cells that are left white.
+constexpr double kShareBounds[] = {0.01, 0.05, 0.1, 0.2, 0.4, 0.7};
+constexpr double kStandingBounds[] = {0.25, 0.75, 1.5};
+
+constexpr std::size_t kMostClusters = 60;
+constexpr std::size_t kMostWords = 72;
+constexpr std::size_t kMostWordsOfACluster = 4;
+constexpr std::size_t kLabelBytes = 30;  // longer labels are cut
+constexpr double kCharacterWidth = 7.6;
+constexpr int kHeadHeight = 22;
+constexpr int kCellHeight = 17;
+
+// What the map has room for: the largest clusters, and words of each.
+struct Choice {
+  std::vector<int> clusters;
+  std::vector<int> columns;
+  int label_width = 0;
+};
+
+int LabelWidth(const PageRun& run, const std::vector<int>& columns) {
+  std::size_t longest = 4;
+  for (const int column : columns) {
+    longest = std::max(longest, std::string_view(run.mat.clabels[column]).size());
+  }
+  return static_cast<int>(kCharacterWidth * double(std::min(longest, kLabelBytes + 1))) + 12;
+}
+
+Choice Choose(const PageRun& run, const PageNumbers& numbers) {
+  Choice choice;
+  choice.clusters = LargestClusters(numbers, kMostClusters);
+  const std::size_t each =
+      std::clamp<std::size_t>(kMostWords / choice.clusters.size(), 1, kMostWordsOfACluster);
+  for (const int k : choice.clusters) {
+    for (const int column : NameOf(numbers.words[static_cast<std::size_t>(k)], each)) {
+      const bool is_new =
+          std::find(choice.columns.begin(), choice.columns.end(), column) == choice.columns.end();
+      if (is_new) choice.columns.push_back(column);
+    }
+  }
+  choice.label_width = LabelWidth(run, choice.columns);
+  return choice;
+}
+
+// The class of a cell: "h3" for a level, "g3" for one that is below the average.
+std::string Shade(const PageNumbers& numbers, int k, int column) {
+  if (numbers.levels.are_shares()) {
+    const double level = numbers.levels.Inside(k, column);
+    return "h" + std::to_string(
+                     std::upper_bound(std::begin(kShareBounds), std::end(kShareBounds), level) -
+                     std::begin(kShareBounds));
+  }
+  const double standing = numbers.levels.Standing(k, column);
+  const auto bounds =
+      std::upper_bound(std::begin(kStandingBounds), std::end(kStandingBounds), std::abs(standing)) -
+      std::begin(kStandingBounds);
+  return (standing < 0 ? "g" : "h") + std::to_string(2 * bounds);
+}
+
+void WriteCells(const PageRun& run, const PageNumbers& numbers, const Choice& choice,
+                int cell_width, std::ostream& out) {
+  for (std::size_t line = 0; line < choice.columns.size(); ++line) {
+    const int column = choice.columns[line];
+    const std::string name = Html(run.mat.clabels[column]);
+    const int y = kHeadHeight + static_cast<int>(line) * kCellHeight;
+    out << "<text class=\"end\" x=\"" << choice.label_width - 6 << "\" y=\"" << y + 13 << "\">"
+        << Beginning(run.mat.clabels[column], kLabelBytes) << "</text>";
+    for (std::size_t place = 0; place < choice.clusters.size(); ++place) {
+      const int k = choice.clusters[place];
+      const std::string shade = Shade(numbers, k, column);
+      if (shade[1] == '0') continue;
+      out << "<rect class=\"" << shade << "\" x=\""
+          << choice.label_width + static_cast<int>(place) * cell_width << "\" y=\"" << y
+          << "\" width=\"" << cell_width - 1 << "\" height=\"" << kCellHeight - 1 << "\"><title>"
+          << name << " in " << k << ": " << LevelText(numbers, numbers.levels.Inside(k, column))
+          << "</title></rect>";
+    }
+    out << "\n";
+  }
+}
+
+void WriteKey(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
+  out << "<ul class=\"legend\" aria-label=\"Colours\">";
+  const auto entry = [&out](const char* shade, const std::string& text) {
+    out << "<li><span class=\"key " << shade << "\"></span>" << text << "</li>";
+  };
+  if (numbers.levels.are_shares()) {
+    out << "<li>" << Capital(run.wording.rows) << " with the " << run.wording.column << ":</li>";
+    entry("h0", "fewer than 1\u00a0%");
+    entry("h1", "1\u00a0%");
+    entry("h2", "5\u00a0%");
+    entry("h3", "10\u00a0%");
+    entry("h4", "20\u00a0%");
+    entry("h5", "40\u00a0%");
+    entry("h6", "70\u00a0% and more");
+  } else {
+    out << "<li>Average, in deviations from that of all " << run.wording.rows << ":</li>";
+    entry("g6", "1.5 below and less");
+    entry("g4", "0.75 below");
+    entry("g2", "0.25 below");
+    entry("h0", "near it");
+    entry("h2", "0.25 above");
+    entry("h4", "0.75 above");
+    entry("h6", "1.5 above and more");
+  }
+  out << "</ul>\n";
+}
+
+void WriteDescription(const PageRun& run, const PageNumbers& numbers, const Choice& choice,
+                      std::ostream& out) {
+  out << "<title id=\"heat-title\">The clusters by their " << run.wording.columns
+      << "</title><desc id=\"heat-desc\">" << choice.columns.size() << " " << run.wording.columns
+      << " from top to bottom, " << choice.clusters.size()
+      << " clusters from left to right by their numbers. A cell is the darker the "
+      << (numbers.levels.are_shares()
+              ? "more " + run.wording.rows + " of the cluster contain the " + run.wording.column
+              : "farther the cluster’s average lies from that of all " + run.wording.rows)
+      << ". The cards of the clusters tell the numbers.</desc>";
+}
+
+}  // namespace
+
+void WriteHeatMap(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
+  const Choice choice = Choose(run, numbers);
+  const int cell_width = choice.clusters.size() <= 12 ? 44 : choice.clusters.size() <= 32 ? 26 : 20;
+  const auto width = choice.label_width + static_cast<int>(choice.clusters.size()) * cell_width;
+  const auto height = kHeadHeight + static_cast<int>(choice.columns.size()) * kCellHeight;
+  out << "<section id=\"heat\" aria-labelledby=\"heat-heading\">\n"
+         "<h2 id=\"heat-heading\">Clusters by "
+      << run.wording.columns << "</h2>\n";
+  if (choice.clusters.size() < static_cast<std::size_t>(numbers.nclusters)) {
+    out << "<p class=\"dim\">The " << choice.clusters.size() << " largest clusters.</p>\n";
+  }
+  WriteKey(run, numbers, out);
+  out << "<div class=\"scroll picture\" tabindex=\"0\" role=\"region\" aria-label=\"Heat map\">"
+         "<svg class=\"heat\" width=\""
+      << width << "\" height=\"" << height
+      << "\" role=\"img\" aria-labelledby=\"heat-title heat-desc\">";
+  WriteDescription(run, numbers, choice, out);
+  for (std::size_t place = 0; place < choice.clusters.size(); ++place) {
+    out << "<text class=\"middle\" x=\""
+        << choice.label_width + static_cast<int>(place) * cell_width + cell_width / 2
+        << "\" y=\"15\">" << choice.clusters[place] << "</text>";
+  }
+  out << "\n";
+  WriteCells(run, numbers, choice, cell_width, out);
+  out << "</svg></div>\n</section>\n";
+}
+
+}  // namespace mardle::exporting
