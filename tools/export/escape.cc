@@ -89,8 +89,4 @@ std::string Html(std::string_view text) {
   });
 }
 
-std::string ScriptJson(std::string_view json) {
-  return Replace(json, [](char c) { return c == '<' ? "\\u003c" : nullptr; });
-}
-
 }  // namespace mardle::exporting

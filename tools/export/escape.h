@@ -26,7 +26,4 @@ std::string DotString(std::string_view text);
 // Text and attribute values of HTML and of SVG in it.
 std::string Html(std::string_view text);
 
-// JSON text that can stand in a script element: it holds no "<", which could end it.
-std::string ScriptJson(std::string_view json);
-
 }  // namespace mardle::exporting

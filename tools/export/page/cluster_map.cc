@@ -20,7 +20,7 @@ constexpr double kMargin = 70;
 constexpr double kLargestRadius = 26;
 constexpr double kLeastRadius = 2;
 constexpr double kTextHeight = 15;
-constexpr double kCharacterWidth = 7.2;  // of an average one, and a bit more
+constexpr double kCharacterWidth = 8;  // of a wide text
 constexpr std::size_t kWordsShown = 2;
 
 struct Box {

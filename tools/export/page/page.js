@@ -1,11 +1,11 @@
-// The list of rows: filtered, sorted, and shown a hundred lines at a time, so that its length costs
-// nothing until it is asked for. The search for words, the buttons that fold the tree, and those that
+// The list of rows: read from the texts of the page, filtered, sorted, and shown a hundred lines at a
+// time, so that its length costs little. The search for words, the buttons that fold the tree, and those that
 // hand out tables. Text from the data becomes text nodes only.
 'use strict';
 (() => {
   const kStep = 100;
   const find = (id) => document.getElementById(id);
-  const data = JSON.parse(find('row-data').textContent);
+  const data = readRows();
   const hasClasses = data.classnames.length > 0;
   const folded = data.labels.map((label) => label.toLowerCase());
   const collator = new Intl.Collator(undefined, {numeric: true});
@@ -13,6 +13,33 @@
   const order = {key: 'row', direction: 1};
   let rows = [];
   let shown = kStep;
+
+  // A line is a row, with its number, z-scores and label, or the class of the rows below it.
+  function readRows() {
+    const data = {labels: [], clusters: [], classes: [], internal: [], external: [], classnames: []};
+    const classes = find('row-class');
+    if (classes) data.classnames = [...classes.options].slice(1).map((option) => option.textContent);
+    const numbers = new Map(data.classnames.map((name, c) => [name, c]));
+    const score = (text) => text === '-' ? null : Number(text);
+    for (const fold of find('row-texts').querySelectorAll('details')) {
+      let rowClass = -1;
+      for (const line of fold.querySelector('pre').textContent.split('\n')) {
+        if (line === '') continue;
+        if (line[0] === ':') {
+          rowClass = numbers.get(line.slice(1));
+          continue;
+        }
+        const [number, internal, external, ...label] = line.split('\t');
+        const i = Number(number);
+        data.labels[i] = label.join('\t');
+        data.clusters[i] = Number(fold.dataset.cluster);
+        data.classes[i] = rowClass;
+        data.internal[i] = score(internal);
+        data.external[i] = score(external);
+      }
+    }
+    return data;
+  }
 
   // What column `key` shows of row i.
   function valueOf(key, i) {
@@ -63,7 +90,7 @@
   }
 
   function scoreText(score) {
-    return score === null ? 'n/a' : score.toFixed(3);
+    return score === null ? 'n/a' : score.toFixed(2);
   }
 
   function line(i) {
@@ -78,8 +105,9 @@
   function show() {
     const upTo = Math.min(shown, rows.length);
     find('row-lines').replaceChildren(...rows.slice(0, upTo).map(line));
-    find('row-count').textContent = rows.length === 0 ? 'No rows' :
-        `${upTo.toLocaleString('en')} of ${rows.length.toLocaleString('en')} rows shown`;
+    const name = find('row-count').dataset.rows;
+    find('row-count').textContent = rows.length === 0 ? `No ${name}` :
+        `${upTo.toLocaleString('en')} of ${rows.length.toLocaleString('en')} ${name} shown`;
     find('row-more').hidden = upTo === rows.length;
   }
 
@@ -210,5 +238,6 @@
   find('fold').addEventListener('click', () => foldTree(false));
   find('unfold').addEventListener('click', () => foldTree(true));
   find('row-view').hidden = false;
+  find('row-texts').hidden = true;
   select();
 })();
