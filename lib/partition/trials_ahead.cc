@@ -19,13 +19,22 @@ constexpr RandomState kNoState = ~RandomState{0};
 
 TrialsAhead::TrialsAhead(const Control& control, const PreparedMatrix& mat, int nparts,
                          BlockName name)
-    : control_(control), nparts_(nparts), name_(name) {
-  trials_.emplace_back(RowRecords(mat, name), name);
+    : control_(control), nparts_(nparts), name_(name), trials_(TeamSize(), name) {
+  AddTrial(RowRecords(mat, name));
+}
+
+TrialsAhead::~TrialsAhead() {
+  for (int t = 0; t < count_; ++t) Owned<Trial>(trials_[t]).reset();
+}
+
+void TrialsAhead::AddTrial(const RowRecords& measured) {
+  trials_[count_] = AllocRecord<Trial>(name_, measured, name_).release();
+  ++count_;
 }
 
 TrialsAhead::Outcome TrialsAhead::Next(int left) {
   if (taken_ == made_) MakeRound(Width(left));
-  const Trial& trial = trials_[static_cast<std::size_t>(taken_++)];
+  const Trial& trial = At(taken_++);
   return {{trial.part.data(), trial.part.size()}, trial.quality};
 }
 
@@ -36,33 +45,29 @@ int TrialsAhead::Width(int left) const {
 }
 
 void TrialsAhead::MakeRound(int width) {
-  while (static_cast<int>(trials_.size()) < width) trials_.emplace_back(trials_[0].rows, name_);
+  while (count_ < width) AddTrial(At(0).rows);
   RandomState state = CurrentRandomState();
   const std::int64_t permutations =
       std::int64_t{kSeedingPermutations} + std::max(control_.niter, 0);
-  for (Trial& trial : trials_) {
+  for (int t = 0; t < width; ++t) {
+    Trial& trial = At(t);
     trial.start = state;
     state = AfterPermutations(state, trial.rows.count(), permutations);
     trial.expected_end = state;
     trial.is_unwanted = false;
   }
-  ShareOut(width, 1, [&](std::int64_t first, std::int64_t last, int) {
-    for (std::int64_t t = first; t < last; ++t) Make(static_cast<int>(t), width);
-  });
+  ShareOutOne(width, [&](std::int64_t t) { Make(static_cast<int>(t), width); });
   // A trial counts if it started where the one before, which counts, has ended.
   made_ = 1;
-  for (std::size_t t = 1; static_cast<int>(t) < width; ++t) {
-    if (trials_[t].start != trials_[t - 1].end) break;
-    ++made_;
-  }
+  while (made_ < width && At(made_).start == At(made_ - 1).end) ++made_;
   taken_ = 0;
-  const Trial& last = trials_[static_cast<std::size_t>(made_ - 1)];
+  const Trial& last = At(made_ - 1);
   is_guessing_ = last.end == last.expected_end;
   SetRandomState(last.end);
 }
 
 void TrialsAhead::Make(int t, int width) {
-  Trial& trial = trials_[static_cast<std::size_t>(t)];
+  Trial& trial = At(t);
   const Abandonable poll(trial.is_unwanted);
   trial.end = kNoState;
   try {
@@ -79,7 +84,7 @@ void TrialsAhead::Make(int t, int width) {
 }
 
 void TrialsAhead::Unwant(int first, int width) {
-  for (int t = first; t < width; ++t) trials_[static_cast<std::size_t>(t)].is_unwanted = true;
+  for (int t = first; t < width; ++t) At(t).is_unwanted = true;
 }
 
 }  // namespace molva

@@ -8,7 +8,6 @@
 #pragma once
 
 #include <atomic>
-#include <deque>
 
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
@@ -23,6 +22,9 @@ class TrialsAhead {
  public:
   // The blocks carry the given name.
   TrialsAhead(const Control& control, const PreparedMatrix& mat, int nparts, BlockName name);
+  ~TrialsAhead();
+  TrialsAhead(const TrialsAhead&) = delete;
+  TrialsAhead& operator=(const TrialsAhead&) = delete;
 
   struct Outcome {
     Span<const int> part;  // until the next is asked for
@@ -42,6 +44,8 @@ class TrialsAhead {
     std::atomic<bool> is_unwanted = false;
   };
 
+  Trial& At(int t) { return *trials_[t]; }
+  void AddTrial(const RowRecords& measured);
   int Width(int left) const;
   void MakeRound(int width);
   void Make(int t, int width);
@@ -50,8 +54,9 @@ class TrialsAhead {
   const Control& control_;
   int nparts_;
   BlockName name_;
-  std::deque<Trial> trials_;  // of a round
-  int made_ = 0;              // how many of them started where they should
+  Array<Trial*> trials_;  // of a round, owned
+  int count_ = 0;         // how many there are room for by now
+  int made_ = 0;          // how many of them started where they should
   int taken_ = 0;
   bool is_guessing_ = true;
 };

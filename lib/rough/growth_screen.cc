@@ -36,6 +36,7 @@ void GrowthScreen::Change(int k, const RowRecord& row, float squared_length) {
 void GrowthScreen::SetBound(int k) {
   Cluster& c = clusters_[k];
   c.root = std::sqrt(c.squared_length);
+  if (nparts_ == 2) return;
   const BoundedCluster bounded{{1, c.squared_length, 0}, c.length.Length(), rows_};
   c.error = kForEver;
   GainBound bound;
@@ -54,15 +55,19 @@ Interval GrowthScreen::Growth(int k, const RowFactors& row) const {
   const double square = c.squared_length + x;
   const double error = row.entries * c.error + kKeptSquare * row.square +
                        kSlack * (c.squared_length + std::fabs(x)) + kVanishing;
-  // A square known up to e <= square has a root known up to e / sqrt(square).
+  return GrowthTo(c, square, error);
+}
+
+// A square known up to e <= square has a root known up to e / sqrt(square).
+Interval GrowthScreen::GrowthTo(const Cluster& cluster, double square, double error) const {
   if (!(error <= square)) return {-kForEver, kForEver};
   const double root = std::sqrt(square);
-  return Interval::Around(root - c.root, error / root + kSlack * (root + c.root));
+  return Interval::Around(root - cluster.root, error / root + kSlack * (root + cluster.root));
 }
 
 int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
+  if (nparts_ == 2) return ChooseOfTwo(entries, row);
   const RowFactors factors = FactorsOf(row);
-  if (nparts_ == 2) return ChooseOfTwo(entries, factors);
   lanes_.DotRow(entries, products_.data());
   kernel_.gain(bounds_.LanesWithoutWhole(), products_.data(), factors, most_.data());
   int best = 0;
@@ -86,21 +91,36 @@ int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
   return growth.least > rival ? best : -1;
 }
 
-int GrowthScreen::ChooseOfTwo(const RowView& entries, const RowFactors& row) {
-  const TwoProducts products =
-      DotTwo(entries.columns.data(), entries.values.data(), entries.size(), lanes_.Values());
-  std::copy_n(products.of, 2, products_.data());
-  const Interval first = Growth(0, row);
-  const Interval second = Growth(1, row);
-  if (first.most == kForEver || second.most == kForEver) return -1;
-  if (first.least > second.most) return 0;
-  return second.least > first.most ? 1 : -1;
+int GrowthScreen::ChooseOfTwo(const RowView& entries, const RowRecord& row) {
+  const TwoExactProducts products = DotTwoInDouble(entries.columns.data(), entries.values.data(),
+                                                   entries.size(), lanes_.Values());
+  Interval growth[2];
+  for (const int k : {0, 1}) {
+    const Cluster& cluster = clusters_[k];
+    const double square = cluster.squared_length + (2 * products.of[k] + products.square);
+    const double error = SquareError(cluster, row);
+    two_squares_[k] = Interval::Around(square, error);
+    growth[k] = GrowthTo(cluster, square, error);
+  }
+  if (growth[0].most == kForEver || growth[1].most == kForEver) return -1;
+  if (growth[0].least > growth[1].most) return 0;
+  return growth[1].least > growth[0].most ? 1 : -1;
 }
 
-// In double arithmetic, which rounds (c + v) twice an entry and the sums once, of magnitudes that
-// add up to (|D| + |d|)^2 at the most.
+// Of a squared length with the row, formed in double.
+double GrowthScreen::SquareError(const Cluster& cluster, const RowRecord& row) const {
+  const double most = cluster.length.Length() + static_cast<double>(row.length);
+  return kDoubleSquare * FactorsOf(row).entries * most * most + kVanishing;
+}
+
+GrowthScreen::MaybeSquare GrowthScreen::Rounded(const Interval& square) const {
+  const auto least = static_cast<float>(square.least);
+  return {least == static_cast<float>(square.most), least};
+}
+
 GrowthScreen::MaybeSquare GrowthScreen::SquaredLengthWith(const RowView& entries,
                                                           const RowRecord& row, int k) const {
+  if (nparts_ == 2) return Rounded(two_squares_[k]);
   const LaneView composite = lanes_[k];
   double change = 0;
   for (std::size_t p = 0; p < entries.size(); ++p) {
@@ -109,11 +129,7 @@ GrowthScreen::MaybeSquare GrowthScreen::SquaredLengthWith(const RowView& entries
     change += v * (2 * c + v);
   }
   const Cluster& cluster = clusters_[k];
-  const double most = cluster.length.Length() + static_cast<double>(row.length);
-  const double error = kDoubleSquare * FactorsOf(row).entries * most * most + kVanishing;
-  const double square = cluster.squared_length + change;
-  const auto least = static_cast<float>(square - error);
-  return {least == static_cast<float>(square + error), least};
+  return Rounded(Interval::Around(cluster.squared_length + change, SquareError(cluster, row)));
 }
 
 }  // namespace molva

@@ -5,7 +5,7 @@
 // A root is concave, so the growth of |D| = sqrt(q) to sqrt(q + x), x = 2 d.D + d.d, is at most
 // x / (2 sqrt(q)). The composite with the largest such bound is measured with its error, and then
 // those alone whose bound reaches as far; when one is certain to grow more than all others, the
-// full arithmetic would choose it too.
+// full arithmetic would choose it too. Two composites are both measured, in double arithmetic.
 #pragma once
 
 #include "lib/rough/bound_arrays.h"
@@ -29,8 +29,8 @@ class GrowthScreen {
   // The cluster that grows most, -1 where that is not certain.
   int Choose(const RowView& entries, const RowRecord& row);
 
-  // The squared length of cluster k with the row, where all that it can be rounds to one number of
-  // single precision.
+  // The squared length of cluster k with the row that was chosen for last, where all that it can be
+  // rounds to one number of single precision.
   struct MaybeSquare {
     bool is_certain;
     float value;
@@ -46,8 +46,11 @@ class GrowthScreen {
   };
 
   void SetBound(int k);
-  int ChooseOfTwo(const RowView& entries, const RowFactors& row);
+  int ChooseOfTwo(const RowView& entries, const RowRecord& row);
   Interval Growth(int k, const RowFactors& row) const;
+  Interval GrowthTo(const Cluster& cluster, double square, double error) const;
+  double SquareError(const Cluster& cluster, const RowRecord& row) const;
+  MaybeSquare Rounded(const Interval& square) const;
 
   const Lanes& lanes_;
   int nparts_;
@@ -57,6 +60,7 @@ class GrowthScreen {
   Array<float> products_;
   Array<double> most_;  // that each composite can grow
   BoundArrays bounds_;
+  Interval two_squares_[2] = {};  // of each of two clusters with the row chosen for last
 };
 
 }  // namespace molva

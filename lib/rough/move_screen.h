@@ -69,8 +69,6 @@ class MoveScreen {
   }
   bool HasHopeAmongMany(const RowView& entries, RowRecord& row);
 
-  static double MostOf(Span<const double> gains);
-
   bool Conclude(double coming, double going, RowRecord& row) {
     threshold_ = -slack_ - going;
     const double lacking = -slack_ - (coming + going);

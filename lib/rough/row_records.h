@@ -70,17 +70,16 @@ class RowRecords {
  private:
   static constexpr int kRecordsAhead = 24;
   static constexpr int kEntriesAhead = 12;
-  static constexpr std::uint32_t kPerLine = 64 / sizeof(float);
-
+  // The first and the last entry: of a longer row the processor fetches what lies between by
+  // itself, and a loop over the lines would cost more than it brings.
   [[gnu::always_inline]] void PrefetchEntries(const RowRecord& row) const {
     const int* columns = mat_.rowind.data() + row.begin;
     const float* values = mat_.rowval.data() + row.begin;
-    std::uint32_t p = 0;
-    do {
-      __builtin_prefetch(columns + p);
-      __builtin_prefetch(values + p);
-      p += kPerLine;
-    } while (p < row.size);
+    const std::uint32_t last = row.size > 0 ? row.size - 1 : 0;
+    __builtin_prefetch(columns);
+    __builtin_prefetch(values);
+    __builtin_prefetch(columns + last);
+    __builtin_prefetch(values + last);
   }
 
   const PreparedMatrix& mat_;

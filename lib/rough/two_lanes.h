@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The products of a row with two composites that stand side by side: the loop that bisections spend
-// most of their time in, so it is put into its callers. Every processor has what it needs.
+// The products of a row with two composites that stand side by side: the loops that bisections
+// spend most of their time in, so they are put into their callers. Every processor has what they
+// need.
 #pragma once
 
 #include <cstddef>
@@ -45,6 +46,50 @@ inline TwoProducts DotTwo(const int* columns, const float* values, std::size_t s
     const float* column = lanes + 2 * static_cast<std::size_t>(columns[p]);
     products.of[0] += values[p] * column[0];
     products.of[1] += values[p] * column[1];
+  }
+#endif
+  return products;
+}
+
+// The same in double precision, where each product is exact, and the sum of v^2 with them.
+struct TwoExactProducts {
+  double of[2];
+  double square;
+};
+
+inline TwoExactProducts DotTwoInDouble(const int* columns, const float* values, std::size_t size,
+                                       const float* lanes) {
+  TwoExactProducts products{};
+  std::size_t p = 0;
+#if defined(__SSE2__)
+  __m128d sums[2] = {_mm_setzero_pd(), _mm_setzero_pd()};
+  __m128d squares = _mm_setzero_pd();
+  const auto add = [&](std::size_t entry, __m128d v, __m128d& sum) {
+    const float* column = lanes + 2 * static_cast<std::size_t>(columns[entry]);
+    const __m128 pair = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(column));
+    sum = _mm_add_pd(sum, _mm_mul_pd(v, _mm_cvtps_pd(pair)));
+  };
+  for (; p + 2 <= size; p += 2) {
+    const __m128d v =
+        _mm_set_pd(static_cast<double>(values[p + 1]), static_cast<double>(values[p]));
+    squares = _mm_add_pd(squares, _mm_mul_pd(v, v));
+    add(p, _mm_unpacklo_pd(v, v), sums[0]);
+    add(p + 1, _mm_unpackhi_pd(v, v), sums[1]);
+  }
+  if (p < size) {
+    const __m128d v = _mm_set_sd(static_cast<double>(values[p]));
+    squares = _mm_add_sd(squares, _mm_mul_sd(v, v));
+    add(p, _mm_unpacklo_pd(v, v), sums[0]);
+  }
+  _mm_storeu_pd(products.of, _mm_add_pd(sums[0], sums[1]));
+  products.square = _mm_cvtsd_f64(_mm_add_sd(squares, _mm_unpackhi_pd(squares, squares)));
+#else
+  for (; p < size; ++p) {
+    const auto v = static_cast<double>(values[p]);
+    const float* column = lanes + 2 * static_cast<std::size_t>(columns[p]);
+    products.of[0] += v * static_cast<double>(column[0]);
+    products.of[1] += v * static_cast<double>(column[1]);
+    products.square += v * v;
   }
 #endif
   return products;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 #include "lib/support/span.h"
@@ -104,6 +105,30 @@ void DotPortable(const RowView& row, const float* lanes, std::size_t stride, flo
   }
 }
 
+// Several maxima side by side, since one alone would wait for each comparison.
+[[gnu::always_inline]] inline double MostLoop(const double* gains, std::size_t count) {
+  constexpr std::size_t kChains = 8;
+  double most[kChains];
+  double doubt[kChains] = {};  // not a number from the first such gain on
+  std::fill_n(most, kChains, -std::numeric_limits<double>::infinity());
+  const std::size_t chains = std::min(kChains, count);
+  const auto add = [&](const double* first, std::size_t chain) {
+    const double gain = first[chain];
+    most[chain] = gain > most[chain] ? gain : most[chain];
+    doubt[chain] += gain == gain ? 0.0 : gain;
+  };
+  if (chains < kChains) {
+    for (std::size_t c = 0; c < chains; ++c) add(gains, c);
+  } else {
+    for (std::size_t first = 0; first < count; first += kChains) {
+      for (std::size_t c = 0; c < kChains; ++c) add(gains + first, c);
+    }
+  }
+  return *std::max_element(most, most + kChains) + std::accumulate(doubt, doubt + kChains, 0.0);
+}
+
+double MostPortable(const double* gains, std::size_t count) { return MostLoop(gains, count); }
+
 void GainPortable(const BoundLanes& bounds, const float* products, const RowFactors& row,
                   double* gains) {
   GainLoop(bounds, products, row, gains);
@@ -124,7 +149,7 @@ constexpr std::size_t kCacheLine = 64;
 
 // kEights times 8 lanes: all sums stay in registers, so each column is read in one go.
 template <std::size_t kEights>
-[[gnu::target("avx512f")]] void DotBlockAvx512(const Walk& walk, float* products) {
+[[gnu::target("avx512f,fma")]] void DotBlockAvx512(const Walk& walk, float* products) {
   constexpr std::size_t kPairs = kEights / 2;
   constexpr bool kOdd = kEights % 2 != 0;
   __m512 sums[kPairs + 1];
@@ -136,11 +161,11 @@ template <std::size_t kEights>
     const float* column = walk.Column(p);
 #pragma GCC unroll 16
     for (std::size_t i = 0; i < kPairs; ++i) {
-      sums[i] = _mm512_add_ps(sums[i], _mm512_mul_ps(v, _mm512_loadu_ps(column + 16 * i)));
+      sums[i] = _mm512_fmadd_ps(v, _mm512_loadu_ps(column + 16 * i), sums[i]);
     }
     if constexpr (kOdd) {
       const __m256 narrow = _mm256_set1_ps(walk.Value(p));
-      last = _mm256_add_ps(last, _mm256_mul_ps(narrow, _mm256_loadu_ps(column + 16 * kPairs)));
+      last = _mm256_fmadd_ps(narrow, _mm256_loadu_ps(column + 16 * kPairs), last);
     }
   }
   for (std::size_t i = 0; i < kPairs; ++i) _mm512_storeu_ps(products + 16 * i, sums[i]);
@@ -148,7 +173,7 @@ template <std::size_t kEights>
 }
 
 template <std::size_t kEights>
-[[gnu::target("avx2")]] void DotBlockAvx2(const Walk& walk, float* products) {
+[[gnu::target("avx2,fma")]] void DotBlockAvx2(const Walk& walk, float* products) {
   __m256 sums[kEights];
   for (auto& sum : sums) sum = _mm256_setzero_ps();
   for (std::size_t p = 0; p < walk.row.size(); ++p) {
@@ -157,7 +182,7 @@ template <std::size_t kEights>
     const float* column = walk.Column(p);
 #pragma GCC unroll 16
     for (std::size_t i = 0; i < kEights; ++i) {
-      sums[i] = _mm256_add_ps(sums[i], _mm256_mul_ps(v, _mm256_loadu_ps(column + 8 * i)));
+      sums[i] = _mm256_fmadd_ps(v, _mm256_loadu_ps(column + 8 * i), sums[i]);
     }
   }
   for (std::size_t i = 0; i < kEights; ++i) _mm256_storeu_ps(products + 8 * i, sums[i]);
@@ -171,6 +196,10 @@ constexpr auto BlocksAvx512(std::index_sequence<n...>) {
 void DotAvx512(const RowView& row, const float* lanes, std::size_t stride, float* products) {
   constexpr auto kBlocks = BlocksAvx512(std::make_index_sequence<32>());
   DotBlocks({row, lanes, stride}, kBlocks, products);
+}
+
+[[gnu::target("avx512f")]] double MostAvx512(const double* gains, std::size_t count) {
+  return MostLoop(gains, count);
 }
 
 [[gnu::target("avx512f")]] void GainAvx512(const BoundLanes& bounds, const float* products,
@@ -188,6 +217,10 @@ void DotAvx2(const RowView& row, const float* lanes, std::size_t stride, float* 
   DotBlocks({row, lanes, stride}, kBlocks, products);
 }
 
+[[gnu::target("avx2")]] double MostAvx2(const double* gains, std::size_t count) {
+  return MostLoop(gains, count);
+}
+
 [[gnu::target("avx2")]] void GainAvx2(const BoundLanes& bounds, const float* products,
                                       const RowFactors& row, double* gains) {
   GainLoop(bounds, products, row, gains);
@@ -201,10 +234,18 @@ struct KernelList {
 
   KernelList() {
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx512f")) kernels[count++] = {"avx512f", DotAvx512, GainAvx512};
-    if (__builtin_cpu_supports("avx2")) kernels[count++] = {"avx2", DotAvx2, GainAvx2};
+    // Every processor with one of these units fuses multiplications and additions, but a system may
+    // hide it.
+    if (__builtin_cpu_supports("fma")) {
+      if (__builtin_cpu_supports("avx512f")) {
+        kernels[count++] = {"avx512f", DotAvx512, GainAvx512, MostAvx512};
+      }
+      if (__builtin_cpu_supports("avx2")) {
+        kernels[count++] = {"avx2", DotAvx2, GainAvx2, MostAvx2};
+      }
+    }
 #endif
-    kernels[count++] = {"default", DotPortable, GainPortable};
+    kernels[count++] = {"default", DotPortable, GainPortable, MostPortable};
   }
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The two loops of the rough arithmetic that all vector lanes share, once for every kind of vector
-// unit: the dot products of a sparse row with many composites that stand side by side, and what the
-// row's coming to each of their clusters can gain. The best unit that the processor has is used.
+// The loops of the rough arithmetic that all vector lanes share, once for every kind of vector
+// unit: the dot products of a sparse row with many composites that stand side by side, what the
+// row's coming to each of their clusters can gain, and the most of that. The best unit that the
+// processor has is used.
 #pragma once
 
 #include <cstddef>
@@ -42,10 +43,15 @@ struct RowFactors {
 using GainFunction = void (*)(const BoundLanes& bounds, const float* products,
                               const RowFactors& row, double* gains);
 
+// The most of all gains; not a number where one of them is not. The count is 1, 2, 4 or a multiple
+// of 8.
+using MostFunction = double (*)(const double* gains, std::size_t count);
+
 struct VectorKernel {
   const char* target;  // the kind of vector unit, as the compiler names it
   DotFunction dot;
   GainFunction gain;
+  MostFunction most;
 };
 
 // The kernels that this processor can run, best first; the last one runs everywhere.

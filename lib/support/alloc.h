@@ -209,9 +209,15 @@ struct DestroyRecord {
 template <typename Record>
 using Owned = std::unique_ptr<Record, DestroyRecord<Record>>;
 
-template <typename Record>
-Owned<Record> AllocRecord(BlockName name) {
-  return Owned<Record>(new (RVmalloc(sizeof(Record), name)) Record());
+template <typename Record, typename... Arguments>
+Owned<Record> AllocRecord(BlockName name, Arguments&&... arguments) {
+  void* const block = RVmalloc(sizeof(Record), name);
+  try {
+    return Owned<Record>(new (block) Record(std::forward<Arguments>(arguments)...));
+  } catch (...) {
+    RVfree(block);
+    throw;
+  }
 }
 
 }  // namespace molva

@@ -120,7 +120,7 @@ TEST_F(Teams, WorkAtTheSameTime) {
 TEST_F(Teams, EndTheRunInTheCallingThread) {
   SetThreadCount(4);
   const TeamScope team;
-  for (int round = 0; round < 50; ++round) {
+  for (int round = 0; round < 10; ++round) {
     EXPECT_FATAL(ShareOut(100, 1,
                           [&](std::int64_t i, std::int64_t, int) {
                             if (i == 57) FatalError("Piece %d cannot be had.", static_cast<int>(i));
