@@ -15,11 +15,19 @@ namespace {
 // Not among the states, which have 48 bits.
 constexpr RandomState kNoState = ~RandomState{0};
 
+// Fewer rows and clusters mostly come to rest before their last pass, so the first guess waits for
+// the first trial.
+constexpr std::int64_t kRestless = 20000;
+
 }  // namespace
 
 TrialsAhead::TrialsAhead(const Control& control, const PreparedMatrix& mat, int nparts,
                          BlockName name)
-    : control_(control), nparts_(nparts), name_(name), trials_(TeamSize(), name) {
+    : control_(control),
+      nparts_(nparts),
+      name_(name),
+      trials_(TeamSize(), name),
+      is_guessing_(std::int64_t{mat.nrows} * nparts >= kRestless) {
   AddTrial(RowRecords(mat, name));
 }
 

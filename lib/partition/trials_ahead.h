@@ -58,7 +58,7 @@ class TrialsAhead {
   int count_ = 0;         // how many there are room for by now
   int made_ = 0;          // how many of them started where they should
   int taken_ = 0;
-  bool is_guessing_ = true;
+  bool is_guessing_;
 };
 
 }  // namespace molva

@@ -63,21 +63,25 @@ std::vector<Made> Ahead(const Control& control, const PreparedMatrix& mat, int n
   return trials;
 }
 
-// From no pass on, when all trials end as expected, to so many that none does.
+// So many rows that the first trials are made at once, and so few that they wait for one. From no
+// pass on, when all trials end as expected, to so many that none does.
 TEST_P(Threads, MakeTheTrialsThatOneByOneMakes) {
-  const auto mat = Prepared(RandomDocuments(8, 120, 80, 5, 9));
+  const auto few = Prepared(RandomDocuments(8, 120, 80, 5, 9));
+  const auto many = Prepared(RandomDocuments(8, 2500, 80, 5, 9));
   for (const int niter : {0, 1, 2, 3, 5, 100}) {
     for (const int crfun : {2, 6}) {
       const Control control{.crfun = crfun, .ntrials = 11, .niter = niter, .seed = niter};
-      std::vector<Made> expected = OneByOne(control, *mat, 4);
-      for (int t = 0; t < control.ntrials - 1; ++t) expected[static_cast<std::size_t>(t)].end = 0;
-      EXPECT_EQ(Ahead(control, *mat, 4), expected) << niter;
+      for (const PreparedMatrix* mat : {few.get(), many.get()}) {
+        std::vector<Made> expected = OneByOne(control, *mat, 9);
+        for (int t = 0; t < control.ntrials - 1; ++t) expected[static_cast<std::size_t>(t)].end = 0;
+        EXPECT_EQ(Ahead(control, *mat, 9), expected) << niter;
+      }
     }
   }
 }
 
 TEST_P(Threads, StopWhenTheHookAsksForIt) {
-  const auto mat = Prepared(RandomDocuments(8, 400, 80, 5, 9));
+  const auto mat = Prepared(RandomDocuments(8, 6000, 80, 5, 9));
   SetProgressHook(
       [](MOLVA_Event event, int, int, void*) { return event == MOLVA_EVENT_POLL ? 1 : 0; },
       nullptr);
