@@ -67,6 +67,24 @@ class KWayClusters {
   }
   bool IsSettled(const RowRecord& row) const { return looks_ && screen_.IsSettled(row); }
   bool HasHope(RowRecord& row) { return !looks_ || screen_.HasHope(rows_.Entries(row), row); }
+  // Whether rows are better looked at together: those that store every column, where there are more
+  // composites than need no vectors.
+  bool LooksAhead() const {
+    return looks_ && rows_.extremes().are_full && centers_.stride() % 8 == 0;
+  }
+  // Looks at the rows to come ahead of their turn, as far as they are not settled.
+  void LookAhead(Span<const int> to_come) {
+    if (!screen_.ClockRuns()) return;
+    RowRecord* records[kFullRows];
+    std::size_t count = 0;
+    for (const int i : to_come) {
+      if (screen_.IsSettled(rows_[i])) continue;
+      records[count++] = &rows_[i];
+      if (count < kFullRows) continue;
+      screen_.LookAhead(rows_, records);
+      count = 0;
+    }
+  }
   bool IsHopeful(int k) const { return !looks_ || screen_.IsHopeful(k); }
 
   // The row leaves its place for cluster `to`; here the wide values become single precision.

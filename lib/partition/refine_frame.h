@@ -9,6 +9,7 @@
 // hopeless are passed over; what is decided and stored comes from the arithmetic below alone.
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
 
 #include "lib/criteria/objectives.h"
@@ -69,9 +70,11 @@ class KWayRefinement {
   int Pass() {
     RandomPermute(perm_, Start::kIdentity);
     clusters_.StartPass();
+    const bool looks_ahead = clusters_.LooksAhead();
     int moves = 0;
     for (int j = 0; j < rows_.count(); ++j) {
       if (j % kPollInterval == 0) Poll();
+      if (looks_ahead && j % kRowsAhead == 0) clusters_.LookAhead(RowsFrom(j));
       rows_.Prefetch(perm_.data(), j);
       RowRecord& row = rows_[perm_[j]];
       // Rows leave only clusters of three or more, so no pair is broken up.
@@ -85,6 +88,12 @@ class KWayRefinement {
   float Quality() const { return clusters_.objective().Quality(rows_.count()); }
 
  private:
+  static constexpr int kRowsAhead = 2 * static_cast<int>(kFullRows);
+
+  Span<const int> RowsFrom(int j) const {
+    return {perm_.data() + j, std::min(kRowsAhead, rows_.count() - j)};
+  }
+
   // The cluster that a visited row stands in, with the row and without it.
   struct Home {
     ClusterMeasure without;

@@ -10,7 +10,7 @@ MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockNam
       nparts_(nparts),
       uses_whole_(uses_whole),
       kernel_(CurrentKernel()),
-      products_(AllocFloatsSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
+      products_(AllocFloatsSet(static_cast<std::int64_t>(lanes.stride() * kFullRows), 0, name)),
       gains_(AllocDoublesSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
       coming_(lanes.stride(), name),
       bounds_(nparts, name) {
@@ -23,11 +23,28 @@ void MoveScreen::SetBounds(int k, const ClusterBounds& bounds) {
 }
 
 bool MoveScreen::HasHopeAmongMany(const RowView& entries, RowRecord& row) {
-  const RowFactors factors = FactorsOf(row);
   lanes_.DotRow(entries, products_.data());
-  const double going = bounds_[row.place].Going(factors, products_[row.place]);
-  kernel_.gain(uses_whole_ ? coming_.Lanes() : coming_.LanesWithoutWhole(), products_.data(),
-               factors, gains_.data());
+  return Meet(products_.data(), row);
+}
+
+void MoveScreen::LookAhead(const RowRecords& rows, RowRecord* const* records) {
+  const float* values[kFullRows];
+  float* products[kFullRows];
+  for (std::size_t r = 0; r < kFullRows; ++r) {
+    values[r] = rows.Entries(*records[r]).values.data();
+    products[r] = products_.data() + r * lanes_.stride();
+  }
+  kernel_.dot_full_rows(values, static_cast<std::size_t>(rows.matrix().ncols), lanes_.Values(),
+                        lanes_.stride(), products);
+  for (std::size_t r = 0; r < kFullRows; ++r) Meet(products[r], *records[r]);
+}
+
+// The products meet the bounds.
+bool MoveScreen::Meet(const float* products, RowRecord& row) {
+  const RowFactors factors = FactorsOf(row);
+  const double going = bounds_[row.place].Going(factors, products[row.place]);
+  kernel_.gain(uses_whole_ ? coming_.Lanes() : coming_.LanesWithoutWhole(), products, factors,
+               gains_.data());
   gains_[row.place] = -kForEver;
   return Conclude(kernel_.most(gains_.data(), gains_.size()), going, row);
 }

@@ -51,6 +51,10 @@ class MoveScreen {
     return nparts_ == 2 ? HasHopeAmongTwo(entries, row) : HasHopeAmongMany(entries, row);
   }
 
+  // Looks at kFullRows full rows ahead of their turn, all of whose products are formed together.
+  // What moves in between is on the clock.
+  void LookAhead(const RowRecords& rows, RowRecord* const* records);
+
   // Whether the move to a cluster, as looked at last, is worth weighing in full.
   bool IsHopeful(int k) const { return !(gains_[k] < threshold_); }
 
@@ -68,6 +72,7 @@ class MoveScreen {
     return Conclude(gains_[other], bounds_[home].Going(factors, products.of[home]), row);
   }
   bool HasHopeAmongMany(const RowView& entries, RowRecord& row);
+  bool Meet(const float* products, RowRecord& row);
 
   bool Conclude(double coming, double going, RowRecord& row) {
     threshold_ = -slack_ - going;
@@ -82,8 +87,8 @@ class MoveScreen {
   int nparts_;
   bool uses_whole_;
   VectorKernel kernel_;
-  Array<float> products_;
-  Array<double> gains_;  // of coming to each cluster
+  Array<float> products_;  // of kFullRows rows
+  Array<double> gains_;    // of coming to each cluster
   BoundArrays coming_;
   Array<ClusterBounds> bounds_;
   double slack_ = 0;

@@ -97,6 +97,8 @@ RowRecords::RowRecords(const PreparedMatrix& mat, BlockName name)
     record.repeats = finder.Repeats(row.columns, i) ? 1 : 0;
     MeasureSizes(row, record);
     extremes_.longest = MostOf(extremes_.longest, record.length);
+    const bool is_full = std::cmp_equal(row.size(), mat.ncols) && Increases(row.columns);
+    extremes_.are_full = extremes_.are_full && is_full;
     extremes_.most_entries = std::max(extremes_.most_entries, static_cast<int>(row.size()));
   }
 }

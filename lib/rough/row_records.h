@@ -28,6 +28,7 @@ struct RowRecord {
 struct RowExtremes {
   double longest = 0;  // |d|
   int most_entries = 0;
+  bool are_full = true;  // every row stores every column, in order
   // d.G: 0 until the rows are measured against the whole.
   double least_whole = 0, most_whole = 0;
   double whole_error = 0;  // how far a record's d.G can be from the true one

@@ -238,14 +238,14 @@ struct KernelList {
     // hide it.
     if (__builtin_cpu_supports("fma")) {
       if (__builtin_cpu_supports("avx512f")) {
-        kernels[count++] = {"avx512f", DotAvx512, GainAvx512, MostAvx512};
+        kernels[count++] = {"avx512f", DotAvx512, GainAvx512, MostAvx512, DotFullRowsAvx512};
       }
       if (__builtin_cpu_supports("avx2")) {
-        kernels[count++] = {"avx2", DotAvx2, GainAvx2, MostAvx2};
+        kernels[count++] = {"avx2", DotAvx2, GainAvx2, MostAvx2, DotFullRowsAvx2};
       }
     }
 #endif
-    kernels[count++] = {"default", DotPortable, GainPortable, MostPortable};
+    kernels[count++] = {"default", DotPortable, GainPortable, MostPortable, DotFullRowsPortable};
   }
 };
 

@@ -9,6 +9,7 @@
 #include <cstddef>
 
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/rough/full_rows.h"
 #include "lib/support/span.h"
 
 namespace molva {
@@ -52,6 +53,7 @@ struct VectorKernel {
   DotFunction dot;
   GainFunction gain;
   MostFunction most;
+  DotFullRowsFunction dot_full_rows;
 };
 
 // The kernels that this processor can run, best first; the last one runs everywhere.

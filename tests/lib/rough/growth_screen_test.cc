@@ -127,8 +127,9 @@ TEST(GrowthScreen, LeavesTiesToTheFullArithmetic) {
   EXPECT_EQ(screen.Choose(Row(*mat, 2), records[2]), -1);
 }
 
-// The first grows by far more than the others, but products in single precision are not bounded beyond
-// 2^60. Two composites are measured in double precision, which reaches as far as their lengths.
+// The first grows by far more than the others, but products in single precision are not bounded
+// beyond 2^60. Two composites are measured in double precision, which reaches as far as their
+// lengths.
 TEST(GrowthScreen, LeavesCompositesThatAreTooLongToTheFullArithmetic) {
   const auto mat = PreparedOf({{0x1p61F, 0}, {0, 0x1p61F}, {0x1p50F, 0}});
   const RowRecords records(*mat, "Test: rows");

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <tuple>
 #include <type_traits>
@@ -31,6 +33,7 @@ struct Counts {
   int hopeful = 0;
   int improving = 0;
   int settled = 0;
+  int looks_ahead = 0;
 };
 
 // A row's move as the full arithmetic weighs it.
@@ -60,11 +63,19 @@ Weighed<Objective> Weigh(const KWayClusters<Objective>& clusters, const RowView&
 }
 
 // One visit of every row, compared; rows that improve nothing but are drawn to move do so too.
+// Where rows are looked at ahead of their turn, they are here, ten at a time.
 template <typename Objective>
 void CompareVisits(KWayClusters<Objective>& clusters, RowRecords& rows, unsigned one_in,
                    std::mt19937& random, Counts& counts) {
+  constexpr int kAhead = 10;
+  std::vector<int> order(static_cast<std::size_t>(rows.count()));
+  std::iota(order.begin(), order.end(), 0);
   clusters.StartPass();
   for (int i = 0; i < rows.count(); ++i) {
+    if (clusters.LooksAhead() && i % kAhead == 0) {
+      clusters.LookAhead({order.data() + i, std::min(kAhead, rows.count() - i)});
+      ++counts.looks_ahead;
+    }
     RowRecord& row = rows[i];
     const int from = row.place;
     if (clusters.Size(from) <= 2) continue;
@@ -140,6 +151,7 @@ TEST(MoveScreen, NeverHidesAnImprovementAmongRowsThatCancel) {
       CompareOn<decltype(objective)>(*mat, run.nclusters, seed, 10, counts);
     }
     EXPECT_GT(counts.improving, 100);
+    EXPECT_GT(counts.looks_ahead, 100);
   });
 }
 

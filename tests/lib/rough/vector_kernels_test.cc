@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -60,6 +61,55 @@ TEST(VectorKernels, StayWithinTheErrorOfAnyOrderOfSums) {
           const Reference reference = DotOf(Row(*mat, i), lanes, stride, lane);
           ASSERT_NEAR(products[lane], reference.product, reference.error);
         }
+      }
+    }
+  }
+}
+
+TEST(VectorKernels, MultiplyFullRowsAllAtOnce) {
+  std::mt19937 random(2);
+  constexpr int kColumns = 37;
+  const auto draw = [&random] { return static_cast<float>(random() % 1000) / 7.0F - 50; };
+  std::vector<float> values(kFullRows * kColumns);
+  for (float& v : values) v = draw();
+  std::vector<int> columns(kColumns);
+  std::iota(columns.begin(), columns.end(), 0);
+  const float* rows[kFullRows];
+  for (std::size_t r = 0; r < kFullRows; ++r) rows[r] = values.data() + r * kColumns;
+  for (const std::size_t stride : {8, 16, 24, 32, 40, 56, 64, 96, 104, 136, 264}) {
+    std::vector<float> lanes(kColumns * stride);
+    for (float& c : lanes) c = draw();
+    for (const VectorKernel& kernel : AvailableKernels()) {
+      SCOPED_TRACE(std::string(kernel.target) + ", stride " + std::to_string(stride));
+      std::vector<float> block(kFullRows * stride);
+      float* products[kFullRows];
+      for (std::size_t r = 0; r < kFullRows; ++r) products[r] = block.data() + r * stride;
+      kernel.dot_full_rows(rows, kColumns, lanes.data(), stride, products);
+      for (std::size_t r = 0; r < kFullRows; ++r) {
+        const RowView row{columns, {rows[r], kColumns}};
+        for (std::size_t lane = 0; lane < stride; ++lane) {
+          const Reference reference = DotOf(row, lanes, stride, lane);
+          ASSERT_NEAR(products[r][lane], reference.product, reference.error);
+        }
+      }
+    }
+  }
+}
+
+TEST(VectorKernels, FindTheMostOfAllGains) {
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  for (const VectorKernel& kernel : AvailableKernels()) {
+    for (const std::size_t count : {1, 2, 4, 8, 24}) {
+      for (std::size_t most = 0; most < count; ++most) {
+        std::vector<double> gains(count, -kInfinite);
+        gains[count / 2] = -7;
+        gains[most] = -3;
+        EXPECT_EQ(kernel.most(gains.data(), count), -3) << kernel.target;
+        gains[most] = kInfinite;
+        EXPECT_EQ(kernel.most(gains.data(), count), kInfinite) << kernel.target;
+        gains[most] = kNan;
+        EXPECT_TRUE(std::isnan(kernel.most(gains.data(), count))) << kernel.target;
       }
     }
   }
