@@ -276,9 +276,10 @@ def processor() -> str:
 def print_setting(options, X) -> None:
     """Print what is compared where."""
     rows, columns = X.shape
+    seeds = "one seed" if options.seeds == 1 else f"medians of {options.seeds} seeds"
     stored = X.nnz if sparse.issparse(X) else X.size
     print(f"{options.matrix.name}: {rows:,} rows, {columns:,} columns, {stored:,} entries; "
-          f"{options.clusters} clusters, medians of {options.seeds} seeds.")  # fmt: skip
+          f"{options.clusters} clusters, {seeds}.")  # fmt: skip
     print(f"{processor()}, {os.cpu_count()} processors, load average {os.getloadavg()[0]:.1f}; "
           f"Python {platform.python_version()}, molva {molva.__version__}, "
           f"scikit-learn {sklearn.__version__}, NumPy {np.__version__}, "
@@ -327,7 +328,17 @@ def compare(options) -> None:
             print_method(name, runs[name])
     for name, reason in failed.items():
         print(f"\n{name}: {reason}")
+    print_conditions(options, runs)
+
+
+def print_conditions(options, runs) -> None:
+    """Print what else the machine did."""
+    alone = [run for by_threads in runs.values() for run in by_threads[0]]
     print(f"\nLoad average at the end {os.getloadavg()[0]:.1f}.")
+    if alone and options.threads[0] == 1:
+        waited = 1 - sum(run["cpu"] for run in alone) / sum(run["wall"] for run in alone)
+        print(f"Fits with one thread waited {waited:.0%} of the wall time. Where that is much, wall "
+              "tells nothing,\nand CPU of several threads tells how long they wait for each other.")
 
 
 def parse_command_line(words: list[str] | None):
