@@ -35,7 +35,8 @@ class KWayClusters {
         dnorms_(AllocFloats(nparts, {names.per_cluster, ": dnorms"})),
         centers_(nparts, rows.matrix().ncols, {names.per_cluster, ": centers"}),
         rough_(nparts, {names.per_cluster, ": dnorms"}),
-        screen_(centers_, nparts, Objective::kUsesSimilarity, {names.per_cluster, ": dnorms"}) {
+        screen_(centers_, nparts, Objective::kUsesSimilarity, rows.extremes().are_full,
+                {names.per_cluster, ": dnorms"}) {
     if constexpr (Objective::kUsesSimilarity) {
       csim_ = AllocFloats(nparts, {names.per_cluster, ": csim"});
       gcenter_ = AllocFloatsSet(rows.matrix().ncols, 0, {names.per_row, ": gcenter"});

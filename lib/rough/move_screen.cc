@@ -5,10 +5,12 @@
 
 namespace molva {
 
-MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockName name)
+MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, bool are_full,
+                       BlockName name)
     : lanes_(lanes),
       nparts_(nparts),
       uses_whole_(uses_whole),
+      are_full_(are_full),
       kernel_(CurrentKernel()),
       products_(AllocFloatsSet(static_cast<std::int64_t>(lanes.stride() * kFullRows), 0, name)),
       gains_(AllocDoublesSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),

@@ -24,9 +24,9 @@ namespace molva {
 
 class MoveScreen {
  public:
-  // Clusters are the lanes 0 to nparts - 1; whether the objective looks at the whole. The blocks
-  // carry the given name.
-  MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, BlockName name);
+  // Clusters are the lanes 0 to nparts - 1; whether the objective looks at the whole, and whether
+  // every row stores every column, in order. The blocks carry the given name.
+  MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, bool are_full, BlockName name);
 
   // The bounds of a cluster as it stands now.
   void SetBounds(int k, const ClusterBounds& bounds);
@@ -64,8 +64,10 @@ class MoveScreen {
 
   bool HasHopeAmongTwo(const RowView& entries, RowRecord& row) {
     const RowFactors factors = FactorsOf(row);
+    const float* const values = entries.values.data();
     const TwoProducts products =
-        DotTwo(entries.columns.data(), entries.values.data(), entries.size(), lanes_.Values());
+        are_full_ ? DotTwoFull(values, entries.size(), lanes_.Values())
+                  : DotTwo(entries.columns.data(), values, entries.size(), lanes_.Values());
     const int home = row.place;
     const int other = 1 - home;
     gains_[other] = bounds_[other].Coming(factors, products.of[other]);
@@ -86,6 +88,7 @@ class MoveScreen {
   const Lanes& lanes_;
   int nparts_;
   bool uses_whole_;
+  bool are_full_;
   VectorKernel kernel_;
   Array<float> products_;  // of kFullRows rows
   Array<double> gains_;    // of coming to each cluster

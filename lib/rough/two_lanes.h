@@ -51,6 +51,33 @@ inline TwoProducts DotTwo(const int* columns, const float* values, std::size_t s
   return products;
 }
 
+// The same for a row that stores every column, in order: none is looked up.
+inline TwoProducts DotTwoFull(const float* values, std::size_t size, const float* lanes) {
+  TwoProducts products{};
+  std::size_t p = 0;
+#if defined(__SSE2__)
+  __m128 sums[4] = {_mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps()};
+  const auto add = [&](std::size_t entry, __m128 v, __m128& sum) {
+    sum = _mm_add_ps(sum, _mm_mul_ps(v, _mm_loadu_ps(lanes + 2 * entry)));
+  };
+  for (; p + 8 <= size; p += 8) {
+    const __m128 four = _mm_loadu_ps(values + p);
+    const __m128 more = _mm_loadu_ps(values + p + 4);
+    add(p, _mm_unpacklo_ps(four, four), sums[0]);
+    add(p + 2, _mm_unpackhi_ps(four, four), sums[1]);
+    add(p + 4, _mm_unpacklo_ps(more, more), sums[2]);
+    add(p + 6, _mm_unpackhi_ps(more, more), sums[3]);
+  }
+  const __m128 sum = _mm_add_ps(_mm_add_ps(sums[0], sums[1]), _mm_add_ps(sums[2], sums[3]));
+  _mm_storel_pi(reinterpret_cast<__m64*>(products.of), _mm_add_ps(sum, _mm_movehl_ps(sum, sum)));
+#endif
+  for (; p < size; ++p) {
+    products.of[0] += values[p] * lanes[2 * p];
+    products.of[1] += values[p] * lanes[2 * p + 1];
+  }
+  return products;
+}
+
 // The same in double precision, where each product is exact, and the sum of v^2 with them.
 struct TwoExactProducts {
   double of[2];

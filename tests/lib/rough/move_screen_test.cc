@@ -333,7 +333,7 @@ TEST(MoveScreen, AddsAHundredThousandStepsOfTheClockWithoutLoss) {
   const auto mat = PreparedOf({{1}, {1}});
   RowRecords rows(*mat, "Test: rows");
   const Lanes lanes(2, 1, "Test: lanes");
-  MoveScreen screen(lanes, 2, false, "Test: screen");
+  MoveScreen screen(lanes, 2, false, false, "Test: screen");
   ClusterBounds bounds;
   bounds.gains.coming = {-1, 0, 0, 0};
   bounds.gains.going = {0, 0, 0, 0};
