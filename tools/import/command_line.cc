@@ -38,10 +38,6 @@ char DelimiterNamed(const std::string& name) {
 }
 
 void AddGeneral(CLI::App& app, ImportOptions& options) {
-  app.add_option("INPUT", options.input, "The folder or file to import")->required()->type_name("");
-  app.add_option("MATRIX", options.output.path, "The matrix file to write")
-      ->required()
-      ->type_name("");
   app.add_option_function<std::string>(
          "--format", [&options](const std::string& name) { options.format = kFormats.at(name); },
          "The format of the file: mtx, svmlight, table, lines, npy, npz")
@@ -50,8 +46,6 @@ void AddGeneral(CLI::App& app, ImportOptions& options) {
   app.add_option("--encoding", options.encoding, "The encoding of texts and tables, as latin1")
       ->type_name("NAME");
   app.add_flag("--drop-empty", options.output.drop_empty, "Leave rows without entries out");
-  app.add_flag("--force", options.output.replace, "Replace files that exist");
-  app.add_flag("--quiet", options.quiet, "Print no progress and no summary");
 }
 
 void AddColumns(CLI::App& app, ImportOptions& options) {
@@ -123,14 +117,24 @@ void AddTexts(CLI::App& app, ImportOptions& options) {
 
 }  // namespace
 
+void AddImportOptions(CLI::App& app, ImportOptions& options) {
+  AddGeneral(app, options);
+  AddColumns(app, options);
+  AddTexts(app, options);
+}
+
 std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportOptions& options) {
   CLI::App app(kDescription, "mardle-import");
   app.footer(kFooter);
   app.set_help_flag("--help", "Print this help");
   app.set_version_flag("--version", std::string("mardle-import ") + kVersion, "Print the version");
-  AddGeneral(app, options);
-  AddColumns(app, options);
-  AddTexts(app, options);
+  app.add_option("INPUT", options.input, "The folder or file to import")->required()->type_name("");
+  app.add_option("MATRIX", options.output.path, "The matrix file to write")
+      ->required()
+      ->type_name("");
+  app.add_flag("--force", options.output.replace, "Replace files that exist");
+  app.add_flag("--quiet", options.quiet, "Print no progress and no summary");
+  AddImportOptions(app, options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& success) {

@@ -135,6 +135,7 @@ FolderReport VisitFolder(const std::string& folder, const FolderOptions& options
     RowNames names{.label = file};
     if (options.folder_classes) names.class_name = FirstFolder(file);
     VisitText(whole.text, names, {path, 0}, visit);
+    report.files.push_back(file);
   }
   return report;
 }

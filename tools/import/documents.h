@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/import/matrix_writer.h"
 #include "tools/import/table_columns.h"
@@ -36,8 +37,9 @@ struct FileCount {
 };
 
 struct FolderReport {
-  FileCount no_texts;   // passed over
-  FileCount malformed;  // with bytes that are not UTF-8
+  FileCount no_texts;              // passed over
+  FileCount malformed;             // with bytes that are not UTF-8
+  std::vector<std::string> files;  // that were visited, from the folder
 };
 
 // Visits the files below a folder whose names fit, in the order of their paths, which become the

@@ -92,7 +92,8 @@ ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
   };
   const FolderReport report =
       VisitFolder(options.input, options.folder, options.encoding, visit_input);
-  return {InputFormat::kFolder, terms.Write(options.output, options.limits), NotesOn(report)};
+  return {InputFormat::kFolder, terms.Write(options.output, options.limits), report.files,
+          NotesOn(report)};
 }
 
 ImportResult ImportTexts(const ImportOptions& options, InputFormat format, InputLines* input,
@@ -164,14 +165,6 @@ ImportResult ImportFile(const ImportOptions& options, Progress& progress) {
   return result;
 }
 
-// What mardle needs to be told of the matrix. A sparse one whose cells are all stored has no IDF,
-// and one that is weighted needs none.
-const char* OptionsFor(const MatrixSummary& matrix) {
-  if (matrix.dense) return "-denseinput ";
-  const bool full = matrix.entries == matrix.rows * matrix.columns;
-  return full || !matrix.whole_numbers ? "-colmodel=1 " : "";
-}
-
 }  // namespace
 
 ImportResult Import(const ImportOptions& options) {
@@ -189,7 +182,14 @@ ImportResult Import(const ImportOptions& options) {
   return ImportFile(options, progress);
 }
 
-std::string Summary(const ImportOptions& options, const ImportResult& result) {
+std::vector<std::string> MardleOptionsFor(const MatrixSummary& matrix) {
+  if (matrix.dense) return {"-denseinput"};
+  const bool full = matrix.entries == matrix.rows * matrix.columns;
+  if (full || !matrix.whole_numbers) return {"-colmodel=1"};
+  return {};
+}
+
+std::string SummaryWithoutCommand(const ImportOptions& options, const ImportResult& result) {
   const MatrixSummary& matrix = result.matrix;
   const std::string& path = options.output.path;
   std::string text = path + ": " + Count(matrix.rows, "row", "rows") + ", " +
@@ -207,7 +207,14 @@ std::string Summary(const ImportOptions& options, const ImportResult& result) {
         "The values are not whole numbers, so they look weighted already: -colmodel=1 weighs the "
         "columns no further\n";
   }
-  return text + "Cluster with: mardle " + OptionsFor(matrix) + ShellText(path) + " NCLUSTERS\n";
+  return text;
+}
+
+std::string Summary(const ImportOptions& options, const ImportResult& result) {
+  std::string command = "mardle";
+  for (const std::string& option : MardleOptionsFor(result.matrix)) command += " " + option;
+  return SummaryWithoutCommand(options, result) + "Cluster with: " + command + " " +
+         ShellText(options.output.path) + " NCLUSTERS\n";
 }
 
 }  // namespace mardle::tools

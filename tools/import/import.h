@@ -13,6 +13,7 @@ namespace mardle::tools {
 struct ImportResult {
   InputFormat format;
   MatrixSummary matrix = {};
+  std::vector<std::string> files = {};  // of a folder, those that were read; from the folder
   std::vector<std::string> notes = {};  // what the user should know of the input, a line each
 };
 
@@ -20,7 +21,12 @@ struct ImportResult {
 // wrong for the input; nothing is written then.
 ImportResult Import(const ImportOptions& options);
 
-// What was made, for the user, one line or more.
+// What mardle needs to be told of the matrix, as options. A sparse one whose cells are all stored
+// has no IDF, and one that is weighted needs none.
+std::vector<std::string> MardleOptionsFor(const MatrixSummary& matrix);
+
+// What was made, for the user, one line or more, and the command that clusters it.
+std::string SummaryWithoutCommand(const ImportOptions& options, const ImportResult& result);
 std::string Summary(const ImportOptions& options, const ImportResult& result);
 
 }  // namespace mardle::tools

@@ -44,9 +44,12 @@ std::optional<std::string> FindMardle() {
   const char* path = std::getenv("PATH");
   const char* named = std::getenv("MARDLE");
   if (named != nullptr && *named != '\0') return FindProgram(named, path);
-  const std::string beside = (fs::path(OwnPath()).parent_path() / "mardle").string();
-  if (IsProgram(beside)) return beside;
-  return FindProgram("mardle", path);
+  return FindBeside("mardle");
+}
+
+std::optional<std::string> FindBeside(const std::string& name) {
+  const std::string beside = (fs::path(OwnPath()).parent_path() / name).string();
+  return IsProgram(beside) ? beside : FindProgram(name, std::getenv("PATH"));
 }
 
 }  // namespace mardle::tools

@@ -19,4 +19,7 @@ std::optional<std::string> FindProgram(const std::string& name, const char* path
 // PATH.
 std::optional<std::string> FindMardle();
 
+// A program of this name beside this one, or else on PATH.
+std::optional<std::string> FindBeside(const std::string& name);
+
 }  // namespace mardle::tools
