@@ -86,6 +86,10 @@ class KWayClusters {
       count = 0;
     }
   }
+  // The row comes soon.
+  [[gnu::always_inline]] void Prefetch(const RowRecord& row) const {
+    if (looks_ && !screen_.IsSettled(row)) centers_.Prefetch(rows_.Entries(row));
+  }
   bool IsHopeful(int k) const { return !looks_ || screen_.IsHopeful(k); }
 
   // The row leaves its place for cluster `to`; here the wide values become single precision.

@@ -76,6 +76,7 @@ class KWayRefinement {
       if (j % kPollInterval == 0) Poll();
       if (looks_ahead && j % kRowsAhead == 0) clusters_.LookAhead(RowsFrom(j));
       rows_.Prefetch(perm_.data(), j);
+      if (j + kColumnsAhead < rows_.count()) clusters_.Prefetch(rows_[perm_[j + kColumnsAhead]]);
       RowRecord& row = rows_[perm_[j]];
       // Rows leave only clusters of three or more, so no pair is broken up.
       if (clusters_.Size(row.place) <= 2 || clusters_.IsSettled(row)) continue;
@@ -88,6 +89,7 @@ class KWayRefinement {
   float Quality() const { return clusters_.objective().Quality(rows_.count()); }
 
  private:
+  static constexpr int kColumnsAhead = 2;
   static constexpr int kRowsAhead = 2 * static_cast<int>(kFullRows);
 
   Span<const int> RowsFrom(int j) const {
