@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "lib/partition/initial_clustering.h"
 #include "lib/partition/refine.h"
+#include "lib/support/alloc.h"
 #include "lib/support/progress.h"
 #include "lib/support/team.h"
 #include "tests/testing/fatal.h"
@@ -87,6 +91,31 @@ TEST_P(Threads, StopWhenTheHookAsksForIt) {
       nullptr);
   const Control control{.crfun = 2, .ntrials = 10, .niter = 3, .seed = 1};
   EXPECT_FATAL(Ahead(control, *mat, 4), "The run was interrupted.");
+}
+
+// Whichever thread asks for the block that cannot be had, the run ends in this one, with its name.
+TEST_P(Threads, EndTheRunWhenMemoryFails) {
+  static std::atomic<int> left;
+  const auto mat = Prepared(RandomDocuments(8, 2500, 80, 5, 9));
+  const Control control{.crfun = 2, .ntrials = 6, .niter = 2, .seed = 1};
+  int ended = 0;
+  for (int failing = 1;; ++failing) {
+    left = failing;
+    const AllocateFunction replaced = SetAllocateFunction(
+        [](std::size_t size) { return --left == 0 ? nullptr : std::malloc(size); });
+    const testing_support::FatalThrows throws;
+    std::string message;
+    try {
+      Ahead(control, *mat, 9);
+    } catch (const testing_support::Fatal& error) {
+      message = error.what();
+    }
+    SetAllocateFunction(replaced);
+    if (left > 0) break;  // fewer are asked for
+    EXPECT_EQ(message.rfind("***Memory allocation failed for ", 0), 0U) << failing << message;
+    ++ended;
+  }
+  EXPECT_GT(ended, 40);
 }
 
 INSTANTIATE_TEST_SUITE_P(TrialsAhead, Threads, testing::Values(1, 2, 3, 8, 16));
