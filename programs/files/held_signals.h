@@ -17,9 +17,9 @@ class HeldSignals {
     sigset_t interrupts;
     sigemptyset(&interrupts);
     for (const int signal : kInterrupts) sigaddset(&interrupts, signal);
-    sigprocmask(SIG_BLOCK, &interrupts, &before_);
+    pthread_sigmask(SIG_BLOCK, &interrupts, &before_);
   }
-  ~HeldSignals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+  ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
   HeldSignals(const HeldSignals&) = delete;
   HeldSignals& operator=(const HeldSignals&) = delete;
 

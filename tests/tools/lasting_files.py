@@ -6,6 +6,7 @@ the same files, and readers or results are gone.
 Usage: lasting_files.py MARDLE MARDLE-IMPORT MARDLE-RUN MARDLE-EXPORT
 """
 
+import fcntl
 import os
 import pathlib
 import resource
@@ -100,6 +101,26 @@ class Importing(Tools):
         self.assertEqual((first.returncode, second.returncode), (0, 0))
         self.assertTrue(self.is_whole())
         self.assertEqual(self.names(), ["m", "m.rclass"])
+
+    def test_another_that_publishes_in_the_folder_is_waited_for(self):
+        folder = os.open(self.folder, os.O_RDONLY)
+        fcntl.flock(folder, fcntl.LOCK_EX)
+        with self.importing() as waiting:
+            waiting.stdin.write(of_class(7))
+            waiting.stdin.close()
+            while waiting.poll() is None and not self.waits_for_a_lock(waiting):
+                time.sleep(0.001)
+            self.assertIsNone(waiting.poll())
+            self.assertFalse((self.folder / "m").exists())
+            os.close(folder)
+            error = waiting.stderr.read()
+        self.assertEqual((waiting.returncode, error), (0, ""))
+        self.assertTrue(self.is_whole())
+
+    @staticmethod
+    def waits_for_a_lock(process):
+        locks = pathlib.Path("/proc/locks").read_text().splitlines()
+        return any("->" in line and f" {process.pid} " in line for line in locks)
 
     def test_of_two_at_once_one_finds_the_files_there(self):
         with self.importing() as first, self.importing() as second:
