@@ -51,11 +51,11 @@ BUGS = [
         "      sum = static_cast<float>(sum + Term::Of(clusters[k]));\n    }\n    return sum;",
         "Wide sum = 0;\n    for (std::size_t k = 0; k < clusters.size(); ++k) {\n"
         "      sum = sum + Term::Of(clusters[k]);\n    }\n    return static_cast<float>(sum);",
-        "SolutionQuality|Criteri", LIBRARY),
+        "RoundedSum|WideSum|SolutionQuality", LIBRARY),
     Bug("a wide sum is rounded at every term", "lib/criteria/values.h",
         "++k) sum += Term::Of(clusters[k]);\n    return sum;",
         "++k) sum = static_cast<float>(sum + Term::Of(clusters[k]));\n    return sum;",
-        "SolutionQuality|Criteri", LIBRARY),
+        "RoundedSum|WideSum|SolutionQuality", LIBRARY),
     Bug("the average of a row is summed in single precision", "lib/measure/cluster_stats.cc",
         "    internal += v * composite[j];",
         "    internal = static_cast<float>(internal + v * composite[j]);",

@@ -3,17 +3,21 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "lib/molva.h"
 #include "tests/testing/fatal.h"
+#include "tests/testing/files.h"
 #include "tests/testing/matrices.h"
 
 namespace {
 
 using testing_support::FatalMessage;
+using testing_support::OutputOf;
 using testing_support::RandomDocuments;
 using testing_support::SparseMatrix;
 
@@ -21,13 +25,14 @@ struct Events {
   std::vector<std::pair<int, int>> bisections, trials;
   int polls = 0;
   int stop_after = -1;  // trials
+  int stop_at_poll = -1;
 };
 
 int Note(MOLVA_Event event, int done, int total, void* data) {
   Events& events = *static_cast<Events*>(data);
   if (event == MOLVA_EVENT_BISECTION) events.bisections.emplace_back(done, total);
   if (event == MOLVA_EVENT_TRIAL) events.trials.emplace_back(done, total);
-  if (event == MOLVA_EVENT_POLL) ++events.polls;
+  if (event == MOLVA_EVENT_POLL && ++events.polls == events.stop_at_poll) return 1;
   return events.stop_after >= 0 && static_cast<int>(events.trials.size()) >= events.stop_after;
 }
 
@@ -70,6 +75,13 @@ TEST_F(ProgressHook, ChangesNoResult) {
   EXPECT_EQ(Cluster(4), watched);
 }
 
+TEST_F(ProgressHook, BelongsToTheThreadThatSetIt) {
+  std::thread other([&] { Cluster(3); });
+  other.join();
+  EXPECT_TRUE(events_.trials.empty());
+  EXPECT_EQ(events_.polls, 0);
+}
+
 TEST_F(ProgressHook, StopsMerging) {
   events_.stop_after = 0;
   const int pwgts[] = {1, 1, 1};
@@ -81,6 +93,40 @@ TEST_F(ProgressHook, StopsMerging) {
                 MOLVA_SA_Cluster(3, pwgts, smat, crfun, 1, 0, 1, part, ptree, tsims, gains);
               }),
               "The run was interrupted.");
+  }
+}
+
+int CountOf(const std::string& part, const std::string& text) {
+  int count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+// A run that reports its merges has a queue. Stopped at each of its polls in turn, it has made none
+// of its three merges, or one, or two.
+TEST_F(ProgressHook, StopsMergingBetweenAnyTwoMerges) {
+  const int pwgts[] = {1, 1, 1, 1};
+  int part[4], ptree[8];
+  float tsims[8], gains[8];
+  for (const int crfun : {MOLVA_CRFUN_I2, MOLVA_CRFUN_H2}) {
+    const auto merge = [&] {
+      float smat[] = {1, 0.5F, 0.25F, 0, 0.5F, 1, 0.125F, 0, 0.25F, 0.125F, 1, 0, 0, 0, 0, 1};
+      MOLVA_SA_Cluster(4, pwgts, smat, crfun, 1, MOLVA_DBG_MERGING, 1, part, ptree, tsims, gains);
+    };
+    events_ = {};
+    OutputOf(merge);
+    const int polls = events_.polls;
+    std::set<int> merges;
+    for (int poll = 1; poll <= polls; ++poll) {
+      events_ = {};
+      events_.stop_at_poll = poll;
+      merges.insert(CountOf("Merging [", OutputOf([&] {
+                              EXPECT_EQ(FatalMessage(merge), "The run was interrupted.");
+                            })));
+    }
+    EXPECT_EQ(merges, (std::set<int>{0, 1, 2})) << crfun;
   }
 }
 
