@@ -125,7 +125,7 @@ BUGS = [
         "if (column >= header.ncols) {", "if (column > header.ncols) {", "ReadMatrix|Matrix",
         READER),
     Bug("one dense value too many is passed over", "programs/io/read_matrix.cc",
-        "if (count != header.ncols) {", "if (count < header.ncols) {", "Matrix", READER),
+        "if (count != header.ncols) {", "if (count < header.ncols) {", "Dense", READER),
     Bug("a line may have one character more", "programs/io/line_reader.cc",
         "kLineBuffer - 1 - length", "kLineBuffer - length", "LineReader|Limit", READER),
     Bug("a line that a failed read cut passes for a whole one", "programs/io/line_reader.cc",
