@@ -29,8 +29,9 @@ struct Files {
   MemoryFile output{kUntouched};
 };
 
-enum Kind { kTsv, kJson, kNewick, kLinkage, kDot, kHtml, kKinds };
-constexpr const char* kNames[] = {"tsv", "json", "newick", "linkage", "dot", "html"};
+enum Kind { kTsv, kJson, kNewick, kLinkage, kDot, kHtml, kFeatures, kHeatMap, kKinds };
+constexpr const char* kNames[] = {"tsv", "json", "newick",   "linkage",
+                                  "dot", "html", "features", "heatmap"};
 
 void AddRowFiles(const Files& files, int choice, std::vector<std::string>& words) {
   words.insert(words.end(), {"--matrix", files.matrix.path()});
@@ -49,12 +50,25 @@ void AddTree(const Files& files, int choice, std::vector<std::string>& words) {
   if ((choice & 12) == 8) words.insert(words.end(), {"--heights", "similarity"});
 }
 
-void AddPage(const Files& files, int choice, std::vector<std::string>& words) {
-  AddClustering(files, choice, words);
-  if ((choice & 4) != 0) words.insert(words.end(), {"--tree", files.tree.path()});
+// The row model is told, which leaves nothing to warn of.
+void AddModels(const Files& files, int choice, std::vector<std::string>& words) {
+  words.insert(words.end(), {"--rowmodel", "1"});
   if ((choice & 8) != 0) words.insert(words.end(), {"--clabelfile", files.clabels.path()});
   if ((choice & 16) != 0) words.emplace_back("--denseinput");
   if ((choice & 32) != 0) words.insert(words.end(), {"--sim", "2"});
+}
+
+void AddFeatures(const Files& files, int choice, std::vector<std::string>& words) {
+  words.insert(words.end(),
+               {"--matrix", files.matrix.path(), "--clustering", files.clustering.path()});
+  if ((choice & 2) != 0) words.insert(words.end(), {"--as", "json"});
+  AddModels(files, choice, words);
+}
+
+void AddPage(const Files& files, int choice, std::vector<std::string>& words) {
+  AddClustering(files, choice, words);
+  AddModels(files, choice, words);
+  if ((choice & 4) != 0) words.insert(words.end(), {"--tree", files.tree.path()});
   if ((choice & 64) != 0) words.insert(words.end(), {"--treecrfun", "6", "--noreorder"});
 }
 
@@ -63,6 +77,11 @@ std::vector<std::string> CommandLine(const Files& files, Kind kind, int choice) 
   if (kind == kTsv || kind == kJson) AddClustering(files, choice, words);
   if (kind == kNewick || kind == kLinkage || kind == kDot) AddTree(files, choice, words);
   if (kind == kHtml) AddPage(files, choice, words);
+  if (kind == kFeatures) AddFeatures(files, choice, words);
+  if (kind == kHeatMap) {
+    AddClustering(files, choice, words);
+    AddModels(files, choice, words);
+  }
   return words;
 }
 
@@ -95,7 +114,12 @@ void RequirePage(const std::string& text) {
   Require(scripts("<script") == 1 && scripts("</script") == 1, "no script but the page's own");
 }
 
-void RequireWellFormed(Kind kind, const std::string& text) {
+void RequirePicture(const std::string& text) {
+  Require(text.starts_with("<svg ") && text.ends_with("</svg>\n"), "a whole picture");
+  Require(Count(text, '<') == Count(text, '>'), "elements that end");
+}
+
+void RequireWellFormed(Kind kind, bool is_json, const std::string& text) {
   switch (kind) {
     case kTsv:
       Require(Count(text, '\n') >= 2, "a heading and a line for each row");
@@ -111,6 +135,12 @@ void RequireWellFormed(Kind kind, const std::string& text) {
       break;
     case kDot:
       Require(text.starts_with("digraph tree {\n") && text.ends_with("}\n"), "a whole graph");
+      break;
+    case kFeatures:
+      Require(is_json ? nlohmann::json::accept(text) : text.starts_with("cluster\t"), "a table");
+      break;
+    case kHeatMap:
+      RequirePicture(text);
       break;
     default:
       RequirePage(text);
@@ -133,7 +163,7 @@ void FuzzExport(Bytes bytes) {
   const std::string told = sandbox.ErrorOutput();
   if (status == 0) {
     Require(told.empty(), "silence after success: " + told);
-    RequireWellFormed(kind, files.output.Text());
+    RequireWellFormed(kind, (choice & 2) != 0, files.output.Text());
     return;
   }
   Require(status == 1, "status 0 or 1");

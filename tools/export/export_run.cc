@@ -10,11 +10,14 @@
 #include "lib/support/fatal.h"
 #include "tools/export/clustering.h"
 #include "tools/export/dot.h"
+#include "tools/export/features.h"
 #include "tools/export/linkage.h"
+#include "tools/export/matrix_picture.h"
 #include "tools/export/newick.h"
 #include "tools/export/page/html_page.h"
 #include "tools/export/request.h"
 #include "tools/export/rows.h"
+#include "tools/export/run_settings.h"
 #include "tools/export/table.h"
 #include "tools/export/tree.h"
 #include "tools/export/wording.h"
@@ -53,10 +56,11 @@ std::vector<std::string> LeafLabels(const Request& request, const Tree& tree) {
   return labels;
 }
 
-// What is written: the export, and with it the labels of the leaves.
+// What is written, the export and with it the labels of the leaves, and what is said.
 struct ExportTexts {
   std::string main;
   std::string leaves;
+  std::vector<std::string> warnings = {};  // told when all is written
 };
 
 std::string LeavesText(const Tree& tree, const std::vector<std::string>& labels) {
@@ -76,14 +80,48 @@ ExportTexts TreeTexts(const Request& request) {
   return {out.str(), LeavesText(tree, labels)};
 }
 
-std::string PageText(const Request& request) {
-  const Matrix mat = ReadWholeMatrix(request.files, request.run.denseinput);
-  const Clustering clustering = ReadClustering(request.clustering, mat.nrows);
+// What the exports measure anew, with the run's own parameters.
+struct MeasuredRun {
+  explicit MeasuredRun(const Request& request)
+      : settings(SettleRun(request)),
+        mat(ReadWholeMatrix(request.files, settings.params.denseinput)),
+        clustering(ReadClustering(request.clustering, mat.nrows)) {}
+  RunSettings settings;
+  Matrix mat;
+  Clustering clustering;
+};
+
+ExportTexts PageTexts(const Request& request) {
+  const MeasuredRun run(request);
   std::ostringstream out;
-  WriteHtmlPage({request.files.matrix, request.clustering, request.tree, request.run, mat,
-                 WordingOf(request.contents, mat)},
-                clustering, out);
-  return out.str();
+  WriteHtmlPage(
+      {request.files.matrix, request.clustering, request.tree, run.settings.params, run.mat,
+       WordingOf(request.contents, run.mat), run.settings.record ? &*run.settings.record : nullptr},
+      run.clustering, out);
+  return {out.str(), {}, run.settings.warnings};
+}
+
+DescribedClusters Describe(const Request& request, const MeasuredRun& run) {
+  if (run.clustering.nclusters == 0) {
+    throw tools::FileError({request.clustering, 0},
+                           "no row has a cluster, there is nothing to show");
+  }
+  return {run.settings.params, run.mat, run.clustering.part, run.clustering.nclusters};
+}
+
+ExportTexts FeaturesTexts(const Request& request) {
+  const MeasuredRun run(request);
+  std::ostringstream out;
+  (request.form == TableForm::kTsv ? WriteFeaturesTsv : WriteFeaturesJson)(
+      run.mat, Describe(request, run), out);
+  return {out.str(), {}, run.settings.warnings};
+}
+
+ExportTexts PictureTexts(const Request& request) {
+  const MeasuredRun run(request);
+  std::ostringstream out;
+  WriteMatrixPicture(run.mat, Describe(request, run), WordingOf(request.contents, run.mat), out);
+  return {out.str(), {}, run.settings.warnings};
 }
 
 ExportTexts TextsOf(const Request& request) {
@@ -96,7 +134,11 @@ ExportTexts TextsOf(const Request& request) {
     case Format::kDot:
       return TreeTexts(request);
     case Format::kHtml:
-      return {PageText(request), {}};
+      return PageTexts(request);
+    case Format::kFeatures:
+      return FeaturesTexts(request);
+    case Format::kHeatMap:
+      return PictureTexts(request);
   }
   return {};
 }
@@ -108,12 +150,14 @@ std::string CompanionName(const std::string& given, const Request& request, cons
 
 void RefuseInputsAsOutputs(const Request& request) {
   const MatrixFiles& files = request.files;
-  const std::string inputs[] = {files.matrix,
-                                CompanionName(files.clabelfile, request, ".clabel"),
-                                CompanionName(files.rlabelfile, request, ".rlabel"),
-                                CompanionName(files.rclassfile, request, ".rclass"),
-                                request.clustering,
-                                request.tree};
+  const std::string inputs[] = {
+      files.matrix,
+      CompanionName(files.clabelfile, request, ".clabel"),
+      CompanionName(files.rlabelfile, request, ".rlabel"),
+      CompanionName(files.rclassfile, request, ".rclass"),
+      request.clustering,
+      request.tree,
+      request.record.empty() ? RecordPathOf(request.clustering) : request.record};
   const std::string outputs[] = {request.output.empty() ? "/dev/stdout" : request.output,
                                  request.leaves};
   tools::RefuseInputsAsOutputs(inputs, outputs);
@@ -142,7 +186,11 @@ int Work(int argc, const char* const* argv) {
   const Request& request = std::get<Request>(parsed);
   RefuseInputsAsOutputs(request);
   // The whole export is made first, so one that fails leaves an older file as it was.
-  Write(request, TextsOf(request));
+  const ExportTexts texts = TextsOf(request);
+  Write(request, texts);
+  for (const std::string& warning : texts.warnings) {
+    tools::ReportError("mardle-export", "warning: " + warning);
+  }
   return tools::kSuccess;
 }
 

@@ -102,15 +102,11 @@ std::string CheckFraction(const std::string& text) {
 // The codes of an enumeration, first to last.
 CLI::Range Codes(int first, int last) { return {first, last}; }
 
-void AddRun(CLI::App* command, Request& request, Texts& texts) {
+// The models of a run, without which its files cannot be measured.
+void AddModels(CLI::App* command, Request& request, Texts& texts) {
   RunParams& run = request.run;
-  command->add_option("--crfun", run.crfun, "Criterion of the run, 1 to 9 (default 2, I2)")
-      ->check(Codes(MOLVA_CRFUN_I1, MOLVA_CRFUN_H3))
-      ->type_name("INT");
-  command
-      ->add_option("--treecrfun", run.treecrfun, "Criterion of the tree, 1 to 7 (default: --crfun)")
-      ->check(Codes(MOLVA_CRFUN_I1, MOLVA_CRFUN_H2))
-      ->type_name("INT");
+  AddFile(command, "--record", request.record,
+          "The record of the run, instead of the .run.json beside the clustering");
   command->add_option("--sim", run.simfun, "Similarity: 1 cosine (default), 2 correlation")
       ->check(Codes(MOLVA_SIM_COSINE, MOLVA_SIM_CORRELATION))
       ->type_name("INT");
@@ -123,26 +119,74 @@ void AddRun(CLI::App* command, Request& request, Texts& texts) {
   command->add_option("--prune", texts.prune, "Pruning fraction, 0 to 1 (default 1.0)")
       ->check(CheckFraction)
       ->type_name("FLOAT");
-  command->add_option("--nfeatures", run.nfeatures, "Columns shown of each kind (default 10)")
-      ->check(CLI::Range(1, 100))
-      ->type_name("INT");
   command->add_flag("--denseinput", run.denseinput, "The matrix is in the dense format");
-  command->add_flag("--noreorder", run.noreorder, "Show the tree's branches in number order");
 }
 
-void AddPage(CLI::App* command, Request& request, Texts& texts) {
-  AddTable(command, request);
+void AddFeatureCount(CLI::App* command, Request& request, const char* what) {
+  command->add_option("--nfeatures", request.run.nfeatures, what)
+      ->check(CLI::Range(1, 100))
+      ->type_name("INT");
+  request.run.nfeatures = kPageFeatures;
+}
+
+void AddColumnLabels(CLI::App* command, Request& request) {
   AddFile(command, "--clabelfile", request.files.clabelfile,
           "Column labels, instead of MATRIX.clabel");
-  AddFile(command, "--tree", request.tree,
-          "A tree file of the run: the tree over the clusters is shown instead of a computed one, "
-          "the complete tree gives F-scores");
+}
+
+void AddContents(CLI::App* command, Request& request) {
   AddChoice<Contents>(command, "--contents",
                       {{"text", Contents::kText}, {"table", Contents::kTable}}, request.contents,
                       "Call rows and columns documents and words (text) or not (table); by default "
                       "counts whose columns are called by letters alone are text");
-  request.run.nfeatures = kPageFeatures;
-  AddRun(command, request, texts);
+}
+
+void AddPage(CLI::App* command, Request& request, Texts& texts) {
+  RunParams& run = request.run;
+  AddTable(command, request);
+  AddColumnLabels(command, request);
+  AddFile(command, "--tree", request.tree,
+          "A tree file of the run: the tree over the clusters is shown instead of a computed one, "
+          "the complete tree is drawn below each cluster and gives F-scores");
+  AddContents(command, request);
+  command->add_option("--crfun", run.crfun, "Criterion of the run, 1 to 9 (default 2, I2)")
+      ->check(Codes(MOLVA_CRFUN_I1, MOLVA_CRFUN_H3))
+      ->type_name("INT");
+  command
+      ->add_option("--treecrfun", run.treecrfun, "Criterion of the tree, 1 to 7 (default: --crfun)")
+      ->check(Codes(MOLVA_CRFUN_I1, MOLVA_CRFUN_H2))
+      ->type_name("INT");
+  AddModels(command, request, texts);
+  AddFeatureCount(command, request, "Columns shown of each kind (default 10)");
+  command->add_flag("--noreorder", run.noreorder, "Show the tree's branches in number order");
+}
+
+void AddFeatures(CLI::App* command, Request& request, Texts& texts) {
+  AddClustering(command, request);
+  AddMatrix(command, request.files, "The matrix that was clustered")->required();
+  AddColumnLabels(command, request);
+  AddChoice<TableForm>(command, "--as", {{"tsv", TableForm::kTsv}, {"json", TableForm::kJson}},
+                       request.form, "Tab-separated lines (default) or JSON");
+  AddModels(command, request, texts);
+  AddFeatureCount(command, request, "Columns of each kind (default 10)");
+}
+
+void AddHeatMap(CLI::App* command, Request& request, Texts& texts) {
+  AddTable(command, request);
+  AddColumnLabels(command, request);
+  AddContents(command, request);
+  AddModels(command, request, texts);
+}
+
+// Which options of the run were given, and not left to their defaults.
+std::set<std::string> GivenOptions(const CLI::App& app) {
+  std::set<std::string> given;
+  for (const CLI::App* command : app.get_subcommands()) {
+    for (const CLI::Option* option : command->get_options()) {
+      if (option->count() > 0) given.insert(option->get_name());
+    }
+  }
+  return given;
 }
 
 // A complete tree's similarities do not stand at its nodes, and only it has rows for leaves.
@@ -153,10 +197,10 @@ void CheckHeights(const Request& request) {
   }
 }
 
-void SettleRun(const Texts& texts, RunParams& run) {
+void SettleOptions(const Texts& texts, Format format, RunParams& run) {
   run.prune = static_cast<float>(*tools::ParseNumber(texts.prune));
   DeriveSettings(run);
-  if (run.treecrfun > MOLVA_CRFUN_H2) {
+  if (format == Format::kHtml && run.treecrfun > MOLVA_CRFUN_H2) {
     throw CLI::ValidationError("--treecrfun",
                                "trees are built under the criteria 1 to 7; one of them is wanted");
   }
@@ -189,11 +233,18 @@ std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
   AddFile(linkage, "--leaves", request.leaves, "Write the labels of the leaves to this file");
   AddTree(AddFormat(app, "dot", "A tree for Graphviz", Format::kDot, request), request);
   AddPage(AddFormat(app, "html", "The run as one page", Format::kHtml, request), request, texts);
+  AddFeatures(AddFormat(app, "features", "The columns of the clusters with their shares",
+                        Format::kFeatures, request),
+              request, texts);
+  AddHeatMap(
+      AddFormat(app, "heatmap", "The matrix as a picture, an SVG file", Format::kHeatMap, request),
+      request, texts);
   try {
     app.parse(argc, argv);
     if (app.get_subcommands().empty()) throw CLI::RequiredError("A format");
     CheckHeights(request);
-    if (request.format == Format::kHtml) SettleRun(texts, request.run);
+    request.told = GivenOptions(app);
+    SettleOptions(texts, request.format, request.run);
   } catch (const CLI::ParseError& error) {
     std::ostringstream answer;
     std::ostringstream complaint;

@@ -3,6 +3,7 @@
 // The command line of mardle-export.
 #pragma once
 
+#include <set>
 #include <string>
 #include <variant>
 
@@ -13,7 +14,10 @@
 
 namespace mardle::exporting {
 
-enum class Format { kTsv, kJson, kNewick, kLinkage, kDot, kHtml };
+enum class Format { kTsv, kJson, kNewick, kLinkage, kDot, kHtml, kFeatures, kHeatMap };
+
+// The forms of a table.
+enum class TableForm { kTsv, kJson };
 
 struct Request {
   Format format = Format::kTsv;
@@ -23,6 +27,9 @@ struct Request {
   std::string output;  // empty: standard output
   std::string leaves;  // where the labels of a linkage table's leaves go; empty: nowhere
   HeightsFrom heights = HeightsFrom::kOrder;
+  TableForm form = TableForm::kTsv;        // of features
+  std::string record;                      // of the run; empty: the one beside the clustering
+  std::set<std::string> told;              // the options of the run that were given
   Contents contents = Contents::kUnknown;  // what a page calls rows and columns
   RunParams run;  // the run that a page shows: models, criteria, number of features
 };

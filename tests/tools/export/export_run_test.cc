@@ -7,9 +7,11 @@
 
 #include "tests/testing/files.h"
 #include "tests/tools/export/trees.h"
+#include "tools/export/file_digest.h"
 
 namespace {
 
+using mardle::exporting::Sha256OfFile;
 using testing::HasSubstr;
 using testing::Not;
 using testing_support::ReadText;
@@ -141,6 +143,83 @@ TEST_F(ExportRun, ShowsTheOnlyClusterWithRowsAsTheTree) {
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   const std::string tree = outcome.out.substr(outcome.out.find("<ul class=\"tree\">"));
   EXPECT_THAT(tree.substr(0, 100), HasSubstr(">Cluster 1</a> <span class=\"dim\">4 rows"));
+}
+
+constexpr char kUntold[] =
+    "mardle-export: warning: nothing tells the models of the run, neither a record beside the "
+    "clustering nor an option such as --rowmodel; the defaults of mardle are taken\n";
+
+TEST_F(ExportRun, WarnsWhenNothingTellsTheModels) {
+  const std::vector<std::string> page = {"html", "--clustering", "@c", "--matrix", "@m"};
+  EXPECT_EQ(Run(page).err, kUntold);
+  for (const char* option : {"--rowmodel=1", "--colmodel=2", "--sim=1", "--prune=1"}) {
+    std::vector<std::string> told = page;
+    told.emplace_back(option);
+    EXPECT_EQ(Run(told).err, "") << option;
+  }
+}
+
+// The record of a run over the files m and c under no column model.
+std::string RecordOf(const std::string& matrix_hash, const std::string& clustering_hash) {
+  return R"({"format": 1, "program": "mardle", "version": "1.5.0", "options": ["-colmodel=1",
+    "-crfun=1"], "clusters": 2, "seed": 17, "files": [
+    {"role": "matrix", "path": "m", "sha256": ")" +
+         matrix_hash + R"("}, {"role": "clustering", "path": "c", "sha256": ")" + clustering_hash +
+         "\"}]}";
+}
+
+TEST_F(ExportRun, TakesTheModelsOfTheRecord) {
+  Write("c.run.json", RecordOf(Sha256OfFile(Path("m")), Sha256OfFile(Path("c"))));
+  const Outcome recorded = Run({"html", "--clustering", "@c", "--matrix", "@m"});
+  EXPECT_EQ(recorded.err, "");
+  EXPECT_THAT(recorded.out, HasSubstr("<dt>Criterion I1</dt>"));
+  EXPECT_THAT(recorded.out, HasSubstr("<dt>Column model</dt><dd>None</dd>"));
+  EXPECT_THAT(recorded.out, HasSubstr("<dt>Seed</dt><dd>17</dd>"));
+  EXPECT_THAT(recorded.out,
+              HasSubstr("<code>mardle -colmodel=1 -crfun=1 -seed=17 " + Path("m") + " 2</code>"));
+  const Outcome told =
+      Run({"features", "--clustering", "@c", "--matrix", "@m", "--record", "@c.run.json"});
+  EXPECT_EQ(told.status, 0) << told.err;
+  Write("elsewhere", ReadText(Path("c")));
+  EXPECT_EQ(
+      told.out,
+      Run({"features", "--clustering", "@elsewhere", "--matrix", "@m", "--colmodel", "1"}).out);
+  EXPECT_NE(told.out, Run({"features", "--clustering", "@elsewhere", "--matrix", "@m"}).out);
+}
+
+TEST_F(ExportRun, LeavesARecordOfAnotherRunWithAWarning) {
+  Write("c.run.json", RecordOf(Sha256OfFile(Path("m")), Sha256OfFile(Path("m"))));
+  const Outcome outcome = Run({"html", "--clustering", "@c", "--matrix", "@m", "--colmodel", "2"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "mardle-export: warning: " + Path("c.run.json") +
+                             ": the record is of another run: it does not tell of the clustering " +
+                             Path("c") + " as it is now; it is not used\n");
+  EXPECT_THAT(outcome.out, HasSubstr("<dt>Seed</dt><dd>not recorded</dd>"));
+}
+
+TEST_F(ExportRun, RefusesANamedRecordOfAnotherRun) {
+  Write("r", RecordOf(Sha256OfFile(Path("c")), Sha256OfFile(Path("c"))));
+  EXPECT_EQ(Failure({"html", "--clustering", "@c", "--matrix", "@m", "--record", "@r"}),
+            "mardle-export: " + Path("r") +
+                ": the record is of another run: it does not tell of the matrix " + Path("m") +
+                " as it is now\n");
+}
+
+TEST_F(ExportRun, RefusesModelsThatTheRecordContradicts) {
+  Write("c.run.json", RecordOf(Sha256OfFile(Path("m")), Sha256OfFile(Path("c"))));
+  const Outcome outcome = Run({"html", "--clustering", "@c", "--matrix", "@m", "--colmodel", "2"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err, "mardle-export: --colmodel is not that of the run, as " +
+                             Path("c.run.json") + " tells\n");
+  EXPECT_EQ(Run({"html", "--clustering", "@c", "--matrix", "@m", "--colmodel", "1"}).status, 0);
+}
+
+TEST_F(ExportRun, DrawsThePictureOfAMatrix) {
+  const Outcome outcome =
+      Run({"heatmap", "--clustering", "@c", "--matrix", "@m", "--rowmodel", "1"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(outcome.out, HasSubstr("<svg xmlns="));
+  EXPECT_THAT(outcome.out, HasSubstr("4 rows in 2 clusters</text>"));
 }
 
 TEST_F(ExportRun, FailsWithoutItsFiles) {

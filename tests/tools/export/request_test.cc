@@ -12,6 +12,7 @@ using mardle::exporting::Contents;
 using mardle::exporting::Format;
 using mardle::exporting::HeightsFrom;
 using mardle::exporting::Request;
+using mardle::exporting::TableForm;
 using testing::HasSubstr;
 
 std::variant<Request, int> Parse(std::vector<const char*> arguments) {
@@ -94,6 +95,17 @@ TEST(ParseRequest, TakesWhatTheMatrixHolds) {
   EXPECT_EQ(contents("text"), Contents::kText);
   EXPECT_EQ(contents("table"), Contents::kTable);
   EXPECT_EQ(Parsed({"html", "--clustering", "c", "--matrix", "m"}).contents, Contents::kUnknown);
+}
+
+TEST(ParseRequest, KnowsWhichOptionsWereGiven) {
+  const Request request = Parsed({"features", "--clustering", "c", "--matrix", "m", "--rowmodel",
+                                  "1", "--record", "r", "--as", "json"});
+  EXPECT_TRUE(request.told.contains("--rowmodel"));
+  EXPECT_FALSE(request.told.contains("--colmodel"));
+  EXPECT_EQ(request.record, "r");
+  EXPECT_EQ(request.form, TableForm::kJson);
+  EXPECT_EQ(request.format, Format::kFeatures);
+  EXPECT_EQ(Parsed({"heatmap", "--clustering", "c", "--matrix", "m"}).format, Format::kHeatMap);
 }
 
 TEST(ParseRequest, PrintsHelpAndVersionWithStatusZero) {

@@ -115,14 +115,17 @@ bool ClusterSums::IsWeaker(int k, int j) const {
   return inside < rest * Scale(rest_lengths_[at]);
 }
 
-std::vector<std::vector<Neighbour>> NearestClusters(const ClusterSums& sums, std::size_t count) {
+namespace {
+
+// Calls visit(k, products) for every cluster with the products of its unit vector and all others.
+template <typename Visit>
+void ForEachProducts(const ClusterSums& sums, Visit visit) {
   std::vector<std::vector<Neighbour>> holders(static_cast<std::size_t>(sums.ncols()));
   for (int k = 0; k < sums.nclusters(); ++k) {
     for (const SumEntry& entry : sums[k]) {
       holders[static_cast<std::size_t>(entry.column)].push_back({k, entry.value});
     }
   }
-  std::vector<std::vector<Neighbour>> nearest;
   std::vector<double> products(static_cast<std::size_t>(sums.nclusters()));
   for (int k = 0; k < sums.nclusters(); ++k) {
     std::fill(products.begin(), products.end(), 0);
@@ -131,6 +134,15 @@ std::vector<std::vector<Neighbour>> NearestClusters(const ClusterSums& sums, std
         products[static_cast<std::size_t>(other.cluster)] += entry.value * other.similarity;
       }
     }
+    visit(k, std::span<const double>(products));
+  }
+}
+
+}  // namespace
+
+std::vector<std::vector<Neighbour>> NearestClusters(const ClusterSums& sums, std::size_t count) {
+  std::vector<std::vector<Neighbour>> nearest;
+  ForEachProducts(sums, [&](int k, std::span<const double> products) {
     std::vector<Neighbour>& list = nearest.emplace_back();
     for (int other = 0; other < sums.nclusters(); ++other) {
       const double product = products[static_cast<std::size_t>(other)];
@@ -142,8 +154,21 @@ std::vector<std::vector<Neighbour>> NearestClusters(const ClusterSums& sums, std
     });
     list.erase(end, list.end());
     list.shrink_to_fit();
-  }
+  });
   return nearest;
+}
+
+std::vector<float> ProductsOfSums(const ClusterSums& sums) {
+  std::vector<float> table;
+  table.reserve(static_cast<std::size_t>(sums.nclusters()) *
+                static_cast<std::size_t>(sums.nclusters()));
+  ForEachProducts(sums, [&](int k, std::span<const double> products) {
+    for (int other = 0; other < sums.nclusters(); ++other) {
+      table.push_back(static_cast<float>(products[static_cast<std::size_t>(other)] *
+                                         sums.Length(k) * sums.Length(other)));
+    }
+  });
+  return table;
 }
 
 }  // namespace mardle::exporting

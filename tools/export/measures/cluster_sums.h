@@ -30,6 +30,8 @@ class ClusterSums {
     const auto at = static_cast<std::size_t>(k);
     return {entries_.data() + begins_[at], begins_[at + 1] - begins_[at]};
   }
+  // The length of the sum before it was brought to unit length.
+  double Length(int k) const { return lengths_[static_cast<std::size_t>(k)]; }
   // Whether column j weighs less in the unit vector of cluster k than in that of all other rows.
   bool IsWeaker(int k, int j) const;
 
@@ -51,5 +53,9 @@ struct Neighbour {
 // The `count` most similar clusters of each, most similar first, the lower number first of equals.
 // Clusters with which one shares no column are none.
 std::vector<std::vector<Neighbour>> NearestClusters(const ClusterSums& sums, std::size_t count);
+
+// The products of the sums as they are, of every cluster with every cluster, row by row. Only
+// columns that two clusters share are multiplied, so thousands of clusters are no matter.
+std::vector<float> ProductsOfSums(const ClusterSums& sums);
 
 }  // namespace mardle::exporting

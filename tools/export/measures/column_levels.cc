@@ -93,11 +93,11 @@ double ColumnLevels::Elsewhere(int k, int j) const {
                total_size_ - sizes_[static_cast<std::size_t>(k)]);
 }
 
-double ColumnLevels::Standing(int k, int j) const {
+double ColumnLevels::StandingOf(double average, int j) const {
   const auto at = static_cast<std::size_t>(j);
-  const double average = Ratio(totals_[at], total_size_);
-  const double variance = Ratio(squares_[at], total_size_) - average * average;
-  return variance > 0 ? (Inside(k, j) - average) / std::sqrt(variance) : 0;
+  const double overall = Ratio(totals_[at], total_size_);
+  const double variance = Ratio(squares_[at], total_size_) - overall * overall;
+  return variance > 0 ? (average - overall) / std::sqrt(variance) : 0;
 }
 
 }  // namespace mardle::exporting

@@ -26,7 +26,9 @@ class ColumnLevels {
   double Elsewhere(int k, int j) const;
   // How far the average of cluster k stands above that of all rows, in deviations of the column
   // over the rows; 0 for a column of one value. For a dense matrix.
-  double Standing(int k, int j) const;
+  double Standing(int k, int j) const { return StandingOf(Inside(k, j), j); }
+  // The same for any average of column j.
+  double StandingOf(double average, int j) const;
 
  private:
   struct Sum {

@@ -90,8 +90,8 @@ Vector Product(const Table& table, const Vector& vector) {
   return product;
 }
 
-// Numbers without a pattern, the same at every call; others for every axis, as where eigenvalues are
-// equal an axis takes all that its start has of them.
+// Numbers without a pattern, the same at every call; others for every axis, as where eigenvalues
+// are equal an axis takes all that its start has of them.
 Vector Start(std::size_t n, std::size_t axis) {
   Vector vector(n);
   std::uint64_t state = 88172645463325252U + axis;

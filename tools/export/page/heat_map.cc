@@ -3,18 +3,14 @@
 // Clusters by words in colours. Words stand along the left, so that all text is upright, and every
 // cluster brings its first words, so that each has its own dark place near the diagonal.
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 
 #include "tools/export/escape.h"
 #include "tools/export/page/page_parts.h"
+#include "tools/export/shades.h"
 
 namespace mardle::exporting {
 namespace {
-
-// A cell is as dark as there are bounds below its level: 0 for cells that are left white.
-constexpr double kShareBounds[] = {0.01, 0.05, 0.1, 0.2, 0.4, 0.7};
-constexpr double kStandingBounds[] = {0.25, 0.75, 1.5};
 
 constexpr std::size_t kMostClusters = 60;
 constexpr std::size_t kMostWords = 72;
@@ -55,19 +51,9 @@ Choice Choose(const PageRun& run, const PageNumbers& numbers) {
   return choice;
 }
 
-// The class of a cell: "h3" for a level, "g3" for one that is below the average.
-std::string Shade(const PageNumbers& numbers, int k, int column) {
-  if (numbers.levels.are_shares()) {
-    const double level = numbers.levels.Inside(k, column);
-    return "h" + std::to_string(
-                     std::upper_bound(std::begin(kShareBounds), std::end(kShareBounds), level) -
-                     std::begin(kShareBounds));
-  }
-  const double standing = numbers.levels.Standing(k, column);
-  const auto bounds =
-      std::upper_bound(std::begin(kStandingBounds), std::end(kStandingBounds), std::abs(standing)) -
-      std::begin(kStandingBounds);
-  return (standing < 0 ? "g" : "h") + std::to_string(2 * bounds);
+int Shade(const PageNumbers& numbers, int k, int column) {
+  return numbers.levels.are_shares() ? ShadeOfShare(numbers.levels.Inside(k, column))
+                                     : ShadeOfStanding(numbers.levels.Standing(k, column));
 }
 
 void WriteCells(const PageRun& run, const PageNumbers& numbers, const Choice& choice,
@@ -80,9 +66,9 @@ void WriteCells(const PageRun& run, const PageNumbers& numbers, const Choice& ch
         << Beginning(run.mat.clabels[column], kLabelBytes) << "</text>";
     for (std::size_t place = 0; place < choice.clusters.size(); ++place) {
       const int k = choice.clusters[place];
-      const std::string shade = Shade(numbers, k, column);
-      if (shade[1] == '0') continue;
-      out << "<rect class=\"" << shade << "\" x=\""
+      const int shade = Shade(numbers, k, column);
+      if (shade == 0) continue;
+      out << "<rect class=\"" << ShadeName(shade) << "\" x=\""
           << choice.label_width + static_cast<int>(place) * cell_width << "\" y=\"" << y
           << "\" width=\"" << cell_width - 1 << "\" height=\"" << kCellHeight - 1 << "\"><title>"
           << name << " in " << k << ": " << LevelText(numbers, numbers.levels.Inside(k, column))
@@ -93,28 +79,12 @@ void WriteCells(const PageRun& run, const PageNumbers& numbers, const Choice& ch
 }
 
 void WriteKey(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
-  out << "<ul class=\"legend\" aria-label=\"Colours\">";
-  const auto entry = [&out](const char* shade, const std::string& text) {
-    out << "<li><span class=\"key " << shade << "\"></span>" << text << "</li>";
-  };
-  if (numbers.levels.are_shares()) {
-    out << "<li>" << Capital(run.wording.rows) << " with the " << run.wording.column << ":</li>";
-    entry("h0", "fewer than 1\u00a0%");
-    entry("h1", "1\u00a0%");
-    entry("h2", "5\u00a0%");
-    entry("h3", "10\u00a0%");
-    entry("h4", "20\u00a0%");
-    entry("h5", "40\u00a0%");
-    entry("h6", "70\u00a0% and more");
-  } else {
-    out << "<li>Average, in deviations from that of all " << run.wording.rows << ":</li>";
-    entry("g6", "1.5 below and less");
-    entry("g4", "0.75 below");
-    entry("g2", "0.25 below");
-    entry("h0", "near it");
-    entry("h2", "0.25 above");
-    entry("h4", "0.75 above");
-    entry("h6", "1.5 above and more");
+  const bool are_shares = numbers.levels.are_shares();
+  out << "<ul class=\"legend\" aria-label=\"Colours\"><li>" << KeyTitle(are_shares, run.wording)
+      << "</li>";
+  for (const KeyEntry& entry : KeyOfShades(are_shares)) {
+    out << "<li><span class=\"key " << ShadeName(entry.shade) << "\"></span>" << entry.text
+        << "</li>";
   }
   out << "</ul>\n";
 }

@@ -32,12 +32,21 @@ struct MeasuredTree {
   FeatureLists descriptive;  // as many slots a node as the run has features
 };
 
+// The products of all clusters, for trees over many. The library finds them for every call column by
+// column, which takes minutes for some thousand clusters; where this is not empty it is given them.
+struct ClusterProducts {
+  std::vector<int> sizes = {};
+  std::vector<float> table = {};  // row by row
+};
+
 // The tree over the clusters, built under the criterion of the run.
-molva::Array<int> BuildParents(const PageRun& run, const int* part, int nclusters);
+molva::Array<int> BuildParents(const PageRun& run, const int* part, int nclusters,
+                               const ClusterProducts& products);
 
 // Orders the children of each node and measures all nodes; `part` is the leaf of each row, -1 for
 // rows that stand below none.
-MeasuredTree MeasureTree(const PageRun& run, const int* part, int nleaves, molva::Array<int> ptree);
+MeasuredTree MeasureTree(const PageRun& run, const int* part, int nleaves, molva::Array<int> ptree,
+                         const ClusterProducts& products = {});
 
 struct Feature {
   const char* name;

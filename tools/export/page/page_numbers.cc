@@ -38,12 +38,17 @@ void MeasurePage(const PageRun& run, const int* part, PageNumbers& numbers) {
 
 constexpr std::size_t kNearest = 3;
 constexpr std::size_t kClustersOnMap = 200;
+constexpr int kManyClusters = 500;
 
 void MeasureWords(const PageRun& run, const int* part, PageNumbers& numbers) {
   const EngineInput in = RunInput(run.params, run.mat, {numbers.nclusters, part});
   const ClusterSums sums(in, numbers.rows);
   numbers.words = FindClusterWords(in, run.params.nfeatures, sums);
   numbers.nearest = NearestClusters(sums, kNearest);
+  const bool has_empty = std::count(numbers.pwgts.begin(), numbers.pwgts.end(), 0) > 0;
+  if (numbers.nclusters > kManyClusters && !has_empty) {
+    numbers.products = {{numbers.pwgts.begin(), numbers.pwgts.end()}, ProductsOfSums(sums)};
+  }
   numbers.map.clusters = LargestClusters(numbers, kClustersOnMap);
   numbers.map.points = PlaceInPlane(sums, numbers.map.clusters);
   numbers.levels = ColumnLevels(run.mat, numbers.rows);
@@ -89,7 +94,8 @@ void MeasureFScores(const PageRun& run, const Tree& complete, PageNumbers& numbe
 // its own pictures and gives F-scores.
 molva::Array<int> TakeTreeFile(const PageRun& run, const Clustering& clustering,
                                PageNumbers& numbers) {
-  if (run.tree_name.empty()) return BuildParents(run, clustering.part.data(), numbers.nclusters);
+  if (run.tree_name.empty())
+    return BuildParents(run, clustering.part.data(), numbers.nclusters, numbers.products);
   Tree tree = ReadTree(run.tree_name);
   if (tree.nleaves == numbers.nclusters) return ParentsOf(tree);
   if (tree.nleaves != run.mat.nrows) {
@@ -101,7 +107,7 @@ molva::Array<int> TakeTreeFile(const PageRun& run, const Clustering& clustering,
   numbers.tops = ClusterTops(tree, clustering, run.tree_name);
   MeasureFScores(run, tree, numbers);
   numbers.complete = std::move(tree);
-  return BuildParents(run, clustering.part.data(), numbers.nclusters);
+  return BuildParents(run, clustering.part.data(), numbers.nclusters, numbers.products);
 }
 
 }  // namespace
@@ -131,8 +137,8 @@ PageNumbers Measure(const PageRun& run, const Clustering& clustering) {
   MeasurePage(run, part.data(), numbers);
   MeasureWords(run, part.data(), numbers);
   if (run.mat.nclasses > 1) MeasureClasses(run, part, numbers);
-  numbers.tree =
-      MeasureTree(run, part.data(), numbers.nclusters, TakeTreeFile(run, clustering, numbers));
+  numbers.tree = MeasureTree(run, part.data(), numbers.nclusters,
+                             TakeTreeFile(run, clustering, numbers), numbers.products);
   return numbers;
 }
 

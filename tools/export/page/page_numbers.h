@@ -37,6 +37,7 @@ struct PageNumbers {
   std::vector<ClusterWords> words;              // of each cluster
   std::vector<std::vector<Neighbour>> nearest;  // clusters to each, the most similar first
   ClusterPlaces map;
+  ClusterProducts products;    // of many clusters; else empty
   bool has_classes = false;    // two classes or more; the rest of this block needs them
   molva::Rows<int> classdist;  // rows of each class in each cluster
   molva::Array<int> ocldist;   // clustered rows of each class

@@ -10,27 +10,12 @@
 
 #include "tools/export/clustering.h"
 #include "tools/export/page/page_numbers.h"
+#include "tools/export/written_numbers.h"
 
 namespace mardle::exporting {
 
-// A number with so many decimals; "n/a" when it is none.
-std::string Decimals(double value, int decimals);
-// A number in as few digits as tell it: "0.05".
-std::string Shortest(double value);
-// Four digits, with commas where they are whole: 1,500, 0.02345.
-std::string FourDigits(double value);
-// A count with commas: 46,873.
-std::string Grouped(std::int64_t count);
-// A share of 1 as the percentage that SVG and CSS take: "37.50%".
-std::string Percent(double share);
-// A share of 1 as people write it, "37.5 %", with a blank at which no line ends.
-std::string PercentText(double share);
 // "1 document", "7,674 documents".
-std::string Counted(std::int64_t count, const std::string& one, const std::string& many);
 std::string CountedRows(const PageRun& run, std::int64_t count);
-// With a capital at its beginning.
-std::string Capital(std::string word);
-
 // The level of a column: a percentage, or for a dense matrix three digits of the average.
 std::string LevelText(const PageNumbers& numbers, double level);
 

@@ -7,6 +7,7 @@
 
 #include "programs/io/matrix.h"
 #include "programs/run_params.h"
+#include "tools/export/run_record.h"
 #include "tools/export/wording.h"
 
 namespace mardle::exporting {
@@ -19,6 +20,7 @@ struct PageRun {
   const RunParams& params;       // models, criteria, number of features
   const Matrix& mat;
   Wording wording;
+  const RunRecord* record;  // null without one
 };
 
 }  // namespace mardle::exporting

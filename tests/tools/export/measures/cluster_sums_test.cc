@@ -13,6 +13,7 @@ using mardle::Matrix;
 using mardle::exporting::ClusterRows;
 using mardle::exporting::ClusterSums;
 using mardle::exporting::NearestClusters;
+using mardle::exporting::ProductsOfSums;
 using testing_support::PlainInput;
 using testing_support::SparseMatrixOf;
 
@@ -47,6 +48,16 @@ TEST(ClusterSums, OfAllRowsAreWeakerInNothing) {
   const std::vector<int> part(5, 0);
   const ClusterSums sums(PlainInput(mat, part, 1), ClusterRows(part, 1));
   EXPECT_FALSE(sums.IsWeaker(0, 0));
+}
+
+TEST(ClusterSums, HaveTheirProducts) {
+  // The sums are (2, 0), (0.6, 0.8) and (0, 2): both rows of cluster 2 are left with column 1.
+  const Matrix mat = FiveRows();
+  const ClusterSums sums(PlainInput(mat, kPart, 3), ClusterRows(kPart, 3));
+  const std::vector<float> wanted = {4, 1.2F, 0, 1.2F, 1, 1.6F, 0, 1.6F, 4};
+  const std::vector<float> products = ProductsOfSums(sums);
+  ASSERT_EQ(products.size(), wanted.size());
+  for (std::size_t i = 0; i < wanted.size(); ++i) EXPECT_NEAR(products[i], wanted[i], 1e-5);
 }
 
 TEST(NearestClusters, ComeByTheCosineOfTheirSums) {
