@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/cluster/file_hash.h"
+#include "tools/text/file_hash.h"
 
 namespace mardle::tools {
 

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
-#include "tools/export/file_digest.h"
 #include "tools/text/file_error.h"
+#include "tools/text/file_hash.h"
 #include "tools/text/input_lines.h"
 
 namespace mardle::exporting {
@@ -50,7 +50,7 @@ RunRecord RecordOf(const json& text, const std::string& path) {
 
 bool IsOfRun(const RunRecord& record, const std::string& role, const std::string& path) {
   for (const RunRecord::File& file : record.files) {
-    if (file.role == role && file.sha256 == Sha256OfFile(path)) return true;
+    if (file.role == role && file.sha256 == tools::HashOfFile(path).sha256) return true;
   }
   return false;
 }

@@ -7,11 +7,11 @@
 
 #include "tests/testing/files.h"
 #include "tests/tools/export/trees.h"
-#include "tools/export/file_digest.h"
+#include "tools/text/file_hash.h"
 
 namespace {
 
-using mardle::exporting::Sha256OfFile;
+using mardle::tools::HashOfFile;
 using testing::HasSubstr;
 using testing::Not;
 using testing_support::ReadText;
@@ -169,7 +169,7 @@ std::string RecordOf(const std::string& matrix_hash, const std::string& clusteri
 }
 
 TEST_F(ExportRun, TakesTheModelsOfTheRecord) {
-  Write("c.run.json", RecordOf(Sha256OfFile(Path("m")), Sha256OfFile(Path("c"))));
+  Write("c.run.json", RecordOf(HashOfFile(Path("m")).sha256, HashOfFile(Path("c")).sha256));
   const Outcome recorded = Run({"html", "--clustering", "@c", "--matrix", "@m"});
   EXPECT_EQ(recorded.err, "");
   EXPECT_THAT(recorded.out, HasSubstr("<dt>Criterion I1</dt>"));
@@ -188,7 +188,7 @@ TEST_F(ExportRun, TakesTheModelsOfTheRecord) {
 }
 
 TEST_F(ExportRun, LeavesARecordOfAnotherRunWithAWarning) {
-  Write("c.run.json", RecordOf(Sha256OfFile(Path("m")), Sha256OfFile(Path("m"))));
+  Write("c.run.json", RecordOf(HashOfFile(Path("m")).sha256, HashOfFile(Path("m")).sha256));
   const Outcome outcome = Run({"html", "--clustering", "@c", "--matrix", "@m", "--colmodel", "2"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "mardle-export: warning: " + Path("c.run.json") +
@@ -198,7 +198,7 @@ TEST_F(ExportRun, LeavesARecordOfAnotherRunWithAWarning) {
 }
 
 TEST_F(ExportRun, RefusesANamedRecordOfAnotherRun) {
-  Write("r", RecordOf(Sha256OfFile(Path("c")), Sha256OfFile(Path("c"))));
+  Write("r", RecordOf(HashOfFile(Path("c")).sha256, HashOfFile(Path("c")).sha256));
   EXPECT_EQ(Failure({"html", "--clustering", "@c", "--matrix", "@m", "--record", "@r"}),
             "mardle-export: " + Path("r") +
                 ": the record is of another run: it does not tell of the matrix " + Path("m") +
@@ -206,7 +206,7 @@ TEST_F(ExportRun, RefusesANamedRecordOfAnotherRun) {
 }
 
 TEST_F(ExportRun, RefusesModelsThatTheRecordContradicts) {
-  Write("c.run.json", RecordOf(Sha256OfFile(Path("m")), Sha256OfFile(Path("c"))));
+  Write("c.run.json", RecordOf(HashOfFile(Path("m")).sha256, HashOfFile(Path("c")).sha256));
   const Outcome outcome = Run({"html", "--clustering", "@c", "--matrix", "@m", "--colmodel", "2"});
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.err, "mardle-export: --colmodel is not that of the run, as " +

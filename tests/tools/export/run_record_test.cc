@@ -5,7 +5,6 @@
 
 #include "tests/testing/files.h"
 #include "tests/tools/export/failures.h"
-#include "tools/export/file_digest.h"
 
 namespace {
 
@@ -15,15 +14,12 @@ using mardle::exporting::OptionOf;
 using mardle::exporting::ReadRunRecord;
 using mardle::exporting::RecordPathOf;
 using mardle::exporting::RunRecord;
-using mardle::exporting::Sha256OfFile;
 using mardle::exporting::TakeOptions;
 using testing::ElementsAre;
 using testing_support::FailureMessage;
 using testing_support::TempFolder;
 
 // The hashes of "abc" and of nothing, as the standard of the hash has them.
-constexpr char kAbc[] = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
-constexpr char kNothing[] = "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
 
 constexpr char kRecord[] = R"({"format": 1, "program": "mardle", "version": "1.5.0",
     "options": ["-crfun=3", "-rowmodel=4", "-colmodel=1", "-prune=0.5", "-showtree=5", "-rowmodel=2"],
@@ -33,15 +29,6 @@ constexpr char kRecord[] = R"({"format": 1, "program": "mardle", "version": "1.5
                "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
               {"role": "clustering", "path": "c", "size": 0, "sha256":
                "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"}]})";
-
-TEST(Sha256, IsThatOfTheStandard) {
-  const TempFolder folder;
-  EXPECT_EQ(Sha256OfFile(folder.Write("m", "abc")), kAbc);
-  EXPECT_EQ(Sha256OfFile(folder.Write("e", "")), kNothing);
-  // A million times "a", which is many blocks.
-  EXPECT_EQ(Sha256OfFile(folder.Write("a", std::string(1000000, 'a'))),
-            "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
-}
 
 TEST(RunRecord, StandsBesideTheClustering) {
   EXPECT_EQ(RecordPathOf("d/letters.clustering"), "d/letters.run.json");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/cluster/file_hash.h"
+#include "tools/text/file_hash.h"
 
 #include <nettle/sha2.h>
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tools/cluster/file_hash.h"
+#include "tools/text/file_hash.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "tests/testing/files.h"
 #include "tools/text/file_error.h"
@@ -25,6 +27,9 @@ TEST(FileHash, IsSha256) {
       HashOfFile(folder.Write("longer", "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq"))
           .sha256,
       "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
+  // A million times "a", which is many blocks.
+  EXPECT_EQ(HashOfFile(folder.Write("a", std::string(1000000, 'a'))).sha256,
+            "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
   EXPECT_THROW(HashOfFile(folder.Path("nosuch")), FileError);
 }
 
