@@ -76,6 +76,17 @@ TEST(ClusterStats, MeasureASmallClusteringByHand) {
   EXPECT_NEAR(s.ezscores[2], 2 / std::sqrt(3.0), 1e-6);
 }
 
+// With the composite twice the row (1, e, e, e, e), e = 2^-12, each of the four small products is half
+// a unit of the first, which single precision would lose one by one. Together they are two units: the
+// row's average is 1 + 2^-22, as that of the cluster, and nothing deviates.
+TEST(ClusterStats, SumTheAverageOfARowWide) {
+  constexpr float kSmall = 0x1p-12F;
+  const std::vector<float> row = {1, kSmall, kSmall, kSmall, kSmall};
+  const Stats s = Measured(*PreparedOf({row, row, {0, 0, 0, 0, 1}}), {0, 0, 1}, 2);
+  EXPECT_EQ(s.isim[0], 1 + 0x1p-22F);
+  EXPECT_EQ(s.isdev[0], 0);
+}
+
 TEST(ClusterStats, EqualTheAveragesOverAllPairs) {
   const auto mat = Prepared(RandomDocuments(11, 60, 50, 4, 8));
   const std::vector<int> part = RandomPart(11, mat->nrows, 4);
