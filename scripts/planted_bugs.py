@@ -44,7 +44,7 @@ BUGS = [
         "std::min(text.size(), size - 1)", "std::min(text.size(), size)", "Error|Try", LIBRARY),
     Bug("a trial that started wrong counts", "lib/partition/trials_ahead.cc",
         "At(made_).start == At(made_ - 1).end", "At(made_).part",
-        "TrialsAhead", LIBRARY),
+        "TrialsAhead", ("molva_threads_test",)),
     # Numbers.
     Bug("a sum is rounded at its end only", "lib/criteria/values.h",
         "float sum = 0;\n    for (std::size_t k = 0; k < clusters.size(); ++k) {\n"
