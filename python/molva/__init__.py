@@ -16,6 +16,7 @@ from .analysis import (
     cluster_statistics,
     criterion_value,
 )
+from .choosing import Sweep, sweep
 from .files import (
     read_clustering,
     read_labels,
@@ -39,6 +40,7 @@ __all__ = [
     "ExternalQuality",
     "MolvaError",
     "RepeatedBisection",
+    "Sweep",
     "Tree",
     "cluster_features",
     "cluster_statistics",
@@ -50,6 +52,7 @@ __all__ = [
     "read_labels",
     "read_matrix",
     "read_tree",
+    "sweep",
     "write_clustering",
     "write_labels",
     "write_matrix",
