@@ -17,11 +17,13 @@ from pathlib import Path
 from typing import Iterable, Iterator, NamedTuple, Sequence
 
 import numpy as np
+from scipy import sparse
 from sklearn.metrics import adjusted_rand_score, normalized_mutual_info_score
 
 from ._estimators import DirectKWay, RepeatedBisection
 from ._matrix import LARGEST_INT, check_count, check_matrix
-from ._models import CRITERIA, code, criterion_code
+from ._models import CRITERIA, Models, code, criterion_code
+from ._space import Space
 from .analysis import criterion_value
 from .quality import external_quality
 
@@ -31,12 +33,11 @@ _LARGER_IS_BETTER = {CRITERIA[name] for name in ("i1", "i2", "h1", "h2", "g3")}
 # A knee rises over the chord of its curve by this share of the curve's range at least,
 _KNEE_HEIGHT = 0.1
 # and bends so many times as sharply as rows without groups can make a curve bend.
-_KNEE_BEND = 1.5
-# What halving makes of rows that lie evenly on a line: every half that is halved again adds an
-# eighth of what the whole added, so the curve of repeated bisection bends at powers of two.
-_HALVING_BEND = 8
+_KNEE_BEND = 1.3
 # Seeds agree from this mean of their adjusted Rand indices on.
 STABLE = 0.9
+# Rows that tell in how many dimensions all of them spread.
+_SAMPLE = 1000
 
 
 class Knee(NamedTuple):
@@ -48,16 +49,19 @@ class Knee(NamedTuple):
 
 
 def find_knee(
-    numbers: Sequence[int], goodness: Sequence[float], halving: bool = False
+    numbers: Sequence[int],
+    goodness: Sequence[float],
+    dimension: float = 1,
+    halving: bool = False,
 ) -> Knee | None:
     """Return the knee of a curve over increasing numbers, or None when it has none.
 
     The candidate is the point highest above the chord from the first point to the last. It is a
     knee when it lies a tenth of the curve's range above it, and when the curve is steeper before
-    it than behind it by 1.5 times what rows without groups make it at the most: that is the curve
-    -1/k^2 of rows evenly on a line, in equal parts. Two steps before and two behind are looked at,
-    and the weaker contrast counts, so that one odd value makes no knee. With `halving` the curve
-    is that of repeated bisection, which bends by itself at powers of two.
+    it than behind it by 1.3 times what it would be for rows without groups: spread evenly in d
+    dimensions and cut into equal parts they give the curve -k^(-2/d), or with `halving`, as by
+    repeated bisection, one that bends at powers of two. Two steps before and two behind are looked
+    at, and the weaker contrast counts, so that one odd value makes no knee.
     """
     k, y = np.asarray(numbers, dtype=float), np.asarray(goodness, dtype=float)
     if len(k) < 3 or not np.isfinite(y).all() or y.max() == y.min():
@@ -69,17 +73,35 @@ def find_knee(
         return None
     steps = np.diff(y) / np.diff(k)
     before, behind = steps[max(at - 2, 0) : at].min(), steps[at : at + 2].max()
-    smooth = _smooth_bend(*k[at - 1 : at + 2])
+    smooth = _smooth_bend(k[at - 1 : at + 2], dimension)
     if halving and k[at] == 2 ** round(np.log2(k[at])):
-        smooth = max(smooth, _HALVING_BEND)
+        # A part that is halved adds so many times what its halves add.
+        smooth = max(smooth, 2 ** (1 + 2 / dimension))
     if _bend(before, behind) < _KNEE_BEND * smooth:
         return None
     return Knee(int(numbers[at]), float(before), float(behind))
 
 
-def _smooth_bend(previous: float, k: float, following: float) -> float:
-    """Return how many times -1/k^2 is steeper before a point than behind it."""
-    return (following / previous) ** 2 * (k + previous) / (k + following)
+def _smooth_bend(k: np.ndarray, dimension: float) -> float:
+    """Return how many times -k^(-2/d) is steeper before the middle of three numbers than behind."""
+    before, behind = np.diff(-(k ** (-2 / dimension))) / np.diff(k)
+    return float(before / behind)
+
+
+def _dimension(X, fit) -> float:
+    """Return in how many dimensions the prepared rows spread, on the safe side.
+
+    The participation ratio of the variances, of rows at even distances, is the number of dimensions
+    of a box; rows along a bent line fill some of two and more, so half of it is taken.
+    """
+    _, prepared, _ = Space.fit(X, Models(**fit.models_))
+    rows = prepared[:: -(-prepared.shape[0] // _SAMPLE)]
+    products = rows @ rows.T
+    products = np.asarray(products.todense() if sparse.issparse(products) else products, float)
+    products -= products.mean(axis=0)
+    products -= products.mean(axis=1, keepdims=True)
+    squares = (products**2).sum()
+    return max(1.0, float(np.trace(products) ** 2 / squares / 2)) if squares > 0 else 1.0
 
 
 def _bend(before: float, behind: float) -> float:
@@ -405,6 +427,6 @@ def sweep(
         rows.append(_measure(fits, best, float(added), classes))
 
     halving = estimator is RepeatedBisection
-    knee = find_knee([k for k, _ in curve], [sign * value for _, value in curve], halving)
+    knee = find_knee(*zip(*((k, sign * value) for k, value in curve)), _dimension(X, best), halving)
     name = criterion.lower().replace("'", "p")
     return Sweep(tuple(rows), name, *recommend(rows, knee, criterion))

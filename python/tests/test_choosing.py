@@ -51,12 +51,28 @@ def test_steps_count_by_the_clusters_that_they_add():
     assert choosing.find_knee([1, 3, 5, 7, 15], [0, 20, 40, 42, 50]) == (5, 10, 1)
 
 
-def test_a_bend_less_than_half_as_sharp_again_as_a_smooth_one_is_no_knee():
-    # At 3 the curve -1/k^2 bends by 16/4 * 5/7 = 20/7, and half as much again is 4.29.
-    assert choosing.find_knee(range(1, 7), [0, 4.2, 8.4, 9.4, 10.4, 11.4]) is None
-    assert choosing.find_knee(range(1, 7), [0, 4.4, 8.8, 9.8, 10.8, 11.8]) == pytest.approx(
-        (3, 4.4, 1)
-    )
+def test_a_bend_hardly_sharper_than_a_smooth_one_is_no_knee():
+    # At 3 the curve -1/k^2 bends by 16/4 * 5/7 = 20/7, and 1.3 times that is 3.71.
+    assert choosing.find_knee(range(1, 7), [0, 3.7, 7.4, 8.4, 9.4, 10.4]) is None
+    assert choosing.find_knee(range(1, 7), [0, 3.75, 7.5, 8.5, 9.5, 10.5]) == (3, 3.75, 1)
+
+
+def test_in_more_dimensions_smooth_curves_bend_less():
+    # In two dimensions -1/k bends by 4/2 at 3, and 1.3 times that is 2.6.
+    assert choosing.find_knee(range(1, 7), [0, 2.5, 5, 6, 7, 8], 2) is None
+    assert choosing.find_knee(range(1, 7), [0, 2.75, 5.5, 6.5, 7.5, 8.5], 2) == (3, 2.75, 1)
+
+
+def test_the_dimension_is_half_the_number_of_even_directions():
+    # Unit rows along d axes, both ways, have the same variance along each.
+    for d in (2, 6, 10):
+        rows = np.vstack([np.eye(d), -np.eye(d)]).astype(np.float32)
+        fit = molva.DirectKWay(2, random_state=1).fit(rows)
+        assert_allclose(choosing._dimension(rows, fit), d / 2)
+    line = molva.DirectKWay(2, random_state=1).fit([[1, 0], [-1, 0], [1, 0]])
+    assert choosing._dimension(np.array([[1, 0], [-1, 0], [1, 0]], np.float32), line) == 1
+    same = np.ones((5, 3), np.float32)
+    assert choosing._dimension(same, molva.DirectKWay(2, random_state=1).fit(same)) == 1
 
 
 def test_one_small_step_behind_the_highest_point_makes_no_knee():
@@ -280,3 +296,13 @@ def test_wrong_arguments_are_value_errors(counts, wrong, message):
 def test_other_keywords_are_refused(counts, unknown):
     with pytest.raises(TypeError, match=f"unexpected keyword argument '{unknown}'"):
         molva.sweep(counts, [2, 3], **{unknown: 1})
+
+
+def test_i1_and_i2_are_the_objectives_of_the_two_k_means(dense):
+    labels = np.arange(len(dense)) % 3
+    rows = dense / np.linalg.norm(dense, axis=1, keepdims=True)
+    means = np.array([rows[labels == k].mean(axis=0) for k in range(3)])[labels]
+    cosines = (rows * means).sum(axis=1) / np.linalg.norm(means, axis=1)
+    assert_allclose(molva.criterion_value(dense, labels, "i2"), cosines.sum(), rtol=1e-5)
+    inertia = ((rows - means) ** 2).sum()
+    assert_allclose(len(dense) - molva.criterion_value(dense, labels, "i1"), inertia, rtol=1e-5)
