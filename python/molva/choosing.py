@@ -92,7 +92,8 @@ def _dimension(X, fit) -> float:
     """Return in how many dimensions the prepared rows spread, on the safe side.
 
     The participation ratio of the variances, of rows at even distances, is the number of dimensions
-    of a box; rows along a bent line fill some of two and more, so half of it is taken.
+    of a box. Half of it is taken, as rows along a bent line fill a part of a second one, and rows
+    of uneven density make a curve bend more than even ones.
     """
     _, prepared, _ = Space.fit(X, Models(**fit.models_))
     rows = prepared[:: -(-prepared.shape[0] // _SAMPLE)]
@@ -101,11 +102,11 @@ def _dimension(X, fit) -> float:
     products -= products.mean(axis=0)
     products -= products.mean(axis=1, keepdims=True)
     squares = (products**2).sum()
-    return max(1.0, float(np.trace(products) ** 2 / squares / 2)) if squares > 0 else 1.0
+    return float(np.trace(products) ** 2 / squares / 2) if squares > 0 else 0.5
 
 
 def _bend(before: float, behind: float) -> float:
-    """Return how many times a curve is steeper before a point than behind, or falls faster behind."""
+    """Return how many times a curve rises faster before a point, or falls faster behind it."""
     if before <= behind:
         return 1.0
     if behind > 0:

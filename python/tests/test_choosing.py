@@ -69,10 +69,11 @@ def test_the_dimension_is_half_the_number_of_even_directions():
         rows = np.vstack([np.eye(d), -np.eye(d)]).astype(np.float32)
         fit = molva.DirectKWay(2, random_state=1).fit(rows)
         assert_allclose(choosing._dimension(rows, fit), d / 2)
-    line = molva.DirectKWay(2, random_state=1).fit([[1, 0], [-1, 0], [1, 0]])
-    assert choosing._dimension(np.array([[1, 0], [-1, 0], [1, 0]], np.float32), line) == 1
+    line = np.array([[1, 0], [-1, 0], [1, 0]], np.float32)
+    fit = molva.DirectKWay(2, random_state=1).fit(line)
+    assert choosing._dimension(line, fit) == pytest.approx(0.5)
     same = np.ones((5, 3), np.float32)
-    assert choosing._dimension(same, molva.DirectKWay(2, random_state=1).fit(same)) == 1
+    assert choosing._dimension(same, molva.DirectKWay(2, random_state=1).fit(same)) == 0.5
 
 
 def test_one_small_step_behind_the_highest_point_makes_no_knee():
