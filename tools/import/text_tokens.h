@@ -24,9 +24,11 @@ inline constexpr char kDigitsTokenPattern[] = R"([\p{L}\p{N}][\p{L}\p{M}\p{N}]+|
 
 // What a word is.
 struct WordRules {
-  std::string pattern =
-      {};  // empty: one of the two above; words of unspaced scripts are cut out then
+  // Empty: one of the two above; words of unspaced scripts are cut out then.
+  std::string pattern = {};
   bool digits = false;
+
+  bool operator==(const WordRules&) const = default;
 };
 
 std::string LowerCase(std::string_view text);
