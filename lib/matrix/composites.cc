@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "lib/matrix/composites.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "lib/support/team.h"

@@ -8,19 +8,13 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <memory>
-#include <string>
+#include <string_view>
 #include <thread>
+
+#include "lib/support/files.h"
 
 namespace molva {
 namespace {
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-File Open(const std::string& name) { return File(std::fopen(name.c_str(), "re")); }
 
 int AllowedProcessors() {
   cpu_set_t allowed;
@@ -37,7 +31,7 @@ int ProcessorsOf(double quota, double period) {
 
 // "200000 100000", or "max 100000" without a quota.
 int QuotaOf(const std::string& folder) {
-  const File file = Open(folder + "/cpu.max");
+  const File file = OpenFile((folder + "/cpu.max").c_str(), "r");
   double quota = 0;
   double period = 0;
   if (!file || std::fscanf(file.get(), "%lf %lf", &quota, &period) != 2) return INT_MAX;
@@ -45,7 +39,7 @@ int QuotaOf(const std::string& folder) {
 }
 
 double NumberIn(const std::string& name) {
-  const File file = Open(name);
+  const File file = OpenFile(name.c_str(), "r");
   double number = 0;
   return file && std::fscanf(file.get(), "%lf", &number) == 1 ? number : 0;
 }
@@ -67,26 +61,43 @@ int LeastQuota(const std::string& root, std::string group, const Quota& quota_of
   return least;
 }
 
-// Lines of /proc/self/cgroup are "0::/group" and, of the older kind, "4:cpu,cpuacct:/group".
-int QuotaProcessors() {
-  const File file = Open("/proc/self/cgroup");
+// Whether a list with commas names the controller of processor time, and not cpuset or cpuacct
+// alone.
+bool ListsProcessorTime(std::string_view list) {
+  while (!list.empty()) {
+    const std::size_t end = std::min(list.find(','), list.size());
+    if (list.substr(0, end) == "cpu") return true;
+    list.remove_prefix(std::min(end + 1, list.size()));
+  }
+  return false;
+}
+
+}  // namespace
+
+// Lines are "0::/group" and, of the older kind, "4:cpu,cpuacct:/group".
+int QuotaProcessors(const std::string& list, const std::string& root) {
+  const File file = OpenFile(list.c_str(), "r");
   int least = INT_MAX;
-  char line[4096];
-  while (file && std::fgets(line, sizeof(line), file.get()) != nullptr) {
-    line[std::strcspn(line, "\n")] = '\0';
-    const char* const group = std::strchr(line, '/');
-    if (group == nullptr) continue;
-    if (std::strncmp(line, "0::", 3) == 0) {
-      least = std::min(least, LeastQuota("/sys/fs/cgroup", group, QuotaOf));
-    } else if (std::strstr(line, "cpu") != nullptr && std::strstr(line, "cpu") < group) {
-      least = std::min(least, LeastQuota("/sys/fs/cgroup/cpu", group, OldQuotaOf));
+  char text[4096];
+  while (file && std::fgets(text, sizeof(text), file.get()) != nullptr) {
+    const std::string_view line(text, std::strcspn(text, "\n"));
+    const std::size_t first = line.find(':');
+    const std::size_t second = line.find(':', first + 1);
+    if (first == line.npos || second == line.npos || line.substr(second + 1, 1) != "/") continue;
+    const std::string group(line.substr(second + 1));
+    const std::string_view controllers = line.substr(first + 1, second - first - 1);
+    if (controllers.empty()) {
+      least = std::min(least, LeastQuota(root, group, QuotaOf));
+    } else if (ListsProcessorTime(controllers)) {
+      least = std::min(least, LeastQuota(root + "/cpu", group, OldQuotaOf));
     }
   }
   return least;
 }
 
-}  // namespace
-
-int ProcessorCount() { return std::max(1, std::min(AllowedProcessors(), QuotaProcessors())); }
+int ProcessorCount() {
+  const int quota = QuotaProcessors("/proc/self/cgroup", "/sys/fs/cgroup");
+  return std::max(1, std::min(AllowedProcessors(), quota));
+}
 
 }  // namespace molva
