@@ -2,7 +2,6 @@
 #include "tools/cluster/engine_run.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <stdexcept>
 
 #include "lib/molva.h"
@@ -30,11 +29,6 @@ RunParams ParamsOf(const EngineRequest& request) {
   ReadCommandLine(command_line, params);
   params.outputfile = molva::mystrdup(request.clustering.c_str());
   return params;
-}
-
-int ThreadsAskedFor() {
-  const char* text = std::getenv("MOLVA_NUM_THREADS");
-  return text == nullptr || *text == '\0' ? 1 : std::atoi(text);
 }
 
 // While it lives, the library tells of its progress.
@@ -111,7 +105,7 @@ EngineResult RunEngine(const EngineRequest& request, StageLine& line) {
   UseThreadsOfEnvironment();
   EngineResult result;
   result.seed = params.seed;
-  result.threads = ThreadsAskedFor();
+  result.threads = MOLVA_GetNumThreads();
 
   line.Begin("reading");
   const molva::Owned<Matrix> mat = CreateMatrix();
