@@ -8,6 +8,11 @@
 #include "lib/rough/two_lanes.h"
 
 namespace molva {
+namespace {
+
+constexpr int kNowhere = -1;  // a row that is not yet in a cluster
+
+}  // namespace
 
 GrowthScreen::GrowthScreen(const Lanes& lanes, int nparts, const RowExtremes& rows, BlockName name)
     : lanes_(lanes),
@@ -69,12 +74,10 @@ int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
   if (nparts_ == 2) return ChooseOfTwo(entries, row);
   const RowFactors factors = FactorsOf(row);
   lanes_.DotRow(entries, products_.data());
-  kernel_.gain(bounds_.LanesWithoutWhole(), products_.data(), factors, most_.data());
-  int best = 0;
-  for (int k = 0; k < nparts_; ++k) {
-    if (!(most_[k] < kForEver)) return -1;
-    if (most_[k] > most_[best]) best = k;
-  }
+  const double most =
+      kernel_.meet(bounds_.LanesWithoutWhole(), products_.data(), factors, kNowhere, most_.data());
+  if (!(most < kForEver)) return -1;
+  int best = static_cast<int>(std::find(most_.begin(), most_.end(), most) - most_.begin());
   // The first composite stands even where its growth is not a number.
   if (Growth(0, factors).most == kForEver) return -1;
   Interval growth = Growth(best, factors);

@@ -45,10 +45,9 @@ void MoveScreen::LookAhead(const RowRecords& rows, RowRecord* const* records) {
 bool MoveScreen::Meet(const float* products, RowRecord& row) {
   const RowFactors factors = FactorsOf(row);
   const double going = bounds_[row.place].Going(factors, products[row.place]);
-  kernel_.gain(uses_whole_ ? coming_.Lanes() : coming_.LanesWithoutWhole(), products, factors,
-               gains_.data());
-  gains_[row.place] = -kForEver;
-  return Conclude(kernel_.most(gains_.data(), gains_.size()), going, row);
+  const double coming = kernel_.meet(uses_whole_ ? coming_.Lanes() : coming_.LanesWithoutWhole(),
+                                     products, factors, row.place, gains_.data());
+  return Conclude(coming, going, row);
 }
 
 }  // namespace molva

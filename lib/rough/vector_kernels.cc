@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <cstring>
 #include <limits>
-#include <numeric>
 #include <utility>
 
 #include "lib/support/span.h"
@@ -87,51 +88,79 @@ void DotPortable(const RowView& row, const float* lanes, std::size_t stride, flo
   DotBlocks({row, lanes, stride}, kBlocks, products);
 }
 
-// The compiler forms vectors of the unit that the caller is made for.
-[[gnu::always_inline]] inline void GainLoop(const BoundLanes& b, const float* products,
-                                            const RowFactors& row, double* gains) {
-  if (b.by_whole == nullptr) {
-    for (std::size_t k = 0; k < b.count; ++k) {
-      const double x = 2 * static_cast<double>(products[k]) + row.square + row.entries * b.error[k];
-      gains[k] = b.base[k] + b.by_length[k] * x;
-    }
-    return;
-  }
-  for (std::size_t k = 0; k < b.count; ++k) {
-    const double x = 2 * static_cast<double>(products[k]) + row.square + row.entries * b.error[k];
-    const double gain =
-        b.base[k] + b.by_whole[k] * row.whole + (b.by_length[k] + b.by_both[k] * row.whole) * x;
-    gains[k] = row.whole >= b.least_whole[k] ? gain : std::numeric_limits<double>::infinity();
-  }
-}
+// Vectors of kWidth numbers, which the compiler forms with the unit that the caller is made for.
+template <std::size_t kWidth>
+struct Vectors {
+  using Floats [[gnu::vector_size(kWidth * sizeof(float))]] = float;
+  using Doubles [[gnu::vector_size(kWidth * sizeof(double))]] = double;
+  using Integers [[gnu::vector_size(kWidth * sizeof(double))]] = std::int64_t;
 
-// Several maxima side by side, since one alone would wait for each comparison.
-[[gnu::always_inline]] inline double MostLoop(const double* gains, std::size_t count) {
-  constexpr std::size_t kChains = 8;
-  double most[kChains];
-  double doubt[kChains] = {};  // not a number from the first such gain on
-  std::fill_n(most, kChains, -std::numeric_limits<double>::infinity());
-  const std::size_t chains = std::min(kChains, count);
-  const auto add = [&](const double* first, std::size_t chain) {
-    const double gain = first[chain];
-    most[chain] = gain > most[chain] ? gain : most[chain];
-    doubt[chain] += gain == gain ? 0.0 : gain;
-  };
-  if (chains < kChains) {
-    for (std::size_t c = 0; c < chains; ++c) add(gains, c);
-  } else {
-    for (std::size_t first = 0; first < count; first += kChains) {
-      for (std::size_t c = 0; c < kChains; ++c) add(gains + first, c);
+  template <typename Vector, typename Number>
+  [[gnu::always_inline]] static void Load(const Number* numbers, Vector& vector) {
+    static_assert(sizeof(Vector) == kWidth * sizeof(Number));
+    std::memcpy(&vector, numbers, sizeof(Vector));
+  }
+};
+
+// kWidth lanes at a time; a count that these do not divide takes fewer.
+template <std::size_t kWidth, bool kUsesWhole>
+[[gnu::always_inline]] inline double MeetBy(const BoundLanes& b, const float* products,
+                                            const RowFactors& row, int home, double* gains) {
+  if constexpr (kWidth > 1) {
+    if (b.count % kWidth != 0) {
+      return MeetBy<kWidth / 2, kUsesWhole>(b, products, row, home, gains);
     }
   }
-  return *std::max_element(most, most + kChains) + std::accumulate(doubt, doubt + kChains, 0.0);
+  using V = Vectors<kWidth>;
+  constexpr double kInfinite = std::numeric_limits<double>::infinity();
+  typename V::Integers lane;
+  for (std::size_t l = 0; l < kWidth; ++l) lane[l] = static_cast<std::int64_t>(l);
+  typename V::Doubles most = typename V::Doubles{} - kInfinite;
+  typename V::Integers doubt{};  // where a gain was not a number
+  for (std::size_t k = 0; k < b.count; k += kWidth, lane += kWidth) {
+    typename V::Floats product;
+    typename V::Doubles base, by_length, error;
+    V::Load(products + k, product);
+    V::Load(b.base + k, base);
+    V::Load(b.by_length + k, by_length);
+    V::Load(b.error + k, error);
+    const auto x = 2 * __builtin_convertvector(product, typename V::Doubles) + row.square +
+                   row.entries * error;
+    typename V::Doubles gain;
+    if constexpr (kUsesWhole) {
+      typename V::Doubles by_whole, by_both, least_whole;
+      V::Load(b.by_whole + k, by_whole);
+      V::Load(b.by_both + k, by_both);
+      V::Load(b.least_whole + k, least_whole);
+      gain = base + by_whole * row.whole + (by_length + by_both * row.whole) * x;
+      gain = row.whole >= least_whole ? gain : typename V::Doubles{} + kInfinite;
+    } else {
+      gain = base + by_length * x;
+    }
+    gain = lane == home ? typename V::Doubles{} - kInfinite : gain;
+    std::memcpy(gains + k, &gain, sizeof(gain));
+    most = gain > most ? gain : most;
+    doubt |= gain != gain;
+  }
+  double result = most[0];
+  bool is_doubtful = doubt[0] != 0;
+  for (std::size_t l = 1; l < kWidth; ++l) {
+    result = std::max(result, most[l]);
+    is_doubtful = is_doubtful || doubt[l] != 0;
+  }
+  return is_doubtful ? std::numeric_limits<double>::quiet_NaN() : result;
 }
 
-double MostPortable(const double* gains, std::size_t count) { return MostLoop(gains, count); }
+template <std::size_t kWidth>
+[[gnu::always_inline]] inline double Meet(const BoundLanes& bounds, const float* products,
+                                          const RowFactors& row, int home, double* gains) {
+  return bounds.by_whole == nullptr ? MeetBy<kWidth, false>(bounds, products, row, home, gains)
+                                    : MeetBy<kWidth, true>(bounds, products, row, home, gains);
+}
 
-void GainPortable(const BoundLanes& bounds, const float* products, const RowFactors& row,
-                  double* gains) {
-  GainLoop(bounds, products, row, gains);
+double MeetPortable(const BoundLanes& bounds, const float* products, const RowFactors& row,
+                    int home, double* gains) {
+  return Meet<2>(bounds, products, row, home, gains);
 }
 
 #if defined(__x86_64__)
@@ -198,13 +227,9 @@ void DotAvx512(const RowView& row, const float* lanes, std::size_t stride, float
   DotBlocks({row, lanes, stride}, kBlocks, products);
 }
 
-[[gnu::target("avx512f")]] double MostAvx512(const double* gains, std::size_t count) {
-  return MostLoop(gains, count);
-}
-
-[[gnu::target("avx512f")]] void GainAvx512(const BoundLanes& bounds, const float* products,
-                                           const RowFactors& row, double* gains) {
-  GainLoop(bounds, products, row, gains);
+[[gnu::target("avx512f")]] double MeetAvx512(const BoundLanes& bounds, const float* products,
+                                             const RowFactors& row, int home, double* gains) {
+  return Meet<8>(bounds, products, row, home, gains);
 }
 
 template <std::size_t... n>
@@ -217,13 +242,9 @@ void DotAvx2(const RowView& row, const float* lanes, std::size_t stride, float* 
   DotBlocks({row, lanes, stride}, kBlocks, products);
 }
 
-[[gnu::target("avx2")]] double MostAvx2(const double* gains, std::size_t count) {
-  return MostLoop(gains, count);
-}
-
-[[gnu::target("avx2")]] void GainAvx2(const BoundLanes& bounds, const float* products,
-                                      const RowFactors& row, double* gains) {
-  GainLoop(bounds, products, row, gains);
+[[gnu::target("avx2")]] double MeetAvx2(const BoundLanes& bounds, const float* products,
+                                        const RowFactors& row, int home, double* gains) {
+  return Meet<4>(bounds, products, row, home, gains);
 }
 
 #endif
@@ -238,14 +259,14 @@ struct KernelList {
     // hide it.
     if (__builtin_cpu_supports("fma")) {
       if (__builtin_cpu_supports("avx512f")) {
-        kernels[count++] = {"avx512f", DotAvx512, GainAvx512, MostAvx512, DotFullRowsAvx512};
+        kernels[count++] = {"avx512f", DotAvx512, MeetAvx512, DotFullRowsAvx512};
       }
       if (__builtin_cpu_supports("avx2")) {
-        kernels[count++] = {"avx2", DotAvx2, GainAvx2, MostAvx2, DotFullRowsAvx2};
+        kernels[count++] = {"avx2", DotAvx2, MeetAvx2, DotFullRowsAvx2};
       }
     }
 #endif
-    kernels[count++] = {"default", DotPortable, GainPortable, MostPortable, DotFullRowsPortable};
+    kernels[count++] = {"default", DotPortable, MeetPortable, DotFullRowsPortable};
   }
 };
 

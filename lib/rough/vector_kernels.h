@@ -39,20 +39,16 @@ struct RowFactors {
   double whole;
 };
 
-// gains[lane] = the most that the row's coming can gain, infinite where no bound holds; not a
-// number where something is not.
-using GainFunction = void (*)(const BoundLanes& bounds, const float* products,
-                              const RowFactors& row, double* gains);
-
-// The most of all gains; not a number where one of them is not. The count is 1, 2, 4 or a multiple
-// of 8.
-using MostFunction = double (*)(const double* gains, std::size_t count);
+// gains[lane] = the most that the row's coming can gain, infinite where no bound holds; nothing,
+// that is -infinity, at home (-1: nowhere). Returns the most of all, not a number where one of them
+// is not. The count is 1, 2, 4 or a multiple of 8.
+using MeetFunction = double (*)(const BoundLanes& bounds, const float* products,
+                                const RowFactors& row, int home, double* gains);
 
 struct VectorKernel {
   const char* target;  // the kind of vector unit, as the compiler names it
   DotFunction dot;
-  GainFunction gain;
-  MostFunction most;
+  MeetFunction meet;
   DotFullRowsFunction dot_full_rows;
 };
 

@@ -96,37 +96,84 @@ TEST(VectorKernels, MultiplyFullRowsAllAtOnce) {
   }
 }
 
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
+constexpr int kNowhere = -1;
+
+// Bounds that are constant, so that each lane gains its base.
+struct ConstantBounds {
+  explicit ConstantBounds(const std::vector<double>& gains) : base(gains), zeros(gains.size(), 0) {}
+
+  // With or without the numbers that go with d.G.
+  BoundLanes Lanes(bool uses_whole) const {
+    const double* whole = uses_whole ? zeros.data() : nullptr;
+    return {base.size(), base.data(), whole, zeros.data(), whole, zeros.data(), whole};
+  }
+
+  std::vector<double> base, zeros;
+};
+
 TEST(VectorKernels, FindTheMostOfAllGains) {
-  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-  constexpr double kInfinite = std::numeric_limits<double>::infinity();
   for (const VectorKernel& kernel : AvailableKernels()) {
-    for (const std::size_t count : {1, 2, 4, 8, 24}) {
+    for (const std::size_t count : {1, 2, 4, 8, 24, 32}) {
+      const std::vector<float> products(count, 0);
+      std::vector<double> gains(count);
       for (std::size_t most = 0; most < count; ++most) {
-        std::vector<double> gains(count, -kInfinite);
-        gains[count / 2] = -7;
-        gains[most] = -3;
-        EXPECT_EQ(kernel.most(gains.data(), count), -3) << kernel.target;
-        gains[most] = kInfinite;
-        EXPECT_EQ(kernel.most(gains.data(), count), kInfinite) << kernel.target;
-        gains[most] = kNan;
-        EXPECT_TRUE(std::isnan(kernel.most(gains.data(), count))) << kernel.target;
+        for (const double value : {-3.0, kInfinite, kNan}) {
+          for (const bool uses_whole : {false, true}) {
+            SCOPED_TRACE(std::string(kernel.target) + ", " + std::to_string(count) + " lanes");
+            ConstantBounds bounds(std::vector<double>(count, -kInfinite));
+            bounds.base[count / 2] = -7;
+            bounds.base[most] = value;
+            const double found = kernel.meet(bounds.Lanes(uses_whole), products.data(), {1, 1, 0},
+                                             kNowhere, gains.data());
+            EXPECT_TRUE(found == value || (found != found && value != value)) << found;
+          }
+        }
       }
     }
   }
 }
 
-// By hand: x = 2*3 + 1 + 10*0.5 = 12, so lane 0 gains 1 + 2*4 + (3 + 5*4) 12 = 285; lane 1 needs a
-// d.G of 4.5, which the row does not have.
+TEST(VectorKernels, FindNothingToGainAtHome) {
+  for (const VectorKernel& kernel : AvailableKernels()) {
+    for (const std::size_t count : {2, 4, 8, 24}) {
+      const std::vector<float> products(count, 0);
+      for (std::size_t home = 0; home < count; ++home) {
+        for (const double value : {5.0, kInfinite, kNan}) {
+          ConstantBounds bounds(std::vector<double>(count, -3));
+          bounds.base[home] = value;
+          std::vector<double> gains(count, 1);
+          EXPECT_EQ(kernel.meet(bounds.Lanes(false), products.data(), {1, 1, 0},
+                                static_cast<int>(home), gains.data()),
+                    -3)
+              << kernel.target;
+          for (std::size_t lane = 0; lane < count; ++lane) {
+            EXPECT_EQ(gains[lane], lane == home ? -kInfinite : -3);
+          }
+        }
+      }
+    }
+  }
+}
+
+// By hand: x = 2*3 + 1 + 10*0.5 = 12, so without d.G lane 0 gains 1 + 3*12 = 37, and with it 1 +
+// 2*4
+// + (3 + 5*4) 12 = 285; lane 1 needs a d.G of 4.5, which the row does not have.
 TEST(VectorKernels, MeetEveryBoundWithTheRow) {
   const double base[] = {1, 1}, by_whole[] = {2, 2}, by_length[] = {3, 3}, by_both[] = {5, 5};
   const double error[] = {0.5, 0.5}, least_whole[] = {4, 4.5};
   const float products[] = {3, 3};
   for (const VectorKernel& kernel : AvailableKernels()) {
     double gains[2] = {};
-    kernel.gain({2, base, by_whole, by_length, by_both, error, least_whole}, products, {10, 1, 4},
-                gains);
+    EXPECT_EQ(kernel.meet({2, base, nullptr, by_length, nullptr, error, nullptr}, products,
+                          {10, 1, 4}, kNowhere, gains),
+              37)
+        << kernel.target;
+    kernel.meet({2, base, by_whole, by_length, by_both, error, least_whole}, products, {10, 1, 4},
+                kNowhere, gains);
     EXPECT_EQ(gains[0], 285) << kernel.target;
-    EXPECT_EQ(gains[1], std::numeric_limits<double>::infinity()) << kernel.target;
+    EXPECT_EQ(gains[1], kInfinite) << kernel.target;
   }
 }
 
