@@ -27,8 +27,11 @@ from .files import (
     write_matrix,
     write_tree,
 )
+from .page import to_html
 from .quality import ExternalQuality, external_quality
+from .summary import ClusterSummary
 from .trees import Tree, cluster_tree, full_tree
+from .typical import TypicalRows, typical_rows
 
 __version__ = _engine.version
 MolvaError.__module__ = __name__
@@ -36,12 +39,14 @@ MolvaError.__module__ = __name__
 __all__ = [
     "ClusterFeatures",
     "ClusterStatistics",
+    "ClusterSummary",
     "DirectKWay",
     "ExternalQuality",
     "MolvaError",
     "RepeatedBisection",
     "Sweep",
     "Tree",
+    "TypicalRows",
     "cluster_features",
     "cluster_statistics",
     "cluster_tree",
@@ -53,6 +58,8 @@ __all__ = [
     "read_matrix",
     "read_tree",
     "sweep",
+    "to_html",
+    "typical_rows",
     "write_clustering",
     "write_labels",
     "write_matrix",

@@ -9,11 +9,17 @@ from typing import Callable
 
 import numpy as np
 from scipy import sparse
-from sklearn.base import BaseEstimator, ClusterMixin
+from sklearn.base import (
+    BaseEstimator,
+    ClassNamePrefixFeaturesOutMixin,
+    ClusterMixin,
+    TransformerMixin,
+)
 from sklearn.utils import check_random_state
 from sklearn.utils.validation import check_is_fitted
 
-from . import _engine, analysis, trees
+from . import _engine, analysis
+from ._explaining import Explaining
 from ._matrix import LARGEST_INT, borrow, check_count, check_matrix
 from ._models import Models, criterion_code
 from ._space import Space
@@ -46,7 +52,9 @@ def _check_flag(name: str, value: object) -> bool:
     return bool(value)
 
 
-class _RowClusterer(ClusterMixin, BaseEstimator):
+class _RowClusterer(
+    Explaining, ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin, BaseEstimator
+):
     """What both estimators share: everything but the run itself."""
 
     def __init__(
@@ -169,50 +177,56 @@ class _RowClusterer(ClusterMixin, BaseEstimator):
         ndarray of shape (n_samples,)
             -1 for rows of which nothing is left.
         """
+        similarities, empty = self._similarities(X)
+        labels = np.argmax(similarities, axis=1).astype(np.int32)
+        labels[empty] = -1
+        return labels
+
+    def transform(self, X) -> np.ndarray:
+        """Return the similarity of each new row to the centroid of each cluster.
+
+        They are the cosines, or correlation coefficients, that `predict` takes the largest of.
+
+        Parameters
+        ----------
+        X : {array-like, sparse matrix} of shape (n_samples, n_features)
+
+        Returns
+        -------
+        ndarray of shape (n_samples, n_clusters)
+            0 for rows of which nothing is left.
+        """
+        return self._similarities(X)[0]
+
+    def score(self, X, y=None) -> float:
+        """Return how near new rows are to the centroids: 1 when every row stands on one.
+
+        It is the average of their largest similarities, 0 of a row of which nothing is left, so
+        larger is better whatever the criterion. On the rows of the fit more clusters mostly have a
+        higher one; rows that were kept out tell more.
+
+        Parameters
+        ----------
+        X : {array-like, sparse matrix} of shape (n_samples, n_features)
+        y : ignored
+        """
+        return float(self._similarities(X)[0].max(axis=1).mean())
+
+    def _similarities(self, X) -> tuple[np.ndarray, np.ndarray]:
+        """Return the similarities of rows to centroids, and of which rows nothing is left."""
         check_is_fitted(self)
         X = self._checked(X)
         self._space.models.check_values(X)
         rows = self._space.transform(X)
         similarities = rows @ self.cluster_centers_.T
         if sparse.issparse(rows):
-            similarities = similarities.toarray()
             empty = np.asarray(rows.multiply(rows).sum(axis=1)).ravel() == 0
-        else:
-            empty = ~rows.any(axis=1)
-        labels = np.argmax(similarities, axis=1).astype(np.int32)
-        labels[empty] = -1
-        return labels
+            return similarities.toarray(), empty
+        return similarities, ~rows.any(axis=1)
 
-    def features(self, X, n_features: int = 5, feature_names=None) -> analysis.ClusterFeatures:
-        """Name the columns of the clusters of the fitted rows; see `molva.cluster_features`.
-
-        Without names those of the data frame that was fitted are taken, where there was one.
-        """
-        check_is_fitted(self)
-        if feature_names is None:
-            feature_names = getattr(self, "feature_names_in_", None)
-        X = self._checked(X)
-        return analysis.cluster_features(
-            X, self.labels_, n_features, feature_names, n_jobs=self.n_jobs, **self.models_
-        )
-
-    def cluster_tree(self, X, criterion: str | None = None, ordered: bool = True) -> trees.Tree:
-        """Build the tree over the clusters of the fitted rows; see `molva.cluster_tree`."""
-        check_is_fitted(self)
-        criterion = self.criterion if criterion is None else criterion
-        X = self._checked(X)
-        return trees.cluster_tree(
-            X, self.labels_, criterion, ordered=ordered, n_jobs=self.n_jobs, **self.models_
-        )
-
-    def full_tree(self, X, criterion: str | None = None, ordered: bool = False) -> trees.Tree:
-        """Build the tree over all fitted rows; see `molva.full_tree`."""
-        check_is_fitted(self)
-        criterion = self.criterion if criterion is None else criterion
-        X = self._checked(X)
-        return trees.full_tree(
-            X, self.labels_, criterion, ordered=ordered, n_jobs=self.n_jobs, **self.models_
-        )
+    @property
+    def _n_features_out(self) -> int:
+        return self.cluster_centers_.shape[0]
 
 
 _PARAMETERS = """

@@ -11,6 +11,7 @@ from scipy import sparse
 
 from . import _engine
 from ._matrix import stored_in_full
+from ._warn import warn
 
 CRITERIA = {"i1": 1, "i2": 2, "e1": 3, "g1": 4, "g1p": 5, "h1": 6, "h2": 7, "g3": 8, "h3": 9}
 # G3 and H3 do not tell what a merge gains.
@@ -18,6 +19,7 @@ TREE_CRITERIA = {name: number for name, number in CRITERIA.items() if number <= 
 SIMILARITIES = {"cosine": 1, "correlation": 2}
 ROW_MODELS = {"none": 1, "maxtf": 2, "sqrt": 3, "log": 4}
 COL_MODELS = {"none": 1, "idf": 2}
+DEFAULTS = dict(similarity="cosine", row_model="none", col_model="auto", prune=1.0)
 
 
 def code(parameter: str, value: object, codes: dict[str, int]) -> int:
@@ -70,8 +72,23 @@ class Models(NamedTuple):
         models.check_values(X)
         if models.col_model != "auto":
             return models
-        weighted = models.similarity == "cosine" and not stored_in_full(X)
-        return models._replace(col_model="idf" if weighted else "none")
+        if models.similarity != "cosine" or stored_in_full(X):
+            return models._replace(col_model="none")
+        if (X.data != np.floor(X.data)).any():
+            warn(
+                "The values are not whole numbers, so they look weighted already, and IDF weighs "
+                "the columns once more: col_model='none' leaves them as they are, and 'idf' does "
+                "what is done now, without this warning"
+            )
+        return models._replace(col_model="idf")
+
+    @classmethod
+    def chosen(cls, X, given: dict) -> Models:
+        """Return the models of keyword arguments, which may leave some of them out."""
+        unknown = given.keys() - DEFAULTS.keys()
+        if unknown:
+            raise TypeError(f"unexpected keyword argument {min(unknown)!r}")
+        return cls.choose(X, **{**DEFAULTS, **given})
 
     def check_values(self, X) -> None:
         """Refuse values that the row model makes not-a-number."""

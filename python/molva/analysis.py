@@ -16,6 +16,7 @@ import numpy as np
 from . import _engine
 from ._matrix import borrow, check_count, check_labels, check_matrix
 from ._models import Models, criterion_code
+from ._tables import html_table
 from ._threads import threads
 
 
@@ -23,12 +24,7 @@ def view(X, labels, models: dict):
     """Return what the entry points take: matrix, models, number of clusters, labels."""
     X = check_matrix(X)
     part, n_clusters = check_labels(labels, X.shape[0])
-    settings = dict(similarity="cosine", row_model="none", col_model="auto", prune=1.0)
-    unknown = models.keys() - settings.keys()
-    if unknown:
-        raise TypeError(f"unexpected keyword argument {min(unknown)!r}")
-    chosen = Models.choose(X, **{**settings, **models})
-    return borrow(X), chosen.codes(), n_clusters, part
+    return borrow(X), Models.chosen(X, models).codes(), n_clusters, part
 
 
 class ClusterStatistics(NamedTuple):
@@ -71,6 +67,9 @@ def criterion_value(
     """
     with threads(n_jobs):
         return _engine.criterion_value(*view(X, labels, models), criterion_code(criterion))
+
+
+_KINDS = "descriptive", "discriminating"
 
 
 class Feature(NamedTuple):
@@ -120,18 +119,25 @@ class ClusterFeatures:
 
     def __iter__(self) -> Iterator[Feature]:
         for cluster in range(len(self.descriptive)):
-            yield from self.rows(cluster, "descriptive")
-            yield from self.rows(cluster, "discriminating")
+            for kind in _KINDS:
+                yield from self.rows(cluster, kind)
+
+    def _repr_html_(self) -> str:
+        lines = [
+            [str(cluster), *(self._shown(cluster, kind) for kind in _KINDS)]
+            for cluster in range(len(self.descriptive))
+        ]
+        return html_table(("cluster", *_KINDS), lines, left=(1, 2))
+
+    def _shown(self, cluster: int, kind: str) -> str:
+        return ", ".join(f"{row.feature} {row.share:.1%}" for row in self.rows(cluster, kind))
 
     def __str__(self) -> str:
         lines = []
         for cluster in range(len(self.descriptive)):
-            for head, kind in (
-                (f"cluster {cluster:3}, descriptive", "descriptive"),
-                ("discriminating", "discriminating"),
-            ):
-                shown = (f"{row.feature} {row.share:.1%}" for row in self.rows(cluster, kind))
-                lines.append(f"{head:>24}:  " + ", ".join(shown))
+            heads = f"cluster {cluster:3}, {_KINDS[0]}", _KINDS[1]
+            for head, kind in zip(heads, _KINDS):
+                lines.append(f"{head:>24}:  {self._shown(cluster, kind)}")
         return "\n".join(lines)
 
     __repr__ = __str__

@@ -22,8 +22,9 @@ from sklearn.metrics import adjusted_rand_score, normalized_mutual_info_score
 
 from ._estimators import DirectKWay, RepeatedBisection
 from ._matrix import LARGEST_INT, check_count, check_matrix
-from ._models import CRITERIA, Models, code, criterion_code
+from ._models import CRITERIA, DEFAULTS, Models, code, criterion_code
 from ._space import Space
+from ._tables import html_table, html_text, text_table
 from .analysis import criterion_value
 from .quality import external_quality
 
@@ -194,21 +195,25 @@ class Sweep:
         with_classes = self.rows[0].purity is not None
         return [name for name in _HEADS if with_classes or name not in ("purity", "nmi")]
 
-    def __str__(self) -> str:
-        columns = []
-        for name in self._columns():
-            head, form = _HEADS[name]
-            cells = [getattr(row, name) for row in self.rows]
-            texts = [head, *("-" if np.isnan(cell) else form.format(cell) for cell in cells)]
-            width = max(map(len, texts))
-            columns.append([text.rjust(width) for text in texts])
-        table = ["  ".join(line) for line in zip(*columns)]
+    def _table(self) -> tuple[list[str], list[list[str]]]:
+        columns = self._columns()
+        return [_HEADS[name][0] for name in columns], [
+            [_cell(name, getattr(row, name)) for name in columns] for row in self.rows
+        ]
+
+    def _answer(self) -> str:
         answer = "No recommendation."
         if self.recommended is not None:
             answer = f"Recommended: {self.recommended} clusters."
-        return "\n".join([*table, "", answer, *self.reasons])
+        return "\n".join([answer, *self.reasons])
+
+    def __str__(self) -> str:
+        return f"{text_table(*self._table())}\n\n{self._answer()}"
 
     __repr__ = __str__
+
+    def _repr_html_(self) -> str:
+        return html_table(*self._table()) + html_text(self._answer())
 
     def to_csv(self, path=None) -> str | None:
         """Write the table with all its digits to a file, or return it as text without a path."""
@@ -242,6 +247,10 @@ class Sweep:
         if self.recommended is not None:
             axes.axvline(self.recommended, color="0.7", zorder=0)
         return axes
+
+
+def _cell(name: str, value: float) -> str:
+    return "-" if np.isnan(value) else _HEADS[name][1].format(value)
 
 
 def _sign(criterion: str) -> int:
@@ -406,6 +415,9 @@ def sweep(
     chosen_seeds = _check_seeds(seeds)
     classes = _check_classes(classes, X.shape[0])
     _check_settings(estimator, settings)
+    # Settled once: all that is said of the models is said once, too.
+    models = Models.chosen(X, {key: settings[key] for key in DEFAULTS.keys() & settings.keys()})
+    settings.update(models._asdict())
 
     rows, curve = [], []
     for number in numbers:

@@ -22,6 +22,7 @@ from molva._space import Space
 BOTH = [molva.RepeatedBisection, molva.DirectKWay]
 
 
+@pytest.mark.filterwarnings("ignore:The values are not whole numbers")
 @parametrize_with_checks([estimator() for estimator in BOTH])
 def test_scikit_learns_rules(estimator, check):
     check(estimator)
