@@ -25,6 +25,8 @@ Wide SquaredLengthJoined(const RowView& row, const LaneView& composite, Wide squ
   return squared_length;
 }
 
+constexpr int kColumnsAhead = 2;
+
 // The clusters so far.
 class GrowingClusters {
  public:
@@ -44,6 +46,11 @@ class GrowingClusters {
     for (const Wide v : rows_.Entries(row).values) squares += v * v;
     dnorms_[k] = static_cast<float>(squares);
     screen_.Start(k, dnorms_[k]);
+  }
+
+  // The row comes soon.
+  [[gnu::always_inline]] void Prefetch(const RowRecord& row) const {
+    centers_.Prefetch(rows_.Entries(row));
   }
 
   // Puts the row into the cluster that grows most and returns it.
@@ -104,6 +111,7 @@ void InitialClustering(const RowRecords& rows, int nparts, Span<int> part) {
   for (int j = 0; j < rows.count(); ++j) {
     if (j % kPollInterval == 0) Poll();
     rows.Prefetch(perm.data(), j);
+    if (j + kColumnsAhead < rows.count()) clusters.Prefetch(rows[perm[j + kColumnsAhead]]);
     const RowRecord& row = rows[perm[j]];
     int& place = part[perm[j]];
     if (j < nparts) {

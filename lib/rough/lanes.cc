@@ -37,26 +37,28 @@ Lanes::Lanes(int count, int ncols, BlockName name)
     : ncols_(ncols),
       stride_(PaddedCount(count)),
       name_(name),
-      // One column at least: lanes have addresses in a matrix without columns too.
-      values_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * std::max(ncols, 1), 0, name)),
+      block_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * ncols +
+                                static_cast<std::int64_t>(kLine),
+                            0, name)),
+      values_(AlignedFirst(block_, kLine * sizeof(float))),
       dot_(CurrentKernel().dot) {}
 
 void Lanes::Set(const RowView& row, int lane) {
-  float* values = values_.data() + lane;
+  float* values = values_ + lane;
   for (std::size_t p = 0; p < row.size(); ++p) {
     values[static_cast<std::size_t>(row.columns[p]) * stride_] = row.values[p];
   }
 }
 
 void Lanes::Add(const RowView& row, int lane) {
-  float* values = values_.data() + lane;
+  float* values = values_ + lane;
   for (std::size_t p = 0; p < row.size(); ++p) {
     values[static_cast<std::size_t>(row.columns[p]) * stride_] += row.values[p];
   }
 }
 
 void Lanes::Subtract(const RowView& row, int lane) {
-  float* values = values_.data() + lane;
+  float* values = values_ + lane;
   for (std::size_t p = 0; p < row.size(); ++p) {
     values[static_cast<std::size_t>(row.columns[p]) * stride_] -= row.values[p];
   }
@@ -88,7 +90,7 @@ Array<double> Lanes::RoughSquares() const {
   Array<double> squares = AllocDoublesSet(static_cast<std::int64_t>(stride_), 0, name_);
   for (int begin = 0; begin < ncols_; begin += kColumns) {
     const auto count = static_cast<std::size_t>(std::min(kColumns, ncols_ - begin));
-    const float* columns = values_.data() + static_cast<std::size_t>(begin) * stride_;
+    const float* columns = values_ + static_cast<std::size_t>(begin) * stride_;
     switch (stride_) {
       case 1:
         AddSquares<1>(columns, count, stride_, squares.data());
@@ -110,7 +112,7 @@ Array<double> Lanes::RoughSquares() const {
 
 Wide Lanes::SquaredLength(std::size_t lane) const {
   Wide sum = 0;
-  const float* value = values_.data() + lane;
+  const float* value = values_ + lane;
   for (int j = 0; j < ncols_; ++j, value += stride_) sum += static_cast<Wide>(*value) * *value;
   return sum;
 }
@@ -123,7 +125,7 @@ void Lanes::DotsWith(Span<const float> vector, Span<float> dots) const {
   for (std::size_t begin = 0; begin < vector.size(); begin += kColumns) {
     const std::size_t end = std::min(begin + kColumns, vector.size());
     for (std::size_t lane = 0; lane < sums.size(); ++lane) {
-      const LaneView composite{values_.data() + lane, stride_};
+      const LaneView composite{values_ + lane, stride_};
       for (std::size_t j = begin; j < end; ++j) {
         sums[lane] += static_cast<Wide>(composite[j]) * vector[j];
       }

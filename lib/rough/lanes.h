@@ -31,7 +31,7 @@ class Lanes {
   // them carry as well.
   Lanes(int count, int ncols, BlockName name);
 
-  LaneView operator[](int lane) const { return {values_.data() + lane, stride_}; }
+  LaneView operator[](int lane) const { return {values_ + lane, stride_}; }
   // Writes the row's entries; a column stored twice keeps its last value.
   void Set(const RowView& row, int lane);
   void Add(const RowView& row, int lane);
@@ -48,7 +48,7 @@ class Lanes {
   // products[lane] = row . lane, in single precision, for every lane. The sums may be formed in any
   // order: they are rough values whose error is bounded by the number of entries.
   void DotRow(const RowView& row, float* products) const {
-    dot_(row, values_.data(), stride_, products);
+    dot_(row, values_, stride_, products);
   }
   // Fetches the columns of a short row that comes soon; those of a longer one come while it is
   // walked over, and two lanes take next to no room. (Put in place, as g++ leaves out what only
@@ -56,11 +56,11 @@ class Lanes {
   [[gnu::always_inline]] void Prefetch(const RowView& row) const {
     if (row.size() > kShortRow || stride_ <= 2) return;
     for (const int j : row.columns) {
-      const float* column = values_.data() + static_cast<std::size_t>(j) * stride_;
+      const float* column = values_ + static_cast<std::size_t>(j) * stride_;
       for (std::size_t lane = 0; lane < stride_; lane += kLine) __builtin_prefetch(column + lane);
     }
   }
-  const float* Values() const { return values_.data(); }
+  const float* Values() const { return values_; }
 
  private:
   static constexpr std::size_t kShortRow = 16;
@@ -72,7 +72,8 @@ class Lanes {
   int ncols_;
   std::size_t stride_;
   BlockName name_;
-  Array<float> values_;
+  Array<float> block_;
+  float* values_;  // in the block, from the beginning of a cache line on
   DotFunction dot_;
 };
 

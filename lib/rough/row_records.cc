@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <memory>
 #include <utility>
 
 #include "lib/rough/rounding.h"
@@ -71,22 +70,13 @@ double LengthOf(Span<const float> vector) {
   return std::sqrt(square) * (1 + 2 * kUnitSingle) + kVanishing;
 }
 
-// An element more than is needed leaves room to begin at a multiple of its size.
-RowRecord* AlignedFirst(Array<RowRecord>& block) {
-  static_assert(sizeof(RowRecord) == 32);
-  void* first = block.data();
-  std::size_t space = block.size() * sizeof(RowRecord);
-  return static_cast<RowRecord*>(
-      std::align(sizeof(RowRecord), space - sizeof(RowRecord), first, space));
-}
-
 }  // namespace
 
 RowRecords::RowRecords(const PreparedMatrix& mat, BlockName name)
     : mat_(mat),
       name_(name),
       block_(std::int64_t{mat.nrows} + 1, name),
-      first_(AlignedFirst(block_)) {
+      first_(AlignedFirst(block_, sizeof(RowRecord))) {
   RepeatFinder finder(mat.ncols, name);
   std::fill_n(first_, mat.nrows, RowRecord{});
   for (int i = 0; i < mat.nrows; ++i) {
@@ -107,7 +97,7 @@ RowRecords::RowRecords(const RowRecords& measured)
     : mat_(measured.mat_),
       name_(measured.name_),
       block_(static_cast<std::int64_t>(measured.block_.size()), measured.name_),
-      first_(AlignedFirst(block_)),
+      first_(AlignedFirst(block_, sizeof(RowRecord))),
       extremes_(measured.extremes_),
       is_measured_against_whole_(measured.is_measured_against_whole_) {
   std::copy_n(measured.first_, measured.count(), first_);

@@ -23,6 +23,7 @@ struct RowRecord {
   int place = 0;                  // the cluster it stands in
   double settled_until = 0;       // no move of it is worth a look until the clock shows this
 };
+static_assert(sizeof(RowRecord) == 32);
 
 // The most, and the least, over all rows.
 struct RowExtremes {

@@ -189,6 +189,14 @@ Rows<T> RVAllocMatrix(std::int64_t nrows, std::int64_t ncols) {
   return Rows<T>(nrows, ncols, "RVAllocMatrix: matrix", "RVAllocMatrix: matrix[i]");
 }
 
+// The first element that lies at a multiple of the alignment; the block needs as much room to spare.
+template <typename T>
+T* AlignedFirst(Array<T>& block, std::size_t alignment) {
+  void* first = block.data();
+  std::size_t space = block.size() * sizeof(T);
+  return static_cast<T*>(std::align(alignment, space - alignment, first, space));
+}
+
 // Releases big blocks before the end of their scope; the handles are null afterwards.
 template <typename... Handles>
 void FreeAll(Handles&... handles) {
