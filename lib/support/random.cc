@@ -21,12 +21,20 @@ class Drand48 {
   // A double in [0, 1).
   double Draw() {
     state_ = kStep.Of(state_);
-    return static_cast<double>(state_) * 0x1p-48;
+    return UnitOf(state_);
   }
 
-  // The product is formed in double, the generator's own type.
-  std::size_t DrawIndex(std::size_t n) {
-    return static_cast<std::size_t>(Draw() * static_cast<double>(n));
+  // Calls use(u, v) with two draws below n, `count` times. Each of the two goes on in double steps,
+  // so that the next pair does not wait for two multiplications.
+  template <typename Use>
+  void DrawPairs(std::size_t n, std::size_t count, const Use& use) {
+    constexpr Step kDoubleStep = kStep.Twice();
+    RandomState first = kStep.Of(state_);
+    for (std::size_t pair = 0; pair < count; ++pair) {
+      state_ = kDoubleStep.Of(state_);
+      use(IndexOf(first, n), IndexOf(state_, n));
+      first = kDoubleStep.Of(first);
+    }
   }
 
   // So many draws are one step as well: the steps of the powers of two that make them up.
@@ -40,6 +48,16 @@ class Drand48 {
   RandomState state() const { return state_; }
 
  private:
+  // (Signed numbers become doubles, and doubles signed numbers, in one instruction.)
+  static double UnitOf(RandomState state) {
+    return static_cast<double>(static_cast<std::int64_t>(state)) * 0x1p-48;
+  }
+  // The product is formed in double, the generator's own type.
+  static std::size_t IndexOf(RandomState state, std::size_t n) {
+    const double index = UnitOf(state) * static_cast<double>(n);
+    return static_cast<std::size_t>(static_cast<std::int64_t>(index));
+  }
+
   // x becomes factor x + term, in 48 bits.
   struct Step {
     std::uint64_t factor, term;
@@ -71,11 +89,7 @@ double DrawUnit() { return generator.Draw(); }
 void RandomPermute(Span<int> p, Start start) {
   SetStart(p, start);
   Drand48 draws = generator;
-  for (std::size_t round = 0; round < p.size(); ++round) {
-    const std::size_t u = draws.DrawIndex(p.size());
-    const std::size_t v = draws.DrawIndex(p.size());
-    std::swap(p[u], p[v]);
-  }
+  draws.DrawPairs(p.size(), p.size(), [p](std::size_t u, std::size_t v) { std::swap(p[u], p[v]); });
   generator = draws;
 }
 
@@ -88,11 +102,9 @@ RandomState AfterPermutations(RandomState state, int n, std::int64_t count) {
 void FastRandomPermute(Span<int> p, Start start) {
   SetStart(p, start);
   Drand48 draws = generator;
-  for (std::size_t round = 0; round < p.size() / 16; ++round) {
-    const std::size_t u = draws.DrawIndex(p.size() - 8);
-    const std::size_t v = draws.DrawIndex(p.size() - 8);
+  draws.DrawPairs(p.size() - 8, p.size() / 16, [p](std::size_t u, std::size_t v) {
     for (std::size_t k = 0; k < 4; ++k) std::swap(p[u + k], p[v + k]);
-  }
+  });
   generator = draws;
 }
 
