@@ -67,7 +67,7 @@ class KWayClusters {
     screen_.RestartClock();
   }
   bool IsSettled(const RowRecord& row) const { return looks_ && screen_.IsSettled(row); }
-  bool HasHope(RowRecord& row) { return !looks_ || screen_.HasHope(rows_.Entries(row), row); }
+  bool HasHope(RowRecord& row) { return !looks_ || screen_.HasHope(rows_, row); }
   // Whether rows are better looked at together: those that store every column, where there are more
   // composites than need no vectors.
   bool LooksAhead() const {

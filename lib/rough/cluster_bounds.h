@@ -104,11 +104,7 @@ struct ClusterBounds {
   double least_coming = -std::numeric_limits<double>::infinity();
   double most_going = std::numeric_limits<double>::infinity();
 
-  // The most that the row's coming, or going, can gain, from its rough product with the composite.
-  double Coming(const RowFactors& row, float product) const {
-    const double x = 2 * static_cast<double>(product) + row.square + row.entries * error;
-    return row.whole >= least_coming ? gains.coming.At(x, row.whole) : kForEver;
-  }
+  // The most that the row's going can gain, from its rough product with the composite.
   double Going(const RowFactors& row, float product) const {
     const double x = row.square - 2 * static_cast<double>(product) + row.entries * error;
     return row.whole <= most_going ? gains.going.At(x, row.whole) : kForEver;

@@ -37,9 +37,8 @@ Lanes::Lanes(int count, int ncols, BlockName name)
     : ncols_(ncols),
       stride_(PaddedCount(count)),
       name_(name),
-      block_(AllocFloatsSet(static_cast<std::int64_t>(stride_) * ncols +
-                                static_cast<std::int64_t>(kLine),
-                            0, name)),
+      block_(AllocFloatsSet(
+          static_cast<std::int64_t>(stride_) * ncols + static_cast<std::int64_t>(kLine), 0, name)),
       values_(AlignedFirst(block_, kLine * sizeof(float))),
       dot_(CurrentKernel().dot) {}
 

@@ -47,9 +47,7 @@ class Lanes {
 
   // products[lane] = row . lane, in single precision, for every lane. The sums may be formed in any
   // order: they are rough values whose error is bounded by the number of entries.
-  void DotRow(const RowView& row, float* products) const {
-    dot_(row, values_, stride_, products);
-  }
+  void DotRow(const RowView& row, float* products) const { dot_(row, values_, stride_, products); }
   // Fetches the columns of a short row that comes soon; those of a longer one come while it is
   // walked over, and two lanes take next to no room. (Put in place, as g++ leaves out what only
   // fetches.)

@@ -21,6 +21,7 @@ MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, bool are
 
 void MoveScreen::SetBounds(int k, const ClusterBounds& bounds) {
   bounds_[k] = bounds;
+  if (nparts_ == 2) two_bounds_.Set(k, bounds);
   coming_.Set(k, bounds.gains.coming, bounds.error, bounds.least_coming);
 }
 
@@ -47,7 +48,8 @@ bool MoveScreen::Meet(const float* products, RowRecord& row) {
   const double going = bounds_[row.place].Going(factors, products[row.place]);
   const double coming = kernel_.meet(uses_whole_ ? coming_.Lanes() : coming_.LanesWithoutWhole(),
                                      products, factors, row.place, gains_.data());
-  return Conclude(coming, going, row);
+  threshold_ = -slack_ - going;
+  return Conclude(coming + going, row);
 }
 
 }  // namespace molva

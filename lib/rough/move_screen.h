@@ -16,6 +16,7 @@
 #include "lib/rough/cluster_bounds.h"
 #include "lib/rough/lanes.h"
 #include "lib/rough/row_records.h"
+#include "lib/rough/two_bounds.h"
 #include "lib/rough/two_lanes.h"
 #include "lib/rough/vector_kernels.h"
 #include "lib/support/span.h"
@@ -47,8 +48,8 @@ class MoveScreen {
   bool IsSettled(const RowRecord& row) const { return clock_ < row.settled_until; }
 
   // Looks at all moves of a row out of its home. False when all are hopeless, which is remembered.
-  bool HasHope(const RowView& entries, RowRecord& row) {
-    return nparts_ == 2 ? HasHopeAmongTwo(entries, row) : HasHopeAmongMany(entries, row);
+  [[gnu::always_inline]] bool HasHope(const RowRecords& rows, RowRecord& row) {
+    return nparts_ == 2 ? HasHopeAmongTwo(rows, row) : HasHopeAmongMany(rows.Entries(row), row);
   }
 
   // Looks at kFullRows full rows ahead of their turn, all of whose products are formed together.
@@ -62,23 +63,21 @@ class MoveScreen {
   // Far enough from where the clock's steps would be lost.
   static constexpr double kLastHour = 0x1p300;
 
-  bool HasHopeAmongTwo(const RowView& entries, RowRecord& row) {
+  [[gnu::always_inline]] bool HasHopeAmongTwo(const RowRecords& rows, RowRecord& row) {
+    const RowView entries = rows.Entries(row);
     const RowFactors factors = FactorsOf(row);
     const float* const values = entries.values.data();
-    const TwoProducts products =
+    const Pair products =
         are_full_ ? DotTwoFull(values, entries.size(), lanes_.Values())
-                  : DotTwo(entries.columns.data(), values, entries.size(), lanes_.Values());
-    const int home = row.place;
-    const int other = 1 - home;
-    gains_[other] = bounds_[other].Coming(factors, products.of[other]);
-    return Conclude(gains_[other], bounds_[home].Going(factors, products.of[home]), row);
+                  : DotTwo({entries.columns.data(), values, entries.size(), rows.RoomFrom(row)},
+                           lanes_.Values());
+    return Conclude(two_bounds_.MostGain(factors, products, row.place, uses_whole_), row);
   }
   bool HasHopeAmongMany(const RowView& entries, RowRecord& row);
   bool Meet(const float* products, RowRecord& row);
 
-  bool Conclude(double coming, double going, RowRecord& row) {
-    threshold_ = -slack_ - going;
-    const double lacking = -slack_ - (coming + going);
+  bool Conclude(double most, RowRecord& row) {
+    const double lacking = -slack_ - most;
     const bool is_hopeless = lacking > 0;
     // So much that what adding to the clock rounds does not count.
     row.settled_until = is_hopeless ? clock_ + lacking * (1 - kSlack) - clock_ * kSlack : kNever;
@@ -91,12 +90,15 @@ class MoveScreen {
   bool are_full_;
   VectorKernel kernel_;
   Array<float> products_;  // of kFullRows rows
-  Array<double> gains_;    // of coming to each cluster
+  // Of coming to each cluster, where there are more than two; of two, the other is hopeful if any
+  // is.
+  Array<double> gains_;
   BoundArrays coming_;
   Array<ClusterBounds> bounds_;
+  TwoBounds two_bounds_;
   double slack_ = 0;
   double clock_ = 0;
-  double threshold_ = 0;
+  double threshold_ = 0;  // of the gains
 };
 
 }  // namespace molva

@@ -57,6 +57,11 @@ class RowRecords {
     return {{mat_.rowind.data() + row.begin, row.size}, {mat_.rowval.data() + row.begin, row.size}};
   }
 
+  // How many entries are stored from the row's first on, those of the rows behind it as well.
+  std::size_t RoomFrom(const RowRecord& row) const {
+    return static_cast<std::size_t>(mat_.rowptr[mat_.nrows] - row.begin);
+  }
+
   // Rows that are taken in a random order would be waited for, so records and entries of the rows
   // to come are fetched ahead: call with each position of the order. (A function that only fetches
   // has no effect that g++ can see, and is left out unless it is put in place.)

@@ -5,6 +5,7 @@
 // need.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -14,46 +15,58 @@
 
 namespace molva {
 
-struct TwoProducts {
-  float of[2];
+// A number of each of the two.
+using Pair [[gnu::vector_size(2 * sizeof(double))]] = double;
+
+// The entries of one row, and how many may be read from its first on: others' may follow.
+struct ShortWalk {
+  const int* columns;
+  const float* values;
+  std::size_t size;
+  std::size_t room;
 };
 
-// `lanes` holds two numbers a column; sums in single precision, in any order.
-inline TwoProducts DotTwo(const int* columns, const float* values, std::size_t size,
-                          const float* lanes) {
-  TwoProducts products{};
+// `lanes` holds two numbers a column; sums in single precision, in any order. Entries are taken
+// four at a time, and what the last four hold of other rows counts as 0: a loop over the rest would
+// end after another entry with every row, which no processor foresees.
+inline Pair DotTwo(const ShortWalk& row, const float* lanes) {
   std::size_t p = 0;
 #if defined(__SSE2__)
-  const auto pair = [&](std::size_t entry) {
-    const float* column = lanes + 2 * static_cast<std::size_t>(columns[entry]);
-    return _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(column));
-  };
-  __m128 even = _mm_setzero_ps();
-  __m128 odd = _mm_setzero_ps();
-  for (; p + 4 <= size; p += 4) {
-    const __m128 v = _mm_loadu_ps(values + p);
-    even = _mm_add_ps(even, _mm_mul_ps(_mm_unpacklo_ps(v, v), _mm_movelh_ps(pair(p), pair(p + 1))));
-    odd =
-        _mm_add_ps(odd, _mm_mul_ps(_mm_unpackhi_ps(v, v), _mm_movelh_ps(pair(p + 2), pair(p + 3))));
-  }
-  for (; p < size; ++p) {
-    even = _mm_add_ps(even, _mm_mul_ps(_mm_set1_ps(values[p]), pair(p)));
-  }
-  const __m128 sums = _mm_add_ps(even, odd);
-  _mm_storel_pi(reinterpret_cast<__m64*>(products.of), _mm_add_ps(sums, _mm_movehl_ps(sums, sums)));
-#else
-  for (; p < size; ++p) {
-    const float* column = lanes + 2 * static_cast<std::size_t>(columns[p]);
-    products.of[0] += values[p] * column[0];
-    products.of[1] += values[p] * column[1];
+  constexpr std::size_t kFour = 4;
+  static constexpr std::uint32_t kMasks[2 * kFour] = {~0U, ~0U, ~0U, ~0U};
+  if ((row.size + kFour - 1) / kFour * kFour <= row.room) {
+    const auto pair = [&](std::size_t entry) {
+      const float* column = lanes + 2 * static_cast<std::size_t>(row.columns[entry]);
+      return _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(column));
+    };
+    __m128 even = _mm_setzero_ps();
+    __m128 odd = _mm_setzero_ps();
+    for (; p < row.size; p += kFour) {
+      const std::size_t count = std::min(row.size - p, kFour);
+      const __m128i mask =
+          _mm_loadu_si128(reinterpret_cast<const __m128i*>(kMasks + kFour - count));
+      const __m128 v = _mm_and_ps(_mm_loadu_ps(row.values + p), _mm_castsi128_ps(mask));
+      const __m128 first = _mm_movelh_ps(pair(p), pair(p + 1));
+      const __m128 second = _mm_movelh_ps(pair(p + 2), pair(p + 3));
+      even = _mm_add_ps(even, _mm_mul_ps(_mm_unpacklo_ps(v, v), first));
+      odd = _mm_add_ps(odd, _mm_mul_ps(_mm_unpackhi_ps(v, v), second));
+    }
+    const __m128 sums = _mm_add_ps(even, odd);
+    return _mm_cvtps_pd(_mm_add_ps(sums, _mm_movehl_ps(sums, sums)));
   }
 #endif
+  Pair products{};
+  for (; p < row.size; ++p) {
+    const float* column = lanes + 2 * static_cast<std::size_t>(row.columns[p]);
+    const auto v = static_cast<double>(row.values[p]);
+    products += v * Pair{static_cast<double>(column[0]), static_cast<double>(column[1])};
+  }
   return products;
 }
 
 // The same for a row that stores every column, in order: none is looked up.
-inline TwoProducts DotTwoFull(const float* values, std::size_t size, const float* lanes) {
-  TwoProducts products{};
+inline Pair DotTwoFull(const float* values, std::size_t size, const float* lanes) {
+  Pair products{};
   std::size_t p = 0;
 #if defined(__SSE2__)
   __m128 sums[4] = {_mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps(), _mm_setzero_ps()};
@@ -69,11 +82,11 @@ inline TwoProducts DotTwoFull(const float* values, std::size_t size, const float
     add(p + 6, _mm_unpackhi_ps(more, more), sums[3]);
   }
   const __m128 sum = _mm_add_ps(_mm_add_ps(sums[0], sums[1]), _mm_add_ps(sums[2], sums[3]));
-  _mm_storel_pi(reinterpret_cast<__m64*>(products.of), _mm_add_ps(sum, _mm_movehl_ps(sum, sum)));
+  products = _mm_cvtps_pd(_mm_add_ps(sum, _mm_movehl_ps(sum, sum)));
 #endif
   for (; p < size; ++p) {
-    products.of[0] += values[p] * lanes[2 * p];
-    products.of[1] += values[p] * lanes[2 * p + 1];
+    const auto v = static_cast<double>(values[p]);
+    products += v * Pair{static_cast<double>(lanes[2 * p]), static_cast<double>(lanes[2 * p + 1])};
   }
   return products;
 }

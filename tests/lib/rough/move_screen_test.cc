@@ -339,7 +339,7 @@ TEST(MoveScreen, AddsAHundredThousandStepsOfTheClockWithoutLoss) {
   bounds.gains.going = {0, 0, 0, 0};
   for (const int k : {0, 1}) screen.SetBounds(k, bounds);
   screen.RestartClock();
-  ASSERT_FALSE(screen.HasHope(rows.Entries(rows[0]), rows[0]));
+  ASSERT_FALSE(screen.HasHope(rows, rows[0]));
   double without_care = 0;
   for (int step = 0; step < 100000; ++step) {
     screen.RunClock(1e-5);
