@@ -23,10 +23,18 @@ inline RowFactors FactorsOf(const RowRecord& row) {
 
 class BoundArrays {
  public:
-  // For so many lanes, none of which can gain anything yet.
-  BoundArrays(std::size_t lanes, BlockName name)
-      : lanes_(lanes), numbers_(AllocDoublesSet(static_cast<std::int64_t>(lanes) * 6, 0, name)) {
-    std::fill_n(numbers_.data(), lanes, -kForEver);
+  // For so many lanes, none of which can gain anything yet, with or without the three numbers that
+  // go with d.G.
+  BoundArrays(std::size_t lanes, bool uses_whole, BlockName name)
+      : numbers_(AllocDoublesSet(static_cast<std::int64_t>(lanes) * 6, 0, name)) {
+    double* first = numbers_.data();
+    std::fill_n(first, lanes, -kForEver);
+    const auto numbers = [&](std::size_t n) { return first + n * lanes; };
+    lanes_ = {lanes, first, nullptr, numbers(2), nullptr, numbers(4), nullptr};
+    if (!uses_whole) return;
+    lanes_.by_whole = numbers(1);
+    lanes_.by_both = numbers(3);
+    lanes_.least_whole = numbers(5);
   }
 
   void Set(int lane, const GainBound& bound, double error, double least_whole) {
@@ -34,28 +42,15 @@ class BoundArrays {
     for (const double x :
          {bound.base, bound.by_whole, bound.by_length, bound.by_both, error, least_whole}) {
       *number = x;
-      number += lanes_;
+      number += lanes_.count;
     }
   }
 
-  BoundLanes LanesWithoutWhole() const {
-    const double* first = numbers_.data();
-    return {lanes_, first, nullptr, first + 2 * lanes_, nullptr, first + 4 * lanes_, nullptr};
-  }
-  BoundLanes Lanes() const {
-    const double* first = numbers_.data();
-    return {lanes_,
-            first,
-            first + lanes_,
-            first + 2 * lanes_,
-            first + 3 * lanes_,
-            first + 4 * lanes_,
-            first + 5 * lanes_};
-  }
+  const BoundLanes& Lanes() const { return lanes_; }
 
  private:
-  std::size_t lanes_;
   Array<double> numbers_;
+  BoundLanes lanes_;
 };
 
 }  // namespace molva

@@ -22,7 +22,7 @@ GrowthScreen::GrowthScreen(const Lanes& lanes, int nparts, const RowExtremes& ro
       clusters_(nparts, name),
       products_(AllocFloatsSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
       most_(AllocDoublesSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
-      bounds_(lanes.stride(), name) {
+      bounds_(lanes.stride(), false, name) {
   clusters_.Fill({});
 }
 
@@ -75,7 +75,7 @@ int GrowthScreen::Choose(const RowView& entries, const RowRecord& row) {
   const RowFactors factors = FactorsOf(row);
   lanes_.DotRow(entries, products_.data());
   const double most =
-      kernel_.meet(bounds_.LanesWithoutWhole(), products_.data(), factors, kNowhere, most_.data());
+      kernel_.meet(bounds_.Lanes(), products_.data(), factors, kNowhere, most_.data());
   if (!(most < kForEver)) return -1;
   int best = static_cast<int>(std::find(most_.begin(), most_.end(), most) - most_.begin());
   // The first composite stands even where its growth is not a number.

@@ -14,7 +14,7 @@ MoveScreen::MoveScreen(const Lanes& lanes, int nparts, bool uses_whole, bool are
       kernel_(CurrentKernel()),
       products_(AllocFloatsSet(static_cast<std::int64_t>(lanes.stride() * kFullRows), 0, name)),
       gains_(AllocDoublesSet(static_cast<std::int64_t>(lanes.stride()), 0, name)),
-      coming_(lanes.stride(), name),
+      coming_(lanes.stride(), uses_whole, name),
       bounds_(nparts, name) {
   bounds_.Fill({});
 }
@@ -46,8 +46,7 @@ void MoveScreen::LookAhead(const RowRecords& rows, RowRecord* const* records) {
 bool MoveScreen::Meet(const float* products, RowRecord& row) {
   const RowFactors factors = FactorsOf(row);
   const double going = bounds_[row.place].Going(factors, products[row.place]);
-  const double coming = kernel_.meet(uses_whole_ ? coming_.Lanes() : coming_.LanesWithoutWhole(),
-                                     products, factors, row.place, gains_.data());
+  const double coming = kernel_.meet(coming_.Lanes(), products, factors, row.place, gains_.data());
   threshold_ = -slack_ - going;
   return Conclude(coming + going, row);
 }
