@@ -9,6 +9,18 @@
 namespace molva {
 namespace {
 
+// x becomes factor x + term, in 48 bits.
+struct Step {
+  std::uint64_t factor, term;
+  constexpr std::uint64_t Of(std::uint64_t x) const {
+    return (x * factor + term) & ((std::uint64_t{1} << 48) - 1);
+  }
+  // Two as one. What a factor has beyond 48 bits changes none of these.
+  constexpr Step Twice() const { return {factor * factor, Of(term)}; }
+};
+constexpr Step kStep{0x5DEECE66D, 0xB};
+constexpr Step kDoubleStep = kStep.Twice();
+
 // The platform's 48-bit generator, drand48, with a state of our own: a host program's draws neither
 // change ours nor are changed, and every thread draws for itself.
 class Drand48 {
@@ -28,7 +40,6 @@ class Drand48 {
   // so that the next pair does not wait for two multiplications.
   template <typename Use>
   void DrawPairs(std::size_t n, std::size_t count, const Use& use) {
-    constexpr Step kDoubleStep = kStep.Twice();
     RandomState first = kStep.Of(state_);
     for (std::size_t pair = 0; pair < count; ++pair) {
       state_ = kDoubleStep.Of(state_);
@@ -58,14 +69,6 @@ class Drand48 {
     return static_cast<std::size_t>(static_cast<std::int64_t>(index));
   }
 
-  // x becomes factor x + term, in 48 bits.
-  struct Step {
-    std::uint64_t factor, term;
-    constexpr std::uint64_t Of(std::uint64_t x) const { return (x * factor + term) & kMask; }
-    constexpr Step Twice() const { return {factor * factor & kMask, Of(term)}; }
-  };
-  static constexpr std::uint64_t kMask = (std::uint64_t{1} << 48) - 1;
-  static constexpr Step kStep{0x5DEECE66D, 0xB};
   RandomState state_;
 };
 
