@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Prints the completion of mardle's command line for a shell: write_completions bash|zsh. Built and
-// run with the program, so that the completions come from its own table of options.
+// Prints the completion of mardle's command line for a shell, or its options as a list for the
+// completions of other programs: write_completions bash|zsh|list. Built and run with the program,
+// so that the completions come from its own table of options.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -84,6 +85,15 @@ void PrintZsh() {
   std::printf("  ':matrix:_files' ':clusters: '\n");
 }
 
+// A line each: "-crfun= 1 2 3", "-output= FILE", "-direct".
+void PrintList() {
+  for (const Option& option : mardle::OptionTable()) {
+    const std::string values = TakesFile(option) ? "FILE" : ValuesOf(option);
+    std::printf("-%s%s%s%s\n", option.name, TakesValue(option) ? "=" : "",
+                values.empty() ? "" : " ", values.c_str());
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -91,8 +101,10 @@ int main(int argc, char** argv) {
     PrintBash();
   } else if (argc == 2 && std::strcmp(argv[1], "zsh") == 0) {
     PrintZsh();
+  } else if (argc == 2 && std::strcmp(argv[1], "list") == 0) {
+    PrintList();
   } else {
-    std::fprintf(stderr, "usage: write_completions bash|zsh\n");
+    std::fprintf(stderr, "usage: write_completions bash|zsh|list\n");
     return 2;
   }
   return 0;
