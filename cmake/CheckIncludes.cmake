@@ -1,8 +1,8 @@
 # Fails when an include arrow turns back: support <- lib <- programs/io <- programs <- tools, and
 # between the wings of lib. programs/files sees nothing of ours. Among the tools text <- import,
-# text <- run and text <- export, and nothing between the three; cluster sees import and run. Programs
-# and tools see the library through lib/molva.h and lib/support/ only;
-# programs/io also sees run_params.h. The Python extension sees the library and the reader.
+# text <- run and text <- export, and nothing between the three; cluster sees import and run, and
+# sweep run and cluster. Programs and tools see the library through lib/molva.h and lib/support/
+# only; programs/io also sees run_params.h. The Python extension sees the library and the reader.
 #   cmake -DSOURCE_DIR=... -P CheckIncludes.cmake
 
 set(offences "")
@@ -46,6 +46,7 @@ check(tools/text "(lib/support|programs/files|tools/text)/[a-z0-9_]+\\.h")
 check(tools/import "(${seen_by_tools}|tools/(text|import)/[a-z0-9_]+\\.h)")
 check(tools/run "(${seen_by_tools}|tools/(text|run)/[a-z0-9_]+\\.h)")
 check(tools/cluster "(${seen_by_tools}|tools/(text|import|run|cluster)/[a-z0-9_]+\\.h)")
+check(tools/sweep "(${seen_by_tools}|tools/(text|run|cluster|sweep)/[a-z0-9_]+\\.h)")
 check(tools/export "(${seen_by_tools}|tools/(text|export|export/measures|export/page)/[a-z0-9_]+\\.h)")
 check(tools/export/measures "(${seen_by_tools}|tools/export/measures/[a-z0-9_]+\\.h)")
 check(tools/export/page "(${seen_by_tools}|tools/(text|export|export/measures|export/page)/[a-z0-9_]+\\.h)")

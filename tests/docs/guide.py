@@ -68,7 +68,8 @@ class Guide(unittest.TestCase):
         for name in ("scripts", "build", "docs/images", "examples", "python"):
             (self.folder / name).mkdir(parents=True)
         shutil.copy(GUIDE, self.folder / "scripts/guide")
-        for name in ("mardle", "mardle-import", "mardle-run", "mardle-cluster", "mardle-export"):
+        for name in ("mardle", "mardle-import", "mardle-run", "mardle-cluster",
+                     "mardle-sweep", "mardle-export"):
             self.write(f"build/{name}", REPORT)
             os.chmod(self.folder / "build" / name, 0o755)
         self.write("README.md", PAGE)
