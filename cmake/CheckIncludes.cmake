@@ -24,7 +24,7 @@ endfunction()
 # wing(NAME WINGS...): what a wing of lib includes besides itself. All see the codes.
 function(wing name)
   list(JOIN ARGV "|" wings)
-  check(lib/${name} "lib/((${wings})/[a-z0-9_]+|molva_codes)\\.h")
+  check(lib/${name} "lib/((${wings})/[a-z0-9_]+|molva_(blocks|codes))\\.h")
   set(offences "${offences}" PARENT_SCOPE)
 endfunction()
 
@@ -35,8 +35,9 @@ wing(rough support matrix criteria)
 wing(partition support matrix criteria rough)
 wing(tree support matrix criteria rough)
 wing(measure support matrix criteria tree)
+wing(blocks support matrix criteria)
 # The entry points see all wings; molva.h finds its other half beside it.
-check(lib "(lib/([a-z]+/)?[a-z0-9_]+|molva_codes)\\.h")
+check(lib "(lib/([a-z]+/)?[a-z0-9_]+|molva_(blocks|codes))\\.h")
 check(programs/files "programs/files/[a-z0-9_]+\\.h")
 check(programs/io "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/(io|files)/[a-z0-9_]+\\.h|programs/run_params\\.h)")
 set(seen_by_tools "lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/((io|files)/)?[a-z0-9_]+\\.h")
@@ -50,7 +51,7 @@ check(tools/sweep "(${seen_by_tools}|tools/(text|run|cluster|sweep)/[a-z0-9_]+\\
 check(tools/export "(${seen_by_tools}|tools/(text|export|export/measures|export/page)/[a-z0-9_]+\\.h)")
 check(tools/export/measures "(${seen_by_tools}|tools/export/measures/[a-z0-9_]+\\.h)")
 check(tools/export/page "(${seen_by_tools}|tools/(text|export|export/measures|export/page)/[a-z0-9_]+\\.h)")
-check(python "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|programs/io/[a-z0-9_]+\\.h)")
+check(python "(lib/molva\\.h|lib/support/[a-z0-9_]+\\.h|(programs/io|python)/[a-z0-9_]+\\.h)")
 
 if(offences)
   message(FATAL_ERROR "Includes that go the wrong way:\n${offences}")

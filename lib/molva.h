@@ -273,4 +273,6 @@ MOLVA_API void MOLVA_Free(void* array);
 }
 #endif
 
+#include "molva_blocks.h"
+
 #endif /* MOLVA_H_ */

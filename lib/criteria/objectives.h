@@ -13,13 +13,13 @@
 namespace molva {
 
 struct Larger {
-  static bool Better(Wide after, Wide before) { return after > before; }
+  static constexpr bool Better(Wide after, Wide before) { return after > before; }
   static Wide Quality(Wide total, Wide nrows) { return total / nrows; }
 };
 
 // Smaller totals are better; their quality is inverted, so that the best trial has the largest.
 struct Smaller {
-  static bool Better(Wide after, Wide before) { return after < before; }
+  static constexpr bool Better(Wide after, Wide before) { return after < before; }
   static Wide Quality(Wide total, Wide nrows) { return nrows / total; }
 };
 

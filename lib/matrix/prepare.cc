@@ -63,7 +63,18 @@ void BuildFullIndex(PreparedMatrix& mat, const RawMatrix& raw) {
   }
 }
 
-// A column stored twice in a row keeps its last value.
+void CopyDense(PreparedMatrix& mat, const RawMatrix& raw) {
+  BuildFullIndex(mat, raw);
+  std::copy_n(raw.rowval, mat.rowval.size(), mat.rowval.data());
+}
+
+}  // namespace
+
+void CheckEntries(const RawMatrix& raw) {
+  CheckRowStarts(raw);
+  CheckColumns(raw);
+}
+
 void ExpandSparse(PreparedMatrix& mat, const RawMatrix& raw) {
   BuildFullIndex(mat, raw);
   mat.rowval.Fill(0);
@@ -73,33 +84,13 @@ void ExpandSparse(PreparedMatrix& mat, const RawMatrix& raw) {
   }
 }
 
-void CopyDense(PreparedMatrix& mat, const RawMatrix& raw) {
-  BuildFullIndex(mat, raw);
-  std::copy_n(raw.rowval, mat.rowval.size(), mat.rowval.data());
-}
-
-// Drops the rows without entries. The entries themselves stay where they are.
-void DropEmptyRows(PreparedMatrix& mat, Span<int> rperm) {
-  int kept = 0;
-  for (int i = 0; i < mat.nrows; ++i) {
-    const int end = mat.rowptr[i + 1];
-    if (end == mat.rowptr[kept]) continue;
-    rperm[kept] = i;
-    mat.rowptr[++kept] = end;
-  }
-  mat.nrows = kept;
-}
-
-}  // namespace
-
 void SetUpMatrix(const Control& control, PreparedMatrix& mat, const RawMatrix& raw) {
   mat.nrows = raw.nrows;
   mat.ncols = raw.ncols;
   if (raw.dense()) {
     CopyDense(mat, raw);
   } else {
-    CheckRowStarts(raw);
-    CheckColumns(raw);
+    CheckEntries(raw);
     const bool full = raw.rowptr[raw.nrows] == raw.cells();
     if (control.simfun == MOLVA_SIM_COSINE || (control.simfun == MOLVA_SIM_CORRELATION && full)) {
       CopySparse(mat, raw);
@@ -111,6 +102,18 @@ void SetUpMatrix(const Control& control, PreparedMatrix& mat, const RawMatrix& r
   }
   // A sparse file in which every entry happens to be stored counts as dense, on purpose.
   mat.sparse = EntryCount(mat) < raw.cells() ? 1 : 0;
+}
+
+// The entries themselves stay where they are.
+void DropEmptyRows(PreparedMatrix& mat, Span<int> rperm) {
+  int kept = 0;
+  for (int i = 0; i < mat.nrows; ++i) {
+    const int end = mat.rowptr[i + 1];
+    if (end == mat.rowptr[kept]) continue;
+    rperm[kept] = i;
+    mat.rowptr[++kept] = end;
+  }
+  mat.nrows = kept;
 }
 
 void PrepareMatrix(const Control& control, PreparedMatrix& mat, Span<int> rperm, Span<int> cperm) {

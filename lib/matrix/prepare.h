@@ -15,6 +15,16 @@ namespace molva {
 // 0 to ncols-1, and when there are more cells to store than an int can number.
 void SetUpMatrix(const Control& control, PreparedMatrix& mat, const RawMatrix& raw);
 
+// Ends the run on row starts that do not grow from 0 and on a column outside 0 to ncols-1.
+void CheckEntries(const RawMatrix& raw);
+
+// Stores every cell of a sparse matrix of the same shape, row by row; a column stored twice in a
+// row keeps its last value.
+void ExpandSparse(PreparedMatrix& mat, const RawMatrix& raw);
+
+// Drops the rows without entries; rperm[row kept] = its number before.
+void DropEmptyRows(PreparedMatrix& mat, Span<int> rperm);
+
 // Row model, column model, normalisation; then, for a sparse matrix, column pruning, removal of
 // rows without entries, and normalisation once more. rperm[prepared row] = caller's row and
 // cperm[prepared column] = caller's column.

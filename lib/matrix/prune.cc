@@ -42,7 +42,11 @@ void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat
   Array<int> rmvec = AllocIntsSet(mat.ncols, 1, "SimilarityBasedFeatureSelection: rmvec");
   Array<float> center = AllocFloatsSet(mat.ncols, 0, "SimilarityBasedFeatureSelection: center");
   SumColumns(mat, center, rmvec);
+  MarkColumns(control, center, rmvec);
+  EliminateColumns(mat, rmvec, cperm);
+}
 
+void MarkColumns(const Control& control, Span<float> center, Span<int> rmvec) {
   const Array<KeyValue> fcand = RankColumns(center);
   const Wide target = static_cast<Wide>(control.prune) * control.prune;
   Wide reached = 0;
@@ -52,7 +56,6 @@ void SimilarityBasedFeatureSelection(const Control& control, PreparedMatrix& mat
     rmvec[j] = occurs_twice ? 0 : 1;
     if (occurs_twice) reached += static_cast<Wide>(weight) * weight;
   }
-  EliminateColumns(mat, rmvec, cperm);
 }
 
 void EliminateColumns(PreparedMatrix& mat, Span<const int> rmvec, Span<int> cperm) {

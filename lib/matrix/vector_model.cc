@@ -70,16 +70,8 @@ Array<int> ColumnLengths(const PreparedMatrix& mat) {
 void ScaleByIdf(PreparedMatrix& mat) {
   const Array<int> collen = ColumnLengths(mat);
   Array<float> vscale = AllocFloatsSet(mat.ncols, 0, "ComputeScaleFactors: vscale");
-  for (int j = 0; j < mat.ncols; ++j) {
-    // A column of every row gets -0.0, the negated logarithm of 1.
-    if (collen[j] > 0) {
-      vscale[j] = static_cast<float>(-std::log(static_cast<Wide>(collen[j]) / mat.nrows));
-    }
-  }
-  ForEachRow(mat, [&](int i, Span<float> values) {
-    const Span<const int> columns = Row(mat, i).columns;
-    for (std::size_t p = 0; p < values.size(); ++p) values[p] *= vscale[columns[p]];
-  });
+  for (int j = 0; j < mat.ncols; ++j) vscale[j] = IdfWeight(collen[j], mat.nrows);
+  ScaleColumns(mat, vscale);
 }
 
 void ScaleToUnitLength(Span<float> row) {
@@ -130,6 +122,19 @@ void ComputeScaleFactors(const Control& control, PreparedMatrix& mat) {
     default:
       FatalError("Unknown ColModel value of %d\n", control.colmodel);
   }
+}
+
+// A column of every row gets -0.0, the negated logarithm of 1.
+float IdfWeight(std::int64_t stored, std::int64_t nrows) {
+  if (stored <= 0) return 0;
+  return static_cast<float>(-std::log(static_cast<Wide>(stored) / static_cast<Wide>(nrows)));
+}
+
+void ScaleColumns(PreparedMatrix& mat, Span<const float> vscale) {
+  ForEachRow(mat, [&](int i, Span<float> values) {
+    const Span<const int> columns = Row(mat, i).columns;
+    for (std::size_t p = 0; p < values.size(); ++p) values[p] *= vscale[columns[p]];
+  });
 }
 
 void NormalizeRows(const Control& control, PreparedMatrix& mat) {

@@ -4,8 +4,11 @@
 // and stored back as a float.
 #pragma once
 
+#include <cstdint>
+
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
+#include "lib/support/span.h"
 
 namespace molva {
 
@@ -20,6 +23,13 @@ void ApplyRowModel(const Control& control, PreparedMatrix& mat);
 // of entries stored in it, and is fatal on a matrix that is not sparse. Any other code is fatal:
 // "Unknown ColModel value of %d\n".
 void ComputeScaleFactors(const Control& control, PreparedMatrix& mat);
+
+// The factor of a column with `stored` entries in a matrix of nrows rows under IDF; 0 without
+// entries.
+float IdfWeight(std::int64_t stored, std::int64_t nrows);
+
+// Multiplies every entry by the factor of its column.
+void ScaleColumns(PreparedMatrix& mat, Span<const float> vscale);
 
 // Makes every row a unit vector, for the correlation coefficient after its mean (the sum of its
 // entries over ncols) was subtracted from its entries. A zero row stays. Any other code is fatal:

@@ -122,7 +122,8 @@ def main(work):
 
     shared = libdir / "libmolva.so.1"
     names = {line.split()[-1] for line in run("nm", "-D", "--defined-only", shared).splitlines()}
-    declared = set(re.findall(r"\b(MOLVA_\w+)\(", (prefix / "include/molva.h").read_text()))
+    headers = "".join(header.read_text() for header in (prefix / "include").glob("molva*.h"))
+    declared = set(re.findall(r"\bMOLVA_API .*?\b(MOLVA_\w+)\(", headers))
     check(names == declared, f"the shared library shows the {len(declared)} entry points alone")
     if names != declared:
         print(sorted(names ^ declared))

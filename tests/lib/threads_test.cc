@@ -11,11 +11,14 @@
 #include <vector>
 
 #include "lib/molva.h"
+#include "tests/testing/blocks.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 
 namespace {
 
+using testing_support::AddChanges;
+using testing_support::ClusterArrays;
 using testing_support::RandomDocuments;
 using testing_support::SparseMatrix;
 
@@ -111,6 +114,23 @@ Written Trees(const SparseMatrix& m, int crfun) {
   return written;
 }
 
+Written BlockCalls(const SparseMatrix& m, int crfun) {
+  Written written;
+  const std::vector<int> part = InTurn(m, 1);
+  std::vector<int> best(Size(m.nrows));
+  const ClusterArrays clusters(m, part, kClusters);
+  const MOLVA_View view = clusters.view();
+  MOLVA_B_AssignRows(m.nrows, m.rowptr.data(), m.rowind.data(), m.rowval.data(), crfun, &view,
+                     part.data(), best.data());
+  std::vector<std::int64_t> changes(clusters.sums.size());
+  AddChanges(m, kClusters, part, best, changes);
+  written.Add(best);
+  written.Add(changes);
+  written.Add(clusters.dnorms);
+  written.Add(clusters.composites);
+  return written;
+}
+
 class NumThreads : public testing::TestWithParam<int> {
  protected:
   ~NumThreads() override { MOLVA_SetNumThreads(1); }
@@ -144,6 +164,13 @@ TEST_P(NumThreads, ChangesNoTree) {
   }
   const SparseMatrix few = RandomDocuments(6, 120, 100, 5, 10);
   ExpectSame([&] { return Trees(few, MOLVA_CRFUN_H1); });
+}
+
+TEST_P(NumThreads, ChangesNoPassOverABlock) {
+  const SparseMatrix m = RandomDocuments(6, 2500, 700, 5, 40);
+  for (int crfun = MOLVA_CRFUN_I1; crfun <= MOLVA_CRFUN_H3; ++crfun) {
+    ExpectSame([&] { return BlockCalls(m, crfun); });
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Library, NumThreads, testing::Values(2, 3, 8, 16));
