@@ -236,6 +236,28 @@ def cluster_tree(
     return Tree(clusters[leaves], children, similarities[merges], sizes, parents, similarities)
 
 
+def tree_of_sums(
+    sums: np.ndarray, sizes: np.ndarray, crfun: int, ordered: bool, n_jobs: int | None
+) -> Tree:
+    """Build a tree over clusters from the sums of their rows, as `cluster_tree` does from rows.
+
+    Clusters without rows are left out. `sums` are integers of the library's, a row for each cluster.
+    """
+    clusters = np.flatnonzero(sizes)
+    weights = sizes[clusters].astype(np.int32)
+    with threads(n_jobs):
+        products = _engine.multiply_sums(sums[clusters])
+        parents, similarities = _engine.merge_items(weights, products, crfun)
+        table = _child_table(parents)
+        if ordered:
+            table = _engine.order_items(weights, products, parents, table)
+    leaves, children, merges = _compact(parents, table)
+    if not len(leaves):
+        leaves, children = np.arange(len(clusters)), np.empty((0, 2), dtype=np.int64)
+    merged = _sizes(children, weights[leaves])
+    return Tree(clusters[leaves], children, similarities[merges], merged, parents, similarities)
+
+
 def full_tree(
     X,
     labels,
