@@ -65,6 +65,15 @@ class Clusters:
         gain = (self.value - value) / abs(value) if value else self.value - value
         return -gain if self.crfun in _MINIMISED else gain
 
+    def ahead(self, before: tuple[np.ndarray, np.ndarray]) -> Clusters:
+        """Return the clusters as another change like the last one would make them.
+
+        Rows follow the clusters they were in, and clusters their rows, pass after pass in the same
+        direction. Judging rows by where the clusters are going saves every other pass.
+        """
+        sums, sizes = before
+        return Clusters(self.crfun, 2 * self.sums - sums, np.maximum(2 * self.sizes - sizes, 1))
+
     def view(self, scale: float, view_columns: int | None) -> work.View:
         """Return what rows are judged against, as it stands for `scale` times as many rows."""
         composites, whole = _engine.make_view(self.sums, scale)
@@ -184,6 +193,7 @@ class Course:
         self._clusters = clusters
         self._seeds = _by_block(taken, labels)
         self._number, self._share = 0, 0
+        self._before, self._looked_ahead = None, False
         self._scale = found["prepared"] / max(int(clusters.sizes.sum()), 1)
 
     # ---- Passes
@@ -191,34 +201,49 @@ class Course:
     def _ended(self) -> bool:
         if self._number == 0:
             return False
-        if self._number >= self.settings.max_passes or self._share == work.LEVELS:
+        if self._number >= self.settings.max_passes:
             return True
-        if len(self.history) < 2:
+        if self._number == 1:
             return False
+        if self._share == work.LEVELS:
+            # No move gains; the next pass would not look ahead, and this one may have.
+            return not self._looked_ahead
         return self._clusters.gain_over(self.history[-2]) < self.settings.tol
 
-    def _job(self) -> work.Pass:
+    def _job(self, view: work.View) -> work.Pass:
         number = self._number
         return work.Pass(
             number,
             self.space,
-            self._clusters.view(self._scale if number == 0 else 1.0, self.settings.view_columns),
+            view,
             self.settings.crfun,
             self._share,
             tuple(work.row_salt(self.settings.seed, at) for at in (number, number + 1)),
             self._seeds if number == 0 else {},
         )
 
+    def _view(self) -> work.View:
+        columns = self.settings.view_columns
+        if self._number == 0:
+            return self._clusters.view(self._scale, columns)
+        self._looked_ahead = self._before is not None
+        clusters = self._clusters.ahead(self._before) if self._looked_ahead else self._clusters
+        return clusters.view(1.0, columns)
+
     def _pass(self) -> None:
-        found = self._run(work.assign, self._blocks(), self._job())
+        found = self._run(work.assign, self._blocks(), self._job(self._view()))
         _require_room(found["reach"])
         self._folder.take(found)
+        before = self._clusters.sums.copy(), self._clusters.sizes.copy()
         if self._number == 0:
             self._share = 0
             self._clusters.add(*_level(found, 0, self.settings.n_clusters))
             self._clusters.measure()
         else:
             self._share = _make_best_share(self._clusters, found, self.settings.n_clusters)
+        # The first pass is no change of clusters, and one without moves is none at all.
+        is_change = self._number > 0 and self._share < work.LEVELS
+        self._before = before if is_change else None
         self.history.append(self._clusters.value)
         share = 0.5**self._share if self._share < work.LEVELS else 0
         self._say(
@@ -237,13 +262,18 @@ class Course:
         if number == 0:
             space = {name: getattr(self.space, name) for name in ("weights", "kept")}
             self._folder.save("space", **{k: v for k, v in space.items() if v is not None})
+        before = {}
+        if self._before is not None:
+            before = {"sums_before": self._before[0], "sizes_before": self._before[1]}
         self._folder.save(
-            f"sums-{number:03}", sums=self._clusters.sums, sizes=self._clusters.sizes
+            f"sums-{number:03}", sums=self._clusters.sums, sizes=self._clusters.sizes, **before
         )
         self._folder.save_state(
             {
                 "pass": number,
                 "share": self._share,
+                "before": self._before is not None,
+                "looked_ahead": self._looked_ahead,
                 "history": self.history,
                 "rows": self.rows,
                 "columns": self.n_columns,
@@ -263,7 +293,10 @@ class Course:
         arrays = dict(zip(names, self._folder.load("space", *names))) if names else {}
         codes = SIMILARITIES[self.models.similarity], ROW_MODELS[self.models.row_model]
         self.space = work.Space(*codes, arrays.get("weights"), arrays.get("kept"))
-        sums, sizes = self._folder.load(f"sums-{state['pass']:03}", "sums", "sizes")
+        names = ["sums", "sizes", *(["sums_before", "sizes_before"] if state["before"] else [])]
+        sums, sizes, *before = self._folder.load(f"sums-{state['pass']:03}", *names)
+        self._before = tuple(before) or None
+        self._looked_ahead = state["looked_ahead"]
         self._clusters = Clusters(self.settings.crfun, sums, sizes)
         self._number, self._share = state["pass"] + 1, state["share"]
         if self._clusters.value != self.history[-1]:
@@ -283,13 +316,7 @@ class Course:
         keys = internal.astype(np.float64) - external
         order = np.argsort(-np.nan_to_num(keys, nan=-np.inf), kind="stable")
         numbers = np.argsort(order, kind="stable").astype(np.int32)
-        job = self._job()
-        job = work.Measuring(
-            work.Pass(**{**job.__dict__, "view": clusters.view(1.0, None)}),
-            internal,
-            external,
-            numbers,
-        )
+        job = work.Measuring(self._job(clusters.view(1.0, None)), internal, external, numbers)
         found = self._run(work.measure, self._blocks(), job)
         self.finished = found.get("finished")
         squares = work.from_units(found["squares"])

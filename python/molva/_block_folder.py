@@ -66,7 +66,7 @@ class Folder:
         try:
             state = json.loads(self._state_path.read_text())
             kind, settings = state["format"], state["settings"]
-            # What the course reads; a state is written whole, so the rest is there as well.
+            # A state is written whole, so the rest is there as well.
             state["pass"], state["share"], state["history"], state["rows"]
         except (OSError, ValueError, KeyError, TypeError) as error:
             raise ValueError(f"{self._state_path} is damaged: {error!r}") from None

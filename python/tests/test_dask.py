@@ -9,17 +9,19 @@ import time
 from functools import partial
 from pathlib import Path
 
+import dask
+import dask.array
+import dask.dataframe
+import distributed
 import numpy as np
+import pandas
 import pytest
 from conftest import topics
 from scipy import sparse
+from sklearn.feature_extraction.text import HashingVectorizer
 
+import molva.dask
 from molva.blocks import BlockKWay
-
-distributed = pytest.importorskip("distributed")
-dask = pytest.importorskip("dask")
-
-import molva.dask  # noqa: E402: its own imports are those that may be missing
 
 SETTINGS = dict(n_clusters=4, sample_rows=120, n_trials=3)
 ROWS = 300
@@ -72,8 +74,7 @@ def test_files_and_labels_may_lie_in_folders(client, expected, tmp_path):
 
 
 def test_arrays_of_dask_are_cut_into_their_chunks(client, expected):
-    array = pytest.importorskip("dask.array")
-    dense = array.from_array(topics(ROWS, seed=5).toarray(), chunks=(70, 20))
+    dense = dask.array.from_array(topics(ROWS, seed=5).toarray(), chunks=(70, 20))
     rows = dense.rechunk((70, 60)).map_blocks(sparse.csr_matrix, dtype=np.float32)
     assert_same(molva.dask.BlockKWay(**SETTINGS).fit(rows), expected)
     columns = molva.dask.BlockKWay(col_model="none", **SETTINGS).fit(dense)
@@ -82,12 +83,8 @@ def test_arrays_of_dask_are_cut_into_their_chunks(client, expected):
 
 
 def test_a_text_column_is_hashed_into_blocks(client):
-    frame = pytest.importorskip("dask.dataframe")
-    pandas = pytest.importorskip("pandas")
-    from sklearn.feature_extraction.text import HashingVectorizer
-
     texts = ["ships sail the sea", "the sea has ships", "bread and butter", "butter the bread"] * 8
-    column = frame.from_pandas(pandas.Series(texts), npartitions=3)
+    column = dask.dataframe.from_pandas(pandas.Series(texts), npartitions=3)
     words = HashingVectorizer(n_features=256, norm=None, alternate_sign=False)
     model = molva.dask.BlockKWay(2, sample_rows=32, n_trials=3)
     labels = model.fit(molva.dask.text_blocks(column, words)).labels_
@@ -111,18 +108,14 @@ def dying_block(number: int, folder: Path):
 
 def test_a_worker_that_dies_within_a_pass_changes_nothing(client, expected, tmp_path):
     """The fifth making is that of the third pass, after counting, the sample and two passes."""
-    before = {worker["pid"] for worker in _workers(client)}
+    before = set(client.run(os.getpid).values())
     made = [partial(dying_block, number, tmp_path) for number in range(BLOCKS)]
     model = molva.dask.BlockKWay(work_dir=tmp_path / "work", **SETTINGS).fit(made, client=client)
     assert_same(model, expected)
     killed = int((tmp_path / "made").read_text().split()[4])
     assert killed in before
     client.wait_for_workers(2, timeout=60)
-    assert killed not in {worker["pid"] for worker in _workers(client)}
-
-
-def _workers(client) -> list[dict]:
-    return [{"pid": pid} for pid in client.run(os.getpid).values()]
+    assert killed not in client.run(os.getpid).values()
 
 
 def test_errors_of_a_worker_are_those_of_one_process(client):
