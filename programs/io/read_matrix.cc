@@ -54,33 +54,41 @@ float TakeValue(const char*& text) {
   return static_cast<float>(number.value);
 }
 
-[[noreturn]] void RefuseRowCount(int wanted, int found) {
-  FatalError(
-      "ReadMat: Something wrong with the number of rows in the input file. Nrows=%d, ActualNrows=%d\n",
-      wanted, found);
+void RequireValues(int i, int ncols, std::int64_t count) {
+  if (count == ncols) return;
+  FatalError("Input Error: Row %d of the input file has %lld entries instead of %d!\n", i,
+             static_cast<long long>(count), ncols);
+}
+
+// Hands each entry of one line to store(column, value); `count` is how many came before the line.
+template <typename Store>
+void ForEachEntry(const char* line, int i, std::int64_t count, int ncols, Store store) {
+  while (FindField(line)) {
+    const long column = TakeColumn(line);
+    if (column >= ncols) {
+      FatalError("Column number is greater than ncols. Ncols=%d, ColNum=%ld, Row=%d\n", ncols,
+                 column, i);
+    }
+    if (!FindField(line)) {
+      FatalError("Value could not be found for column! Row:%d, NNZ:%lld\n", i,
+                 static_cast<long long>(count));
+    }
+    store(static_cast<int>(column), TakeValue(line));
+    ++count;
+  }
 }
 
 // Stores the entries of one line from position `count` on and returns the count after them.
 // Entries beyond the header's number are counted but not stored.
 std::int64_t ReadSparseRow(const char* line, int i, std::int64_t count, const MatrixHeader& header,
                            Matrix& mat) {
-  while (FindField(line)) {
-    const long column = TakeColumn(line);
-    if (column >= header.ncols) {
-      FatalError("Column number is greater than ncols. Ncols=%d, ColNum=%ld, Row=%d\n",
-                 header.ncols, column, i);
-    }
-    if (!FindField(line)) {
-      FatalError("Value could not be found for column! Row:%d, NNZ:%lld\n", i,
-                 static_cast<long long>(count));
-    }
-    const float value = TakeValue(line);
+  ForEachEntry(line, i, count, header.ncols, [&](int column, float value) {
     if (count < header.nnz) {
-      mat.rowind[count] = static_cast<int>(column);
+      mat.rowind[count] = column;
       mat.rowval[count] = value;
     }
     ++count;
-  }
+  });
   return count;
 }
 
@@ -97,6 +105,19 @@ std::int64_t ReadDenseRow(const char* line, int ncols, float* row) {
 }
 
 }  // namespace
+
+void RefuseRowCount(int wanted, int found) {
+  FatalError(
+      "ReadMat: Something wrong with the number of rows in the input file. Nrows=%d, ActualNrows=%d\n",
+      wanted, found);
+}
+
+void RequireEntries(const MatrixHeader& header, std::int64_t count) {
+  if (count == header.nnz) return;
+  FatalError(
+      "ReadMat: Something wrong with the number of nonzeros in the input file. NNZ=%d, ActualNNZ=%lld\n",
+      header.nnz, static_cast<long long>(count));
+}
 
 void ReadMatrix(const RunParams& params, Matrix& mat) {
   const char* filename = params.filename.get();
@@ -129,6 +150,20 @@ MatrixHeader ReadHeader(LineReader& reader) {
   return header;
 }
 
+void AppendSparseRow(const char* line, int i, std::int64_t count, int ncols,
+                     std::vector<int>& columns, std::vector<float>& values) {
+  ForEachEntry(line, i, count, ncols, [&](int column, float value) {
+    columns.push_back(column);
+    values.push_back(value);
+  });
+}
+
+void AppendDenseRow(const char* line, int i, int ncols, std::vector<float>& values) {
+  const std::size_t begin = values.size();
+  values.resize(begin + static_cast<std::size_t>(ncols));
+  RequireValues(i, ncols, ReadDenseRow(line, ncols, values.data() + begin));
+}
+
 void ReadSparseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat) {
   mat.rowptr = molva::AllocInts(std::int64_t{header.nrows} + 1, "ReadMat: rowptr");
   mat.rowind = molva::AllocInts(header.nnz, "ReadMat: rowind");
@@ -141,11 +176,7 @@ void ReadSparseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat)
     count = ReadSparseRow(line, i, count, header, mat);
     mat.rowptr[i + 1] = static_cast<int>(std::min<std::int64_t>(count, header.nnz));
   }
-  if (count != header.nnz) {
-    FatalError(
-        "ReadMat: Something wrong with the number of nonzeros in the input file. NNZ=%d, ActualNNZ=%lld\n",
-        header.nnz, static_cast<long long>(count));
-  }
+  RequireEntries(header, count);
   if (header.nrows < 0) RefuseRowCount(header.nrows, 0);
 }
 
@@ -157,10 +188,7 @@ void ReadDenseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat) 
     if (line == nullptr) RefuseRowCount(header.nrows, i);
     const std::int64_t count =
         ReadDenseRow(line, header.ncols, mat.rowval.data() + std::int64_t{i} * header.ncols);
-    if (count != header.ncols) {
-      FatalError("Input Error: Row %d of the input file has %lld entries instead of %d!\n", i,
-                 static_cast<long long>(count), header.ncols);
-    }
+    RequireValues(i, header.ncols, count);
   }
   if (header.nrows < 0) RefuseRowCount(header.nrows, 0);
 }

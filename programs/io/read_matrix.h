@@ -3,6 +3,9 @@
 // Reads a matrix file and the label and class files beside it.
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "programs/io/line_reader.h"
 #include "programs/io/matrix.h"
 #include "programs/run_params.h"
@@ -27,5 +30,13 @@ MatrixHeader ReadHeader(LineReader& reader);
 // column above ncols, a missing value, a wrong number of entries, and rows that are missing.
 void ReadSparseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat);
 void ReadDenseRows(LineReader& reader, const MatrixHeader& header, Matrix& mat);
+
+// The same row by row, for matrices that are not to be held as a whole. Row i is a line; `count`
+// entries of the file came before it.
+void AppendSparseRow(const char* line, int i, std::int64_t count, int ncols,
+                     std::vector<int>& columns, std::vector<float>& values);
+void AppendDenseRow(const char* line, int i, int ncols, std::vector<float>& values);
+[[noreturn]] void RefuseRowCount(int wanted, int found);
+void RequireEntries(const MatrixHeader& header, std::int64_t count);
 
 }  // namespace mardle

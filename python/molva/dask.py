@@ -9,6 +9,8 @@ their sources.
 
 from __future__ import annotations
 
+from concurrent.futures import CancelledError
+
 import dask
 from dask import delayed
 from dask.delayed import Delayed
@@ -20,6 +22,8 @@ from ._threads import threads
 
 # So many results become one at a time, on the workers.
 _FAN_IN = 8
+# How often a pass is begun.
+_ATTEMPTS = 4
 
 
 def text_blocks(column, vectoriser) -> list[Delayed]:
@@ -65,7 +69,19 @@ class BlockKWay(_blocks.BlockKWay):
         return [blocks] if isinstance(blocks, Delayed) else super()._sources(blocks)
 
     def _run(self, function, blocks, given) -> dict:
-        # What has no source of its own is on all workers, so that one may die.
+        blocks = list(blocks)
+        if not blocks:
+            return {}
+        for _ in range(_ATTEMPTS - 1):
+            try:
+                return self._run_once(function, blocks, given)
+            except CancelledError:
+                # All workers that knew what is given have died; the sources of blocks are still there.
+                self._say("what was sent to the workers is lost, sending it again")
+        return self._run_once(function, blocks, given)
+
+    def _run_once(self, function, blocks: list, given) -> dict:
+        # On all workers, so that one may die.
         (known,) = self._client.scatter([given], broadcast=True, hash=False)
         results = [
             delayed(_on_worker, pure=False)(
@@ -75,9 +91,9 @@ class BlockKWay(_blocks.BlockKWay):
         ]
         while len(results) > 1:
             starts = range(0, len(results), _FAN_IN)
-            results = [delayed(_merged)(results[first : first + _FAN_IN]) for first in starts]
-        if not results:
-            return {}
+            results = [
+                delayed(_merged, pure=False)(results[first : first + _FAN_IN]) for first in starts
+            ]
         future = self._client.compute(results[0])
         try:
             return future.result()

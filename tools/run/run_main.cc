@@ -11,6 +11,7 @@
 #include "tools/run/child_process.h"
 #include "tools/run/program_path.h"
 #include "tools/run/promised_files.h"
+#include "tools/run/sampled_run.h"
 #include "tools/text/kept_inputs.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
@@ -29,6 +30,11 @@ constexpr char kHelp[] =
     "\n"
     "Runs mardle with the same arguments, checks that the files it promises are there and complete,\n"
     "and ends with an ordinary exit status. 'mardle-run -help' is mardle's own help.\n"
+    "\n"
+    "For a matrix that does not fit into memory, in place of mardle:\n"
+    "  --sample[=ROWS]  Cluster so many rows (300 a cluster, at least 20,000) directly, then place\n"
+    "                   all rows in passes over the file\n"
+    "  --passes=N       At most so many passes (12)\n"
     "\n"
     "Alone on the command line:\n"
     "  --help      Print this help\n"
@@ -105,9 +111,13 @@ int RunAndJudge(const std::string& program, const std::vector<std::string>& argu
   return Judge(ending, kind, params, drawings);
 }
 
-int Work(const std::vector<std::string>& arguments) {
+int Work(std::vector<std::string> arguments) {
   if (const std::optional<std::string> answer = OwnAnswer(arguments)) {
     WriteStandardOutput(*answer);
+    return kSuccess;
+  }
+  if (const std::optional<SampleSettings> settings = TakeSampleOptions(arguments)) {
+    RunSampled(arguments, *settings);
     return kSuccess;
   }
   const std::optional<std::string> program = FindOther();
