@@ -206,6 +206,25 @@ def test_what_cannot_be_clustered_is_refused(rows, given, blocks, message):
         BlockKWay(**{**SETTINGS, **given}).fit([rows] if blocks is None else blocks)
 
 
+@pytest.mark.parametrize(
+    "options, models",
+    [
+        ((), {}),
+        (("-crfun=3", "-rowmodel=4", "-prune=0.8"), dict(criterion="e1", row_model="log", prune=0.8)),
+        (("-crfun=8", "-sim=2", "-colmodel=1"), dict(criterion="g3", similarity="correlation")),
+        (("-crfun=5", "-seed=7"), dict(criterion="g1p", random_state=7)),
+    ],
+)
+def test_the_program_gives_the_same_labels(rows, tmp_path, options, models):
+    molva.write_matrix(tmp_path / "rows.mat", rows)
+    program = os.path.join(os.path.dirname(os.environ["MARDLE"]), "mardle-run")
+    arguments = ["--sample=120", "-ntrials=3", *options, str(tmp_path / "rows.mat"), "4"]
+    subprocess.run([program, *arguments], check=True, capture_output=True)
+    labels = molva.read_clustering(tmp_path / "rows.mat.clustering.4").labels
+    model = BlockKWay(**SETTINGS, **models).fit(cut(rows, 3))
+    assert np.array_equal(labels, model.labels_)
+
+
 # ---- The work folder
 
 
