@@ -35,6 +35,19 @@ def test_texts_draws_its_pictures(tmp_path, capsys):
         assert picture[..., :3].min() < 0.5 < picture[..., :3].max()
 
 
+def test_blocks_gives_the_same_labels_here_and_on_workers():
+    arguments = ["--rows", "2000", "--blocks", "4", "--clusters", "5"]
+    found = []
+    for workers in ([], ["--workers", "2"]):
+        done = subprocess.run(
+            [sys.executable, EXAMPLES / "blocks.py", *arguments, *workers],
+            capture_output=True, text=True, check=False,
+        )  # fmt: skip
+        assert done.returncode == 0, done.stdout + done.stderr
+        found.append([line for line in done.stdout.splitlines() if line.startswith("I2 ")])
+    assert found[0] == found[1] != []
+
+
 @pytest.fixture(scope="module")
 def compare():
     """Return the functions of the comparison."""
