@@ -4,138 +4,29 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <memory>
 #include <numeric>
 
 #include "lib/molva.h"
 #include "lib/support/fatal.h"
+#include "tools/run/block_sums.h"
 
 namespace mardle::tools {
 namespace {
 
-// Of the moves of a pass all may be made, or a half, a quarter, an eighth of them.
-constexpr int kLevels = 4;
 constexpr int kRefinementPasses = 10;
 constexpr double kLeastGain = 1e-4;
-constexpr double kUnits = 4294967296.0;
 
-using Long = std::int64_t;
-
-std::size_t Size(Long count) { return static_cast<std::size_t>(count); }
-
-template <typename T>
-using Handed = std::unique_ptr<T, decltype(&MOLVA_Free)>;
-
-// The prepared rows of a block.
-struct PreparedBlock {
-  int nrows = 0, ncols = 0;
-  Handed<int> rowptr{nullptr, MOLVA_Free}, rowind{nullptr, MOLVA_Free};
-  Handed<float> rowval{nullptr, MOLVA_Free};
-  std::vector<int> rows;  // the block's row of each
-};
-
-PreparedBlock Prepare(const RowBlock& block, const MOLVA_Space& space) {
-  PreparedBlock prepared;
-  prepared.rows.resize(Size(block.nrows));
-  int *rowptr = nullptr, *rowind = nullptr;
-  float* rowval = nullptr;
-  MOLVA_B_Prepare(block.nrows, block.ncols, block.starts(), block.columns(), block.rowval.data(),
-                  &space, &prepared.nrows, &prepared.ncols, &rowptr, &rowind, &rowval,
-                  prepared.rows.data());
-  prepared.rowptr.reset(rowptr);
-  prepared.rowind.reset(rowind);
-  prepared.rowval.reset(rowval);
-  return prepared;
-}
-
-// Clusters by their sums.
-struct Sums {
-  Sums() = default;
-  Sums(int clusters, int columns)
-      : nparts(clusters),
-        ncols(columns),
-        sums(Size(Long{clusters} * columns)),
-        pwgts(Size(clusters)) {}
-
-  void Measure(int crfun) {
-    dnorms.resize(Size(nparts));
-    csim.resize(Size(nparts));
-    MOLVA_B_MeasureSums(nparts, ncols, sums.data(), dnorms.data(), csim.data());
-    value = MOLVA_B_CriterionValue(crfun, nparts, pwgts.data(), dnorms.data(), csim.data());
-  }
-
-  int nparts = 0, ncols = 0;
-  std::vector<Long> sums, pwgts;
-  std::vector<double> dnorms, csim;
-  double value = 0;
-};
-
-bool IsMinimised(int crfun) {
-  return crfun == MOLVA_CRFUN_E1 || crfun == MOLVA_CRFUN_G1 || crfun == MOLVA_CRFUN_G1P ||
-         crfun == MOLVA_CRFUN_H3;
-}
-
-// By which part of it the criterion is better than a value.
-double GainOver(const Sums& clusters, int crfun, double value) {
-  const Long fewest = *std::min_element(clusters.pwgts.begin(), clusters.pwgts.end());
-  if (!std::isfinite(clusters.value) || fewest < 1) return -HUGE_VAL;
-  const double change = clusters.value - value;
-  const double gain = value != 0 ? change / std::fabs(value) : change;
-  return IsMinimised(crfun) ? -gain : gain;
-}
-
-// What rows are judged against.
-class View {
- public:
-  View(const Sums& clusters, double scale)
-      : nparts_(clusters.nparts),
-        composites_(clusters.sums.size()),
-        whole_(Size(clusters.ncols)),
-        dnorms_(clusters.dnorms),
-        csim_(clusters.csim) {
-    MOLVA_B_MakeView(nparts_, clusters.ncols, clusters.sums.data(), scale, composites_.data(),
-                     whole_.data());
-    for (const Long size : clusters.pwgts) {
-      pwgts_.push_back(std::max<Long>(std::llrint(static_cast<double>(size) * scale), 1));
-    }
-    for (double& length : dnorms_) length *= scale * scale;
-    for (double& similarity : csim_) similarity *= scale * scale;
-  }
-
-  MOLVA_View view() const {
-    return {nparts_,
-            static_cast<int>(whole_.size()),
-            composites_.data(),
-            whole_.data(),
-            pwgts_.data(),
-            dnorms_.data(),
-            csim_.data()};
-  }
-
- private:
-  int nparts_;
-  std::vector<float> composites_, whole_;
-  std::vector<Long> pwgts_;
-  std::vector<double> dnorms_, csim_;
-};
-
-// What the moves of a pass change, by their levels.
-struct Changes {
-  Changes(const Sums& clusters)
-      : sums(Size(Long{kLevels} * clusters.nparts * clusters.ncols)),
-        sizes(Size(Long{kLevels} * clusters.nparts)) {}
-
-  std::vector<Long> sums, sizes;
-  Long moves = 0;
-  Long reach = 0;  // a bound on the magnitude of all sums
-};
-
-void AddLevel(const Changes& changes, int level, int sign, Sums& clusters) {
-  const Long* sums = changes.sums.data() + Long{level} * Long(clusters.sums.size());
-  for (Long& sum : clusters.sums) sum += sign * *sums++;
-  const Long* sizes = changes.sizes.data() + Long{level} * clusters.nparts;
-  for (Long& size : clusters.pwgts) size += sign * *sizes++;
-}
+using block_sums::AddLevel;
+using block_sums::AddMoves;
+using block_sums::Changes;
+using block_sums::GainOver;
+using block_sums::kLevels;
+using block_sums::Long;
+using block_sums::Prepare;
+using block_sums::PreparedBlock;
+using block_sums::Size;
+using block_sums::Sums;
+using block_sums::View;
 
 class Course {
  public:
@@ -262,8 +153,9 @@ class Course {
                            0, nparts, labels.data());
     clusters_ = Sums(nparts, sample.ncols);
     const std::vector<int> none(labels.size(), -1);
-    AddMoves(sampled_rows_, sample.ncols, sample.rowptr.data(), sample.rowind.data(),
-             sample.rowval.data(), nparts, none, labels, clusters_.sums);
+    AddMoves({sampled_rows_, sample.ncols, sample.rowptr.data(), sample.rowind.data(),
+              sample.rowval.data()},
+             nparts, none, labels, clusters_.sums);
     before_.assign(Size(blocks_.header().nrows), -1);
     for (std::size_t i = 0; i < labels.size(); ++i) {
       before_[Size(sample.rows[i])] = labels[i];
@@ -274,24 +166,6 @@ class Course {
     const Long placed = std::accumulate(clusters_.pwgts.begin(), clusters_.pwgts.end(), Long{0});
     scale_ =
         static_cast<double>(sample.prepared_rows) / static_cast<double>(std::max<Long>(placed, 1));
-  }
-
-  // Returns what bounds the magnitude of the sums.
-  static Long AddMoves(int nrows, int ncols, const int* rowptr, const int* rowind,
-                       const float* rowval, int nlists, const std::vector<int>& from,
-                       const std::vector<int>& to, std::vector<Long>& sums) {
-    std::vector<Long> starts(Size(nlists) + 1);
-    int* columns = nullptr;
-    Long* changes = nullptr;
-    const Long reach = MOLVA_B_SumChanges(nrows, ncols, rowptr, rowind, rowval, nlists, from.data(),
-                                          to.data(), starts.data(), &columns, &changes);
-    const Handed<int> of_columns(columns, MOLVA_Free);
-    const Handed<Long> of_changes(changes, MOLVA_Free);
-    for (int l = 0; l < nlists; ++l) {
-      Long* list = sums.data() + Long{l} * ncols;
-      for (Long p = starts[Size(l)]; p < starts[Size(l) + 1]; ++p) list[columns[p]] += changes[p];
-    }
-    return reach;
   }
 
   // ---- Passes
@@ -364,8 +238,7 @@ class Course {
       if (from >= 0) from += list;
     }
     const Long reach =
-        AddMoves(rows.nrows, rows.ncols, rows.rowptr.get(), rows.rowind.get(), rows.rowval.get(),
-                 kLevels * params_.nclusters, part, best, changes.sums);
+        AddMoves(rows.rows_of(), kLevels * params_.nclusters, part, best, changes.sums);
     if (__builtin_add_overflow(changes.reach, reach, &changes.reach)) {
       molva::FatalError("A sum of rows passes 64 bits: there are too many rows for one sum!\n");
     }
