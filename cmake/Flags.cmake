@@ -12,6 +12,11 @@ target_compile_options(mardle_warnings INTERFACE
   $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 target_link_options(mardle_warnings INTERFACE -Wl,-z,relro,-z,now)
 
+# Sums of 64-bit significands in integers, as on processors that have no other, to the same bits.
+if(MOLVA_SOFT_WIDE)
+  target_compile_definitions(mardle_warnings INTERFACE MOLVA_SOFT_WIDE)
+endif()
+
 # Division by zero of floating numbers is wanted and is not in the undefined group.
 add_library(mardle_sanitizers INTERFACE)
 if(MARDLE_SANITIZE)

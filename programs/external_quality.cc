@@ -33,9 +33,9 @@ float ComputeEntropy(int nclasses, std::int64_t /*total*/, std::span<const int> 
   for (const int count : dist) {
     if (count <= 0) continue;
     const Wide share = static_cast<Wide>(count) / size;
-    entropy = static_cast<float>(entropy - share * std::log2(share));
+    entropy = static_cast<float>(entropy - share * molva::Log2(share));
   }
-  return static_cast<float>(entropy / std::log2(static_cast<Wide>(nclasses)));
+  return static_cast<float>(entropy / molva::Log2(static_cast<Wide>(nclasses)));
 }
 
 float ComputePurity(int /*nclasses*/, std::int64_t /*total*/, std::span<const int> /*ocldist*/,

@@ -17,7 +17,7 @@ constexpr double kSmallest = 0.00001;
 // The share of the extreme, 0 to 1; an infinite value is the extreme itself.
 Wide ShareOf(float value, float extreme) {
   const Wide share = static_cast<Wide>(value) / extreme;
-  return std::isnan(share) ? 1 : std::clamp<Wide>(share, 0, 1);
+  return molva::IsNan(share) ? 1 : std::clamp<Wide>(share, 0, 1);
 }
 
 int Intensity(Wide share) { return static_cast<int>(kFull * share); }

@@ -40,7 +40,8 @@ Bands MeasureBands(int nclusters, const PlottedMatrix& plotted) {
     if (k >= 0 && k < nclusters) ++bands.sizes[k];
   }
   for (int k = 0; k < nclusters; ++k) {
-    bands.heights[k] = static_cast<float>(std::sqrt(static_cast<molva::Wide>(bands.sizes[k]) + 2));
+    bands.heights[k] =
+        static_cast<float>(molva::Sqrt(static_cast<molva::Wide>(bands.sizes[k]) + 2));
   }
   return bands;
 }

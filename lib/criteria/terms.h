@@ -35,7 +35,7 @@ struct I2Term {
   static constexpr bool kUsesSimilarity = false;
   template <typename Number>
   static Number Of(const BasicMeasure<Number>& c) {
-    return std::sqrt(c.squared_length);
+    return Sqrt(c.squared_length);
   }
 };
 
@@ -44,7 +44,7 @@ struct E1Term {
   static constexpr bool kUsesSimilarity = true;
   template <typename Number>
   static Number Of(const BasicMeasure<Number>& c) {
-    return static_cast<Number>(c.size) * c.similarity / std::sqrt(c.squared_length);
+    return static_cast<Number>(c.size) * c.similarity / Sqrt(c.squared_length);
   }
 };
 

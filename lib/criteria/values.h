@@ -52,7 +52,7 @@ struct RatioOf {
 template <typename SumB, typename SumA>
 struct ProductWithFourthRoot {
   static Wide Of(const ClusterMeasures& clusters) {
-    return SumB::Of(clusters) * std::sqrt(std::sqrt(SumA::Of(clusters)));
+    return SumB::Of(clusters) * Sqrt(Sqrt(SumA::Of(clusters)));
   }
 };
 

@@ -32,28 +32,29 @@ float LargestMagnitude(Span<const float> row) {
 }
 
 void ScaleByMaxTf(Span<float> row) {
+  constexpr Wide kHalf = 0.5;
   const Wide largest = LargestMagnitude(row);
-  for (float& v : row) v = static_cast<float>(0.5L + 0.5L * v / largest);
+  for (float& v : row) v = static_cast<float>(kHalf + kHalf * v / largest);
 }
 
 void ScaleBySqrt(Span<float> row) {
   for (float& v : row) {
     const Wide wide = v;
-    if (v > 0) v = static_cast<float>(1 + std::sqrt(wide));
-    if (v < 0) v = static_cast<float>(1 - std::sqrt(-wide));
+    if (v > 0) v = static_cast<float>(1 + Sqrt(wide));
+    if (v < 0) v = static_cast<float>(1 - Sqrt(-wide));
   }
 }
 
 // The logarithm of a negative entry is taken of the entry itself, so it becomes not-a-number; that
 // is how this model treats negative data.
 void ScaleByLog(Span<float> row) {
-  const Wide ln2 = std::log(static_cast<Wide>(2));
+  const Wide ln2 = Log(static_cast<Wide>(2));
   for (float& v : row) {
     const Wide wide = v;
     if (v > 0) {
-      v = static_cast<float>(1 + std::log(wide) / ln2);
+      v = static_cast<float>(1 + Log(wide) / ln2);
     } else if (v < 0) {
-      v = static_cast<float>(1 - std::log(wide) / ln2);
+      v = static_cast<float>(1 - Log(wide) / ln2);
     }
   }
 }
@@ -77,7 +78,7 @@ void ScaleByIdf(PreparedMatrix& mat) {
 void ScaleToUnitLength(Span<float> row) {
   Wide squares = 0;
   for (const Wide v : row) squares += v * v;
-  if (squares > 0) ScaleFloats(static_cast<float>(1 / std::sqrt(squares)), row);
+  if (squares > 0) ScaleFloats(static_cast<float>(1 / Sqrt(squares)), row);
 }
 
 void SubtractMean(Span<float> row, int ncols) {
@@ -127,7 +128,7 @@ void ComputeScaleFactors(const Control& control, PreparedMatrix& mat) {
 // A column of every row gets -0.0, the negated logarithm of 1.
 float IdfWeight(std::int64_t stored, std::int64_t nrows) {
   if (stored <= 0) return 0;
-  return static_cast<float>(-std::log(static_cast<Wide>(stored) / static_cast<Wide>(nrows)));
+  return static_cast<float>(-Log(static_cast<Wide>(stored) / static_cast<Wide>(nrows)));
 }
 
 void ScaleColumns(PreparedMatrix& mat, Span<const float> vscale) {

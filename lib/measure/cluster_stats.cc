@@ -60,8 +60,8 @@ void AddSquaredDifference(float a, float b, float& sum) {
 void FinishDeviations(const ClusterStats& stats) {
   for (std::size_t k = 0; k < stats.pwgts.size(); ++k) {
     const Wide degrees = stats.pwgts[k] - 1;
-    stats.isdev[k] = Rounded(std::sqrt(stats.isdev[k] / degrees));
-    stats.esdev[k] = Rounded(std::sqrt(stats.esdev[k] / degrees));
+    stats.isdev[k] = Rounded(Sqrt(stats.isdev[k] / degrees));
+    stats.esdev[k] = Rounded(Sqrt(stats.esdev[k] / degrees));
   }
 }
 

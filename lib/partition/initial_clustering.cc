@@ -73,7 +73,7 @@ class GrowingClusters {
     for (int k = 0; k < nparts_; ++k) {
       const Wide squared_length = dnorms_[k];
       const Wide joined = SquaredLengthJoined(row, centers_[k], squared_length);
-      const Wide gain = std::sqrt(joined) - std::sqrt(squared_length);
+      const Wide gain = Sqrt(joined) - Sqrt(squared_length);
       if (k == 0 || gain > best_gain) {
         best = k;
         best_gain = gain;

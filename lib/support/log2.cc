@@ -13,7 +13,7 @@ int Log2Int(int n) { return n < 2 ? 0 : std::bit_width(static_cast<unsigned>(n))
 int IsPowerOf2(int n) { return n > 0 && std::has_single_bit(static_cast<unsigned>(n)) ? 1 : 0; }
 
 float Log2Float(float x) {
-  return static_cast<float>(std::log(static_cast<Wide>(x)) / std::log(static_cast<Wide>(2)));
+  return static_cast<float>(Log(static_cast<Wide>(x)) / Log(static_cast<Wide>(2)));
 }
 
 }  // namespace molva

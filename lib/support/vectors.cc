@@ -73,7 +73,7 @@ void ScaleFloats(float a, Span<float> x) {
 float NormFloats(Span<const float> x) {
   Wide sum = 0;
   for (const Wide element : x) sum += element * element;
-  return static_cast<float>(std::sqrt(sum));
+  return static_cast<float>(Sqrt(sum));
 }
 
 float DotFloats(Span<const float> x, Span<const float> y) {

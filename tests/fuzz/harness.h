@@ -39,12 +39,13 @@ void FuzzImport(Bytes bytes);       // inputs of mardle-import
 void FuzzArrays(Bytes bytes);       // binary inputs of mardle-import
 void FuzzExport(Bytes bytes);       // files for mardle-export
 void FuzzArithmetic(Bytes bytes);   // clusterings under both arithmetics
+void FuzzWide(Bytes bytes);         // operations on two wide numbers
 
 inline constexpr Target kTargets[] = {
     {"matrix", FuzzMatrix},         {"labels", FuzzLabels},   {"command_line", FuzzCommandLine},
     {"numbers", FuzzNumbers},       {"library", FuzzLibrary}, {"program", FuzzProgram},
     {"plots", FuzzPlots},           {"import", FuzzImport},   {"export", FuzzExport},
-    {"arithmetic", FuzzArithmetic}, {"arrays", FuzzArrays},
+    {"arithmetic", FuzzArithmetic}, {"arrays", FuzzArrays},   {"wide", FuzzWide},
 };
 
 // A promise that was not kept.

@@ -185,6 +185,11 @@ def random_inputs() -> dict[str, list[bytes]]:
             for target, count in BYTES.items()}
 
 
+def pairs_of_numbers() -> list[bytes]:
+    dice = random.Random(2)
+    return [dice.randbytes(32) for _ in range(24)]
+
+
 def seeds() -> dict[str, list[bytes]]:
     drawn = random_inputs()
     return {
@@ -198,6 +203,7 @@ def seeds() -> dict[str, list[bytes]]:
         "library": drawn["library"],
         "program": [program(*run) for run in RUNS] + drawn["program"],
         "plots": drawn["plots"],
+        "wide": pairs_of_numbers(),
     }
 
 

@@ -47,14 +47,14 @@ Wide CriterionValue(int code, const PreparedMatrix& mat, std::span<const int> pa
     const Wide squared = Dot(composite, composite);
     const Wide outside = Dot(composite, whole);
     i1 += squared / n;
-    i2 += std::sqrt(squared);
-    e1 += n * outside / std::sqrt(squared);
+    i2 += molva::Sqrt(squared);
+    e1 += n * outside / molva::Sqrt(squared);
     g1 += outside / squared;
     g1_prime += n * n * outside / squared;
     sized_g1 += n * outside / squared;
   }
   const Wide values[] = {
-      i1, i2, e1, g1, g1_prime, i1 / e1, i2 / e1, i2 * std::sqrt(std::sqrt(i1)), sized_g1};
+      i1, i2, e1, g1, g1_prime, i1 / e1, i2 / e1, i2 * molva::Sqrt(molva::Sqrt(i1)), sized_g1};
   return values[code - 1];
 }
 
@@ -86,9 +86,9 @@ Wide OneTerm(int code, Wide n, Wide q, Wide s) {
     case 1:
       return q / n;
     case 2:
-      return std::sqrt(q);
+      return molva::Sqrt(q);
     case 3:
-      return n * s / std::sqrt(q);
+      return n * s / molva::Sqrt(q);
     case 4:
       return s / q;
     case 5:
@@ -103,7 +103,7 @@ int FirstOf(int code) { return code == 7 ? 2 : 1; }
 int SecondOf(int code) { return code == 8 ? 2 : 3; }
 bool HasTwoSums(int code) { return code >= 6 && code <= 8; }
 
-Wide Combined(int code, Wide a, Wide b) { return code == 8 ? std::pow(a, Wide{0.25}) * b : a / b; }
+Wide Combined(int code, Wide a, Wide b) { return code == 8 ? molva::FourthRoot(a) * b : a / b; }
 
 PlainState StateOf(int code, const PreparedMatrix& mat, int nparts, std::span<const int> part) {
   const auto columns = static_cast<std::size_t>(mat.ncols);
@@ -225,7 +225,7 @@ void PlainSeeding(const PreparedMatrix& mat, int nparts, std::span<int> part) {
           const Wide v = row.values[p];
           length += (c + v) * (c + v) - c * c;
         }
-        const Wide gain = std::sqrt(length) - std::sqrt(Wide{dnorms[k]});
+        const Wide gain = molva::Sqrt(length) - molva::Sqrt(Wide{dnorms[k]});
         if (k > 0 && !(gain > best_gain)) continue;
         chosen = k;
         best_gain = gain;

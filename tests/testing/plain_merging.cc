@@ -130,9 +130,9 @@ Wide Term(int crfun, std::int64_t n, Wide s, Wide t) {
     case 1:
       return s / static_cast<Wide>(n);
     case 2:
-      return std::sqrt(s);
+      return molva::Sqrt(s);
     case 3:
-      return static_cast<Wide>(n) * t / std::sqrt(s);
+      return static_cast<Wide>(n) * t / molva::Sqrt(s);
     case 4:
       return t / s;
     default:

@@ -6,11 +6,13 @@
 #include <numeric>
 #include <utility>
 
+#include "lib/support/wide.h"
+
 namespace mardle::tools {
 namespace {
 
 // Sums of many values keep more digits than the values have.
-using Sum = long double;
+using Sum = molva::Wide;
 
 bool IsMissing(double value) { return std::isnan(value); }
 
@@ -34,7 +36,7 @@ double DeviationOf(const std::vector<double>& values, double mean) {
         const Sum distance = Sum{value} - Sum{mean};
         return sum + distance * distance;
       });
-  return static_cast<double>(std::sqrt(squares / static_cast<Sum>(values.size())));
+  return static_cast<double>(molva::Sqrt(squares / static_cast<Sum>(values.size())));
 }
 
 bool IsConstant(const std::vector<double>& values) {

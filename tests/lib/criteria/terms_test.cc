@@ -12,23 +12,23 @@ namespace {
 constexpr ClusterMeasure kCluster{3, 4, 6};
 
 TEST(CriterionTerms, FollowTheirFormulas) {
-  EXPECT_EQ(I1Term::Of(kCluster), 4.0L / 3);
+  EXPECT_EQ(I1Term::Of(kCluster), Wide{4} / 3);
   EXPECT_EQ(I2Term::Of(kCluster), 2);
   EXPECT_EQ(E1Term::Of(kCluster), 9);
-  EXPECT_EQ(G1Term::Of(kCluster), 1.5L);
-  EXPECT_EQ(G1PrimeTerm::Of(kCluster), 13.5L);
-  EXPECT_EQ(SizedG1Term::Of(kCluster), 4.5L);
+  EXPECT_EQ(G1Term::Of(kCluster), 1.5);
+  EXPECT_EQ(G1PrimeTerm::Of(kCluster), 13.5);
+  EXPECT_EQ(SizedG1Term::Of(kCluster), 4.5);
 }
 
 TEST(CriterionTerms, SquareTheSizeIn64Bits) {
-  EXPECT_EQ(G1PrimeTerm::Of(ClusterMeasure{50000, 1, 1}), 2.5e9L);
+  EXPECT_EQ(G1PrimeTerm::Of(ClusterMeasure{50000, 1, 1}), 2.5e9);
 }
 
 TEST(Objectives, AMaximisedSumRefusesATie) {
   SingleSum<I2Term, Larger> objective;
   EXPECT_FALSE(objective.Improve(1, 2, 2, 1));
-  EXPECT_TRUE(objective.Improve(1, 2, 2, 1.5L));
-  EXPECT_EQ(objective.Progress(1), 0.5L);
+  EXPECT_TRUE(objective.Improve(1, 2, 2, 1.5));
+  EXPECT_EQ(objective.Progress(1), 0.5);
 }
 
 TEST(Objectives, AMinimisedSumTakesSmallerValuesAndInvertsItsQuality) {
@@ -42,14 +42,14 @@ TEST(Objectives, AMinimisedSumTakesSmallerValuesAndInvertsItsQuality) {
 
 TEST(Objectives, ASingleSumSeesNoImprovementBelowSinglePrecision) {
   SingleSum<I2Term, Larger> objective;
-  EXPECT_FALSE(objective.Improve(1, 1, 1, 1 + 1e-9L));
+  EXPECT_FALSE(objective.Improve(1, 1, 1, 1 + Wide{1e-9}));
 }
 
 TEST(Objectives, ARatioSeesEveryImprovement) {
   TwoSums<I1Term, E1Term, Ratio> objective;
   objective.AddCluster({2, 4});
   objective.Start();
-  EXPECT_TRUE(objective.Improve({1, 2}, {1, 2}, {1, 2}, {1 + 1e-12L, 2}));
+  EXPECT_TRUE(objective.Improve({1, 2}, {1, 2}, {1, 2}, {1 + Wide{1e-12}, 2}));
   EXPECT_EQ(objective.Quality(100), 0.5F);
 }
 

@@ -18,7 +18,7 @@ TEST(RoundedSum, IsRoundedAfterEveryTerm) {
   EXPECT_EQ(RoundedSum<I1Term>::Of(Clusters()), 1.0F);
 }
 
-TEST(WideSum, IsNotRounded) { EXPECT_EQ(WideSum<I1Term>::Of(Clusters()), 1 + 3 * 0x1p-25L); }
+TEST(WideSum, IsNotRounded) { EXPECT_EQ(WideSum<I1Term>::Of(Clusters()), 1 + 3 * Wide{0x1p-25}); }
 
 }  // namespace
 }  // namespace molva

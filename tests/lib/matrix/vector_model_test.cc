@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "lib/matrix/prepare.h"
+#include "lib/support/wide.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 
@@ -75,8 +76,8 @@ TEST(ColumnModel, IdfMultipliesByTheLogarithmOfTheInverseShareOfRows) {
   // Column 0 is stored in 2 of 4 rows, column 1 in 1 of 4.
   const auto mat = PreparedOf({{3, 0}, {1, 0}, {0, 5}, {0, 0}});
   ComputeScaleFactors({.colmodel = MOLVA_COL_IDF}, *mat);
-  const auto ln2 = static_cast<float>(std::log(2.0L));
-  const auto ln4 = static_cast<float>(std::log(4.0L));
+  const auto ln2 = static_cast<float>(Log(Wide{2}));
+  const auto ln4 = static_cast<float>(Log(Wide{4}));
   EXPECT_EQ(Values(*mat), (std::vector<float>{3 * ln2, ln2, 5 * ln4}));
 }
 
@@ -121,7 +122,7 @@ TEST(Normalisation, CosineMakesUnitRows) {
 TEST(Normalisation, ScalesByTheInverseLengthRoundedToSinglePrecision) {
   const auto mat = PreparedOf({{1, 1, 1}});
   NormalizeRows({.simfun = MOLVA_SIM_COSINE}, *mat);
-  EXPECT_EQ(mat->rowval[0], static_cast<float>(1 / std::sqrt(3.0L)));
+  EXPECT_EQ(mat->rowval[0], static_cast<float>(1 / Sqrt(Wide{3})));
 }
 
 TEST(Normalisation, LeavesAZeroRowAsItIs) {
@@ -133,7 +134,7 @@ TEST(Normalisation, LeavesAZeroRowAsItIs) {
 TEST(Normalisation, CorrelationSubtractsTheMeanOverAllColumnsFirst) {
   const auto mat = OneRow({1, 2, 3});
   NormalizeRows({.simfun = MOLVA_SIM_CORRELATION}, *mat);
-  const auto root_half = static_cast<float>(1 / std::sqrt(2.0L));
+  const auto root_half = static_cast<float>(1 / Sqrt(Wide{2}));
   EXPECT_EQ(Values(*mat), (std::vector<float>{-root_half, 0, root_half}));
 }
 
@@ -141,7 +142,7 @@ TEST(Normalisation, CorrelationDividesTheMeanByTheColumnsNotByTheStoredEntries) 
   // Stored 4 and 8 of four columns: mean 3, so 1 and 5 are scaled to unit length.
   const auto mat = PreparedOf({{4, 8, 0, 0}});
   NormalizeRows({.simfun = MOLVA_SIM_CORRELATION}, *mat);
-  const auto scale = static_cast<float>(1 / std::sqrt(26.0L));
+  const auto scale = static_cast<float>(1 / Sqrt(Wide{26}));
   EXPECT_EQ(Values(*mat), (std::vector<float>{scale, 5 * scale}));
 }
 

@@ -127,8 +127,8 @@ WideVector DiscriminatingWeights(const PreparedMatrix& mat, const Ids& part, int
   for (std::size_t j = 0; j < inside.size(); ++j) outside[j] -= inside[j];
   WideVector weights(inside.size());
   for (std::size_t j = 0; j < inside.size(); ++j) {
-    const Wide d =
-        inside[j] / std::sqrt(Dot(inside, inside)) - outside[j] / std::sqrt(Dot(outside, outside));
+    const Wide d = inside[j] / molva::Sqrt(Dot(inside, inside)) -
+                   outside[j] / molva::Sqrt(Dot(outside, outside));
     weights[j] = d * d;
   }
   const Wide sum = std::accumulate(weights.begin(), weights.end(), Wide{0});

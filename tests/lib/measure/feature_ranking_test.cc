@@ -143,10 +143,10 @@ TEST(ScalingToUnitLength, RoundsTheLengthFirst) {
     }
     Weights scaled = vector;
     ScaleToUnitLength(scaled);
-    const Wide factor = 1 / static_cast<Wide>(static_cast<float>(std::sqrt(squared)));
+    const Wide factor = 1 / static_cast<Wide>(static_cast<float>(molva::Sqrt(squared)));
     for (std::size_t j = 0; j < vector.size(); ++j) {
       EXPECT_EQ(scaled[j], static_cast<float>(vector[j] * factor)) << n << ", " << j;
-      rounding_shows |= scaled[j] != static_cast<float>(vector[j] / std::sqrt(squared));
+      rounding_shows |= scaled[j] != static_cast<float>(vector[j] / molva::Sqrt(squared));
     }
   }
   EXPECT_TRUE(rounding_shows);

@@ -140,7 +140,7 @@ WideVector SquaredShares(WideVector vector) {
 WideVector DifferenceOfUnits(const WideVector& a, const WideVector& b) {
   WideVector difference(a.size());
   for (std::size_t j = 0; j < a.size(); ++j) {
-    difference[j] = a[j] / std::sqrt(Dot(a, a)) - b[j] / std::sqrt(Dot(b, b));
+    difference[j] = a[j] / molva::Sqrt(Dot(a, a)) - b[j] / molva::Sqrt(Dot(b, b));
   }
   return difference;
 }

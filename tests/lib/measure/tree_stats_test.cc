@@ -123,7 +123,7 @@ double AverageProduct(const PreparedMatrix& mat, const Ints& part, const Ints& p
       if (!IsBelow(part[static_cast<std::size_t>(i)], x, ptree)) continue;
       if (!IsBelow(part[static_cast<std::size_t>(r)], y, ptree)) continue;
       sum += Dot(DenseRow(mat, i), DenseRow(mat, r));
-      ++pairs;
+      pairs += 1;
     }
   }
   return static_cast<double>(sum / pairs);

@@ -84,12 +84,12 @@ TEST(InitialClustering, LetsEveryRowJoinTheClusterThatGrowsMost) {
       for (const WideVector& composite : composites) {
         WideVector joined = composite;
         for (std::size_t j = 0; j < row.size(); ++j) joined[j] += row[j];
-        gains.push_back(std::sqrt(Dot(joined, joined)) - std::sqrt(Dot(composite, composite)));
+        gains.push_back(molva::Sqrt(Dot(joined, joined)) - molva::Sqrt(Dot(composite, composite)));
       }
       if (taken < 5) {
         EXPECT_EQ(chosen, static_cast<std::size_t>(taken));
       } else {
-        EXPECT_GE(gains[chosen], *std::max_element(gains.begin(), gains.end()) - 1e-5L);
+        EXPECT_GE(gains[chosen], *std::max_element(gains.begin(), gains.end()) - 1e-5);
       }
       for (std::size_t j = 0; j < row.size(); ++j) composites[chosen][j] += row[j];
       ++taken;

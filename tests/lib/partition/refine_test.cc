@@ -68,7 +68,7 @@ TEST(Refinement, NeverWorsensTheCriterion) {
                        const std::vector<int>& start, const std::vector<int>& part, float) {
     const Wide before = QualityOf(code, CriterionValue(code, mat, start, nparts), mat.nrows);
     const Wide after = QualityOf(code, CriterionValue(code, mat, part, nparts), mat.nrows);
-    EXPECT_GE(after, before * (1 - 1e-6L));
+    EXPECT_GE(after, before * (1 - 1e-6));
   });
 }
 

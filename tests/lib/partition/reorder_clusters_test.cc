@@ -46,7 +46,7 @@ TEST(Renumbering, OrdersByInternalMinusExternalSimilarity) {
     const Wide internal = Dot(composite, composite);
     const Wide external = Dot(composite, CompositeOf(*mat, part, -1)) - internal;
     const Wide key = internal / (n * n) - external / ((mat->nrows - n) * n);
-    EXPECT_LE(key, last + 1e-6L);
+    EXPECT_LE(key, last + 1e-6);
     last = key;
   }
   // Only numbers change: rows together stay together.

@@ -57,7 +57,7 @@ void Comparison::Run(const PreparedMatrix& mat, int nparts) {
     for (std::size_t k = 0; k < squares.size(); ++k) {
       const Wide square = squares[k];
       const Wide growth =
-          std::sqrt(Joined(row, lanes[static_cast<int>(k)], square)) - std::sqrt(square);
+          molva::Sqrt(Joined(row, lanes[static_cast<int>(k)], square)) - molva::Sqrt(square);
       if (k != 0 && !(growth > most)) continue;
       best = k;
       most = growth;

@@ -24,7 +24,7 @@ double LengthOf(const LaneView& composite, int ncols) {
   for (std::size_t j = 0; j < static_cast<std::size_t>(ncols); ++j) {
     square += static_cast<Wide>(composite[j]) * composite[j];
   }
-  return static_cast<double>(std::sqrt(square));
+  return static_cast<double>(molva::Sqrt(square));
 }
 
 // q + sum of v (v + 2 sign c), as refinement carries it along.

@@ -72,8 +72,8 @@ Wide Sum(int term, const std::vector<Item>& items, const WideVector& whole) {
   for (const Item& item : items) {
     const Wide squared = Dot(item.composite, item.composite);
     const Wide outside = Dot(item.composite, whole);
-    const Wide terms[] = {squared / item.size, std::sqrt(squared),
-                          -item.size * outside / std::sqrt(squared), -outside / squared,
+    const Wide terms[] = {squared / item.size, molva::Sqrt(squared),
+                          -item.size * outside / molva::Sqrt(squared), -outside / squared,
                           -item.size * item.size * outside / squared};
     sum += terms[term - 1];
   }
@@ -119,7 +119,7 @@ void ExpectBestMerges(int crfun, const Rows& rows, const Tree& tree) {
     const Wide similarity = Dot(a.composite, b.composite) / (a.size * b.size);
     const std::vector<Item> after = AfterMerge(items, merged[0], merged[1], node);
     const Wide gain = Criterion(crfun, after, whole) - before;
-    const Wide tolerance = 2e-5L * std::max(Wide{1}, std::abs(before));
+    const Wide tolerance = 2e-5 * std::max(Wide{1}, Fabs(before));
     EXPECT_NEAR(tree.gains[static_cast<std::size_t>(node)], static_cast<double>(gain),
                 static_cast<double>(tolerance));
     EXPECT_NEAR(tree.tsims[static_cast<std::size_t>(node)], static_cast<double>(similarity), 1e-5);

@@ -167,7 +167,7 @@ class SlowReordering {
     Wide gain = 0;
     if (left >= 0) gain += Similarity(b, left) - Similarity(a, left);
     if (right >= 0) gain += Similarity(a, right) - Similarity(b, right);
-    return gain > 1e-9L;
+    return gain > 1e-9;
   }
 
   void Join(int x, int y) {
