@@ -7,6 +7,8 @@
 
 #if defined(__x86_64__)
 #include <immintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
 #endif
 
 namespace molva {
@@ -122,6 +124,37 @@ constexpr auto BlocksAvx512(std::index_sequence<n...>) {
   return std::array<BlockFunction, sizeof...(n)>{DotAvx512<n + 1>...};
 }
 
+#elif defined(__aarch64__)
+
+template <std::size_t kEights>
+void DotNeon(const Block& block) {
+  float32x4_t sums[kFullRows][2 * kEights];
+  for (auto& row : sums) {
+    for (auto& sum : row) sum = vdupq_n_f32(0);
+  }
+  for (std::size_t j = 0; j < block.ncols; ++j) {
+    const float* column = block.Column(j);
+#pragma GCC unroll 32
+    for (std::size_t i = 0; i < 2 * kEights; ++i) {
+      const float32x4_t c = vld1q_f32(column + 4 * i);
+#pragma GCC unroll 16
+      for (std::size_t r = 0; r < kFullRows; ++r) {
+        sums[r][i] = vfmaq_n_f32(sums[r][i], c, block.rows[r][j]);
+      }
+    }
+  }
+  for (std::size_t r = 0; r < kFullRows; ++r) {
+    for (std::size_t i = 0; i < 2 * kEights; ++i) {
+      vst1q_f32(block.products[r] + block.first + 4 * i, sums[r][i]);
+    }
+  }
+}
+
+template <std::size_t... n>
+constexpr auto BlocksNeon(std::index_sequence<n...>) {
+  return std::array<BlockFunction, sizeof...(n)>{DotNeon<n + 1>...};
+}
+
 #endif
 
 }  // namespace
@@ -145,6 +178,15 @@ void DotFullRowsAvx2(const float* const* rows, std::size_t ncols, const float* l
 void DotFullRowsAvx512(const float* const* rows, std::size_t ncols, const float* lanes,
                        std::size_t stride, float* const* products) {
   constexpr auto kBlocks = BlocksAvx512(std::make_index_sequence<12>());
+  DotBlocks({rows, ncols, lanes, stride, 0, products}, kBlocks);
+}
+
+#elif defined(__aarch64__)
+
+// 24 of 32.
+void DotFullRowsNeon(const float* const* rows, std::size_t ncols, const float* lanes,
+                     std::size_t stride, float* const* products) {
+  constexpr auto kBlocks = BlocksNeon(std::make_index_sequence<3>());
   DotBlocks({rows, ncols, lanes, stride, 0, products}, kBlocks);
 }
 

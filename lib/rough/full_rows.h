@@ -18,7 +18,7 @@ using DotFullRowsFunction = void (*)(const float* const* rows, std::size_t ncols
                                      const float* lanes, std::size_t stride,
                                      float* const* products);
 
-// With what every processor has, and with two kinds of vector units.
+// With what every processor has, and with each kind of vector unit.
 void DotFullRowsPortable(const float* const* rows, std::size_t ncols, const float* lanes,
                          std::size_t stride, float* const* products);
 #if defined(__x86_64__)
@@ -26,6 +26,9 @@ void DotFullRowsAvx2(const float* const* rows, std::size_t ncols, const float* l
                      std::size_t stride, float* const* products);
 void DotFullRowsAvx512(const float* const* rows, std::size_t ncols, const float* lanes,
                        std::size_t stride, float* const* products);
+#elif defined(__aarch64__)
+void DotFullRowsNeon(const float* const* rows, std::size_t ncols, const float* lanes,
+                     std::size_t stride, float* const* products);
 #endif
 
 }  // namespace molva

@@ -12,6 +12,8 @@
 
 #if defined(__x86_64__)
 #include <immintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
 #endif
 
 namespace molva {
@@ -163,7 +165,7 @@ double MeetPortable(const BoundLanes& bounds, const float* products, const RowFa
   return Meet<2>(bounds, products, row, home, gains);
 }
 
-#if defined(__x86_64__)
+#if defined(__x86_64__) || defined(__aarch64__)
 
 // Columns lie far apart: those of the entries to come are fetched early.
 constexpr std::size_t kAhead = 8;
@@ -175,6 +177,10 @@ constexpr std::size_t kCacheLine = 64;
   const char* column = reinterpret_cast<const char*>(walk.Column(p));
   for (std::size_t b = 0; b < nbytes; b += kCacheLine) __builtin_prefetch(column + b);
 }
+
+#endif
+
+#if defined(__x86_64__)
 
 // kEights times 8 lanes: all sums stay in registers, so each column is read in one go.
 template <std::size_t kEights>
@@ -247,6 +253,35 @@ void DotAvx2(const RowView& row, const float* lanes, std::size_t stride, float* 
   return Meet<4>(bounds, products, row, home, gains);
 }
 
+#elif defined(__aarch64__)
+
+template <std::size_t kEights>
+void DotBlockNeon(const Walk& walk, float* products) {
+  float32x4_t sums[2 * kEights];
+  for (auto& sum : sums) sum = vdupq_n_f32(0);
+  for (std::size_t p = 0; p < walk.row.size(); ++p) {
+    PrefetchColumn(walk, p + kAhead, sizeof(sums));
+    const float32x4_t v = vdupq_n_f32(walk.Value(p));
+    const float* column = walk.Column(p);
+#pragma GCC unroll 32
+    for (std::size_t i = 0; i < 2 * kEights; ++i) {
+      sums[i] = vfmaq_f32(sums[i], v, vld1q_f32(column + 4 * i));
+    }
+  }
+  for (std::size_t i = 0; i < 2 * kEights; ++i) vst1q_f32(products + 4 * i, sums[i]);
+}
+
+template <std::size_t... n>
+constexpr auto BlocksNeon(std::index_sequence<n...>) {
+  return std::array<BlockFunction, sizeof...(n)>{DotBlockNeon<n + 1>...};
+}
+
+// 24 of 32 registers for sums.
+void DotNeon(const RowView& row, const float* lanes, std::size_t stride, float* products) {
+  constexpr auto kBlocks = BlocksNeon(std::make_index_sequence<12>());
+  DotBlocks({row, lanes, stride}, kBlocks, products);
+}
+
 #endif
 
 struct KernelList {
@@ -265,6 +300,9 @@ struct KernelList {
         kernels[count++] = {"avx2", DotAvx2, MeetAvx2, DotFullRowsAvx2};
       }
     }
+#elif defined(__aarch64__)
+    // Every processor of this kind has the unit, for which the compiler makes the plain loops, too.
+    kernels[count++] = {"neon", DotNeon, MeetPortable, DotFullRowsNeon};
 #endif
     kernels[count++] = {"default", DotPortable, MeetPortable, DotFullRowsPortable};
   }
