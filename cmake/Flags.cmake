@@ -8,7 +8,8 @@ target_compile_options(mardle_warnings INTERFACE
 # In C++, clang counts a change of sign among the conversions and g++ does not.
 target_compile_options(mardle_warnings INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
 target_compile_options(mardle_warnings INTERFACE
-  -fstack-protector-strong -fstack-clash-protection -fcf-protection
+  -fstack-protector-strong -fstack-clash-protection
+  $<IF:$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},aarch64>,-mbranch-protection=standard,-fcf-protection>
   $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 target_link_options(mardle_warnings INTERFACE -Wl,-z,relro,-z,now)
 
