@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "lib/matrix/composites.h"
+#include "lib/support/narrowing.h"
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
 #include "lib/support/team.h"
@@ -19,15 +20,21 @@ constexpr int kRowsAtATime = 1000;
 constexpr int kRowsOfAPiece = 4;
 constexpr int kProductsOfAPiece = 8;
 
+// Adds wide, rounded at once; the product is exact in double.
+void AddProduct(float a, float b, float& sum) {
+  const double rough = static_cast<double>(sum) + static_cast<double>(a) * static_cast<double>(b);
+  sum = NarrowsAlike(rough) ? static_cast<float>(rough)
+                            : static_cast<float>(sum + static_cast<Wide>(a) * b);
+}
+
 // Adds the products of row i with every row that shares a column with it.
 void AddRowProducts(const PreparedMatrix& mat, int i, float* products) {
   const RowView row = Row(mat, i);
   for (std::size_t p = 0; p < row.size(); ++p) {
     const int column = row.columns[p];
-    const Wide v = row.values[p];
+    const float v = row.values[p];
     for (int q = mat.colptr[column]; q < mat.colptr[column + 1]; ++q) {
-      float& product = products[mat.colind[q]];
-      product = static_cast<float>(product + v * mat.colval[q]);
+      AddProduct(v, mat.colval[q], products[mat.colind[q]]);
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "lib/support/fatal.h"
+#include "lib/support/narrowing.h"
 #include "lib/support/team.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -76,6 +77,8 @@ void ScaleByIdf(PreparedMatrix& mat) {
 }
 
 void ScaleToUnitLength(Span<float> row) {
+  const Narrowed rough = NarrowedInverseRoot(RoughSquares(row));
+  if (rough.is_certain) return ScaleFloats(rough.value, row);
   Wide squares = 0;
   for (const Wide v : row) squares += v * v;
   if (squares > 0) ScaleFloats(static_cast<float>(1 / Sqrt(squares)), row);

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "lib/matrix/composites.h"
+#include "lib/support/narrowing.h"
 #include "lib/support/team.h"
 #include "lib/support/vectors.h"
 #include "lib/support/wide.h"
@@ -37,9 +38,34 @@ struct RowAverages {
   float internal, external;
 };
 
+struct RoughAverages {
+  RoughSum internal, external;
+};
+
+// The same sums in double.
+RoughAverages MeasureRoughly(const RowView& row, Span<const float> composite,
+                             Span<const float> whole) {
+  const auto terms = static_cast<double>(row.size());
+  RoughAverages sums{{0, 0, terms}, {0, 0, terms}};
+  for (std::size_t p = 0; p < row.size(); ++p) {
+    const auto v = static_cast<double>(row.values[p]);
+    const auto own = static_cast<double>(composite[row.columns[p]]);
+    const auto all = static_cast<double>(whole[row.columns[p]]);
+    sums.internal.Add(v * own);
+    sums.external.Add((all - own) * v);
+  }
+  return sums;
+}
+
 // The average similarity of a row to its own cluster, itself included, and to all other rows.
 RowAverages MeasureRow(const RowView& row, Span<const float> composite, Span<const float> whole,
                        int size, int nrows) {
+  const RoughAverages rough = MeasureRoughly(row, composite, whole);
+  const Narrowed rough_internal = NarrowedQuotient(rough.internal, size);
+  const Narrowed rough_external = NarrowedQuotient(rough.external, nrows - size);
+  if (rough_internal.is_certain && rough_external.is_certain) {
+    return {rough_internal.value, rough_external.value};
+  }
   Wide internal = 0;
   Wide external = 0;
   for (std::size_t p = 0; p < row.size(); ++p) {

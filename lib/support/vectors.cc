@@ -58,7 +58,29 @@ int ArgMinDouble(Span<const double> x) { return ArgBest(x, std::less<>()); }
 int SumInts(Span<const int> x) { return IntegerSum(x); }
 int SumBytes(Span<const signed char> x) { return IntegerSum(x); }
 
+// Several sums side by side, since one alone would wait for each addition.
+RoughSum RoughDot(Span<const float> x, Span<const float> y) {
+  constexpr std::size_t kChains = 4;
+  RoughSum chains[kChains];
+  const std::size_t whole = x.size() - x.size() % kChains;
+  const auto add = [&](std::size_t i, RoughSum& sum) {
+    sum.Add(static_cast<double>(x[i]) * static_cast<double>(y[i]));
+  };
+  for (std::size_t i = 0; i < whole; i += kChains) {
+    for (std::size_t c = 0; c < kChains; ++c) add(i + c, chains[c]);
+  }
+  for (std::size_t i = whole; i < x.size(); ++i) add(i, chains[0]);
+  return {
+      (chains[0].sum + chains[1].sum) + (chains[2].sum + chains[3].sum),
+      (chains[0].magnitudes + chains[1].magnitudes) + (chains[2].magnitudes + chains[3].magnitudes),
+      static_cast<double>(x.size())};
+}
+
 float SumFloats(int n, const float* x, std::ptrdiff_t stride) {
+  RoughSum rough{0, 0, static_cast<double>(n)};
+  for (int i = 0; i < n; ++i) rough.Add(static_cast<double>(x[i * stride]));
+  const Narrowed narrowed = NarrowedSum(rough);
+  if (narrowed.is_certain) return narrowed.value;
   return static_cast<float>(StridedSum(n, x, stride));
 }
 
@@ -71,12 +93,16 @@ void ScaleFloats(float a, Span<float> x) {
 }
 
 float NormFloats(Span<const float> x) {
+  const Narrowed rough = NarrowedRoot(RoughSquares(x));
+  if (rough.is_certain) return rough.value;
   Wide sum = 0;
   for (const Wide element : x) sum += element * element;
   return static_cast<float>(Sqrt(sum));
 }
 
 float DotFloats(Span<const float> x, Span<const float> y) {
+  const Narrowed rough = NarrowedSum(RoughDot(x, y));
+  if (rough.is_certain) return rough.value;
   Wide sum = 0;
   for (std::size_t i = 0; i < x.size(); ++i) sum += static_cast<Wide>(x[i]) * y[i];
   return static_cast<float>(sum);

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 
+#include "lib/support/narrowing.h"
 #include "lib/support/span.h"
 
 namespace molva {
@@ -29,6 +30,10 @@ int SumBytes(Span<const signed char> x);
 // The sum of n elements taken at positions 0, stride, 2 stride, ...
 float SumFloats(int n, const float* x, std::ptrdiff_t stride);
 double SumDoubles(int n, const double* x, std::ptrdiff_t stride);
+
+// In double, for what single precision can be told of wide sums.
+RoughSum RoughDot(Span<const float> x, Span<const float> y);
+inline RoughSum RoughSquares(Span<const float> x) { return RoughDot(x, x); }
 
 // x = a x
 void ScaleFloats(float a, Span<float> x);

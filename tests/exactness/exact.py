@@ -82,6 +82,8 @@ def read_constants(path):
             raise ValueError(f"{path}: {name} = {value} cannot be read")
         number = eval(value, {"__builtins__": {}}, dict(constants))  # pylint: disable=eval-used
         constants[name] = int(number) if kind == "int" else float(number)
+    if "RoundedUpSum" not in text:
+        return constants
     growth = re.search(r"RoundedUpSum\(.*?\{ return \(sum \+ term\) \* \(1 \+ (.+?)\); \}", text)
     factor = growth[1].replace("kUnitDouble", repr(constants["kUnitDouble"]))
     constants["RoundedUpSum"] = float(eval(factor, {"__builtins__": {}}))  # pylint: disable=eval-used

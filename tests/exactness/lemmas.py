@@ -4,7 +4,7 @@
 
 Each takes random and worst-case inputs, does what the program does in single, double and the full
 arithmetic, and compares with fractions. The constants are those of lib/rough/rounding.h, or of the
-header named. Prints per claim the largest share of its bound that an error took, and ends with
+header named, and of narrowing.h in the support beside it. Prints per claim the largest share of its bound that an error took, and ends with
 status 1 where one took more than all of it.
 """
 import math
@@ -594,12 +594,65 @@ def merges_hold(k, claims, r):
         claims.compare("11 the gain of a merge", error + full, bound)
 
 
+# Lemma 12 -----------------------------------------------------------------------------------------
+
+
+def wide_sums_hold(k, claims, r):
+    def compare(terms, exact_terms):
+        chains, magnitudes, full = [0.0] * 4, [0.0] * 4, Fraction(0)
+        for p, (term, exact) in enumerate(zip(terms, exact_terms)):
+            chains[p % 4] += term
+            magnitudes[p % 4] += abs(term)
+            full = wide(full + exact)
+        rough = (chains[0] + chains[1]) + (chains[2] + chains[3])
+        error = (len(terms) + k["kExtraTerms"]) * k["kRoundingPerTerm"] * sum(magnitudes)
+        claims.compare("12 sums that are narrowed", abs(Fraction(rough) - full), Fraction(error))
+
+    for _ in range(80):
+        n = r.choice((1, 3, 30, 300))
+        v, own, whole = (draw_row(r, n, r.choice(kKinds)) for _ in range(3))
+        compare([x * y for x, y in zip(v, own)],
+                [Fraction(x) * Fraction(y) for x, y in zip(v, own)])
+        compare([(g - c) * x for x, c, g in zip(v, own, whole)],
+                [wide(wide(Fraction(g) - Fraction(c)) * Fraction(x))
+                 for x, c, g in zip(v, own, whole)])
+    lost = 2.0**-53 * (1 - 2.0**-20)
+    terms = [term for _ in range(1000) for term in (lost, 0.0, 0.0, 0.0)]
+    compare([1.0, 0.0, 0.0, 0.0] + terms, [Fraction(x) for x in [1.0, 0.0, 0.0, 0.0] + terms])
+
+
+# Lemma 13 -----------------------------------------------------------------------------------------
+
+
+def narrowed_alike(rough):
+    """What NarrowsAlike says of a normal number: its last 29 bits are not those of a middle."""
+    units = int(abs(rough) / math.ulp(rough))
+    return units % 2**29 != 2**28
+
+
+def single_sums_hold(_, claims, r):
+    for trial in range(20000):
+        s = draw_single(r, 1)
+        a, b = draw_single(r, r.choice((1, 30))), draw_single(r, 1)
+        if trial % 2:  # half the last place of the sum, exactly or next to it
+            a = 2.0 ** (math.frexp(s)[1] - 25)
+            b = r.choice((1.0, -1.0, 1 + 2.0**-23, single(1 - 2.0**-24), 1 + 2.0**-10))
+        rough = s + a * b
+        if rough == 0 or not narrowed_alike(rough):
+            continue
+        full = single_of_wide(wide(Fraction(s) + Fraction(a) * Fraction(b)))
+        claims.compare("13 sums in double and wide come to the same", abs(single(rough) - full), 0)
+
+
 def main():
-    k = read_constants(sys.argv[1] if len(sys.argv) > 1 else kHeader)
+    header = sys.argv[1] if len(sys.argv) > 1 else kHeader
+    k = read_constants(header)
+    k |= read_constants(os.path.join(os.path.dirname(header), "../support/narrowing.h"))
     claims = Claims()
     for seed, lemma in enumerate((products_hold, full_squares_hold, lengths_hold, tangents_hold,
                                   whole_products_hold, combinations_hold, clock_holds, growth_holds,
-                                  double_squares_hold, sums_of_squares_hold, merges_hold)):
+                                  double_squares_hold, sums_of_squares_hold, merges_hold,
+                                  wide_sums_hold, single_sums_hold)):
         lemma(k, claims, random.Random(seed))
     return claims.report()
 
