@@ -48,7 +48,7 @@ void ScaleByIdf(PreparedRows& rows, std::size_t ncols) {
   ForEachEntry(rows, [&](std::size_t j, float&) { ++entries[j]; });
   const auto nrows = static_cast<Wide>(rows.columns.size());
   ForEachEntry(rows, [&](std::size_t j, float& value) {
-    value *= static_cast<float>(-std::log(static_cast<Wide>(entries[j]) / nrows));
+    value *= static_cast<float>(-molva::Log(static_cast<Wide>(entries[j]) / nrows));
   });
 }
 
@@ -57,7 +57,7 @@ void MakeUnitRows(PreparedRows& rows) {
     Wide squares = 0;
     for (const Wide v : row) squares += v * v;
     if (!(squares > 0)) continue;
-    for (float& v : row) v *= static_cast<float>(1 / std::sqrt(squares));
+    for (float& v : row) v *= static_cast<float>(1 / molva::Sqrt(squares));
   }
 }
 
@@ -67,7 +67,7 @@ std::vector<molva::KeyValue> RankedColumns(const PreparedRows& rows, std::size_t
   ForEachEntry(rows, [&](std::size_t j, float value) { sum[j] += value; });
   Wide squares = 0;
   for (const Wide weight : sum) squares += weight * weight;
-  const auto length = static_cast<float>(std::sqrt(squares));
+  const auto length = static_cast<float>(molva::Sqrt(squares));
   std::vector<molva::KeyValue> ranked;
   for (const float weight : sum) {
     ranked.push_back({weight / length, static_cast<int>(ranked.size())});

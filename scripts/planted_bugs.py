@@ -57,18 +57,20 @@ BUGS = [
         "++k) sum = static_cast<float>(sum + Term::Of(clusters[k]));\n    return sum;",
         "RoundedSum|WideSum|SolutionQuality", LIBRARY),
     Bug("the average of a row is summed in single precision", "lib/measure/cluster_stats.cc",
-        "    internal += v * composite[j];",
-        "    internal = static_cast<float>(internal + v * composite[j]);",
+        "    sums.internal.Add(v * own);",
+        "    sums.internal.sum = static_cast<float>(sums.internal.sum + v * own);",
         "ClusterStats", LIBRARY),
     Bug("deviations are divided by n", "lib/measure/cluster_stats.cc",
         "stats.pwgts[k] - 1;", "stats.pwgts[k];", "ClusterStats", LIBRARY),
     Bug("the ratio in E1 is formed first", "lib/criteria/terms.h",
-        "static_cast<Number>(c.size) * c.similarity / std::sqrt(c.squared_length)",
-        "static_cast<Number>(c.size) * (c.similarity / std::sqrt(c.squared_length))",
+        "static_cast<Number>(c.size) * c.similarity / Sqrt(c.squared_length)",
+        "static_cast<Number>(c.size) * (c.similarity / Sqrt(c.squared_length))",
         "Terms|Refine|SolutionQuality|BothArithmetics", (*LIBRARY, "mardle_arithmetic_test")),
     Bug("the scale of a row is not rounded", "lib/matrix/vector_model.cc",
-        "if (squares > 0) ScaleFloats(static_cast<float>(1 / std::sqrt(squares)), row);",
-        "if (squares > 0) for (float& v : row) v = static_cast<float>(v * (1 / std::sqrt(squares)));",
+        "if (rough.is_certain) return ScaleFloats(rough.value, row);",
+        "const double scale = 1 / std::sqrt(RoughSquares(row).sum);\n"
+        "  if (rough.is_certain) {\n    for (float& v : row) v = static_cast<float>(v * scale);\n"
+        "    return;\n  }",
         "Model|Prepare|Normal", LIBRARY),
     Bug("a product of counts is formed as an int", "lib/matrix/composites.h",
         "return static_cast<std::int64_t>(a) * b;",
@@ -77,10 +79,10 @@ BUGS = [
     Bug("entropy is rounded at its end only", "programs/external_quality.cc",
         "  float entropy = 0;\n  for (const int count : dist) {\n    if (count <= 0) continue;\n"
         "    const Wide share = static_cast<Wide>(count) / size;\n"
-        "    entropy = static_cast<float>(entropy - share * std::log2(share));",
+        "    entropy = static_cast<float>(entropy - share * molva::Log2(share));",
         "  Wide entropy = 0;\n  for (const int count : dist) {\n    if (count <= 0) continue;\n"
         "    const Wide share = static_cast<Wide>(count) / size;\n"
-        "    entropy = entropy - share * std::log2(share);", "Entropy|Quality", REPORTS),
+        "    entropy = entropy - share * molva::Log2(share);", "Entropy|Quality", REPORTS),
     Bug("sums of classes are weighted by shares", "programs/external_quality.cc",
         "static_cast<Wide>(sizes[c]) * values[c] / static_cast<Wide>(total)",
         "static_cast<Wide>(sizes[c]) / static_cast<Wide>(total) * values[c]", "Weighted|Quality",
@@ -160,7 +162,7 @@ BUGS = [
     Bug("a third argument is passed over", "programs/options.cc", "argc - optind == 2;",
         "argc - optind >= 2;", "Options", REPORTS),
     Bug("not-a-number has the sign that it was given", "lib/support/printed.cc",
-        "if (!std::isnan(value)) return", "if (!std::isnan(value) || !brought) return", "Printed",
+        "if (!IsNan(value)) return", "if (!IsNan(value) || !brought) return", "Printed",
         SUPPORT),
     # Files.
     Bug("a close that fails goes unseen", "lib/support/files.cc",
