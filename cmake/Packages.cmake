@@ -1,4 +1,5 @@
-# Debian packages: cpack -G DEB makes mardle, libmolva1 and libmolva-dev.
+# Debian packages: cpack -G DEB makes mardle, libmolva1 and libmolva-dev, and with MOLVA_PYTHON
+# python3-molva.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "The mardle authors <mardle@example.org>")
 set(CPACK_PACKAGE_VENDOR "The mardle authors")
@@ -30,8 +31,29 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libmolva1 (= ${PROJECT_VERSION}-1)")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Header, static library, CMake package and pkg-config file of libmolva.")
 
-# What every Debian package documents: its licence and its changes.
 set(debian_packages mardle libmolva1 libmolva-dev)
+
+if(MOLVA_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  list(APPEND debian_packages python3-molva)
+  # The extension is built for one version of the interpreter.
+  math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-molva)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  string(CONCAT CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor}), "
+    "python3-numpy, python3-scipy, python3-sklearn (>= 1.2)")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS mardle)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-matplotlib, python3-pandas")
+  set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Estimators after scikit-learn's rules over the engine of mardle: the same
+ clusters, statistics, features and trees for numpy arrays and scipy sparse
+ matrices, a sweep over numbers of clusters, and the page of a run.")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst
+    ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
+endif()
+
+# What every Debian package documents: its licence and its changes.
 foreach(component package IN ZIP_LISTS CPACK_COMPONENTS_ALL debian_packages)
   set(folder ${CMAKE_INSTALL_DATADIR}/doc/${package})
   install(FILES ${PROJECT_SOURCE_DIR}/cmake/debian/copyright DESTINATION ${folder}
