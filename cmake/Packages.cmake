@@ -16,9 +16,10 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME mardle)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION science)
+# Lines that begin with a blank would be shown as they are.
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "One run gives a clustering that optimises one of nine criterion functions, a
- report that explains it, the columns that describe each cluster, trees over
- clusters and rows, result files and plots.")
+report that explains it, the columns that describe each cluster, trees over
+clusters and rows, result files and plots.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libmolva1)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
@@ -46,8 +47,8 @@ if(MOLVA_PYTHON)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS mardle)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-matplotlib, python3-pandas")
   set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Estimators after scikit-learn's rules over the engine of mardle: the same
- clusters, statistics, features and trees for numpy arrays and scipy sparse
- matrices, a sweep over numbers of clusters, and the page of a run.")
+clusters, statistics, features and trees for numpy arrays and scipy sparse
+matrices, a sweep over numbers of clusters, and the page of a run.")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst
     ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
