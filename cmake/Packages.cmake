@@ -45,7 +45,7 @@ if(MOLVA_PYTHON)
     "python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_minor}), "
     "python3-numpy, python3-scipy, python3-sklearn (>= 1.2)")
   set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS mardle)
-  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-matplotlib, python3-pandas")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-matplotlib, python3-pandas, python3-distributed")
   set(CPACK_DEBIAN_PYTHON_DESCRIPTION "Estimators after scikit-learn's rules over the engine of mardle: the same
 clusters, statistics, features and trees for numpy arrays and scipy sparse
 matrices, a sweep over numbers of clusters, and the page of a run.")
