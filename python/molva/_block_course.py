@@ -12,7 +12,7 @@ from scipy import sparse
 from . import _block_work as work
 from . import _engine
 from ._block_folder import Folder, Memory
-from ._matrix import borrow
+from ._matrix import aligned, borrow
 from ._models import COL_MODELS, CRITERIA, ROW_MODELS, SIMILARITIES, Models
 
 # Better when smaller.
@@ -134,7 +134,7 @@ class Course:
         if not found:
             raise ValueError("There are no blocks")
         self.rows = [found["rows"][number] for number in range(len(found["rows"]))]
-        self._counts = found["counts"]
+        self._counts = aligned(found["counts"])
         self.n_columns = len(self._counts)
         self._decide_models(found)
 
@@ -160,7 +160,7 @@ class Course:
             if self.models.prune < 1:
                 found = self._run(work.sum_columns, self._blocks(), work.Space(*codes, weights))
                 _require_room(found["reach"])
-                sums = found["sums"]
+                sums = aligned(found["sums"])
             kept = _engine.choose_columns(self.models.prune, self._counts, sums)
             if not kept.any():
                 raise ValueError("No column is stored in two rows, so none is left")

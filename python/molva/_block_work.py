@@ -16,7 +16,7 @@ from scipy import sparse
 
 from . import _engine
 from ._block_sources import load_block
-from ._matrix import borrow
+from ._matrix import aligned, borrow
 
 # Of the moves of a pass all may be made, or a half, a quarter, an eighth of them.
 LEVELS = 4
@@ -45,7 +45,10 @@ class Space:
 
     def prepare(self, X):
         """Return the prepared rows as a CSR matrix, and the block's row of each."""
-        space = _engine.BlockSpace(self.simfun, self.rowmodel, self.weights, self.kept)
+        weights, kept = (
+            None if array is None else aligned(array) for array in (self.weights, self.kept)
+        )
+        space = _engine.BlockSpace(self.simfun, self.rowmodel, weights, kept)
         nrows, ncols, indptr, indices, data, rows = _engine.prepare_block(borrow(X), space)
         # Set rather than passed, as scipy would look through all of it.
         prepared = sparse.csr_matrix((nrows, ncols), dtype=np.float32)
@@ -70,7 +73,8 @@ class View:
         composites = self.composites
         if sparse.issparse(composites):
             composites = composites.toarray()
-        return _engine.BlockView(composites, self.whole, self.sizes, self.dnorms, self.csim)
+        arrays = composites, self.whole, self.sizes, self.dnorms, self.csim
+        return _engine.BlockView(*map(aligned, arrays))
 
 
 def row_salt(seed: int, number: int) -> int:

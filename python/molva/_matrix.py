@@ -100,9 +100,17 @@ def _without_tail(X):
     return X
 
 
+def aligned(array: np.ndarray, dtype=None) -> np.ndarray:
+    """Return an array as the library reads it, one element after the other, each in its place.
+
+    Arrays that came in a message, or are views of records, may lie across the places of elements.
+    """
+    return np.require(array, dtype, ("C_CONTIGUOUS", "ALIGNED"))
+
+
 def narrowed(array: np.ndarray) -> np.ndarray:
     """Return integers as the library's, which have 32 bits; those that fit already are shared."""
-    narrow = np.ascontiguousarray(array, dtype=np.int32)
+    narrow = aligned(array, np.int32)
     if array.dtype != narrow.dtype and not np.array_equal(array, narrow):
         raise ValueError("a number does not fit 32 bits")
     return narrow
@@ -118,11 +126,11 @@ def borrow(X) -> _engine.Matrix:
     if max(nrows, ncols) > LARGEST_INT:
         raise ValueError(f"The library takes at most {LARGEST_INT} rows and columns; got {X.shape}")
     if not sparse.issparse(X):
-        return _engine.Matrix(nrows, ncols, None, None, X)
+        return _engine.Matrix(nrows, ncols, None, None, aligned(X))
     if X.indptr[-1] > LARGEST_INT:
         raise ValueError(f"The library takes at most {LARGEST_INT} entries; got {X.indptr[-1]}")
     return _engine.Matrix(
-        nrows, ncols, narrowed(X.indptr), narrowed(X.indices), np.ascontiguousarray(X.data)
+        nrows, ncols, narrowed(X.indptr), narrowed(X.indices), aligned(X.data)
     )
 
 

@@ -50,7 +50,8 @@ class BlockKWay(_blocks.BlockKWay):
         blocks : sequence, folder or dask array
             Besides what `molva.blocks.BlockKWay.fit` takes: delayed blocks, and arrays of Dask whose
             chunks, sparse or not, hold whole rows. Paths must be those of storage that all workers
-            see, and so must `work_dir`. Matrices of this process travel anew with each pass.
+            see, and so must `work_dir`. Matrices of this process, and what an iterator gives, travel
+            anew with each pass.
         y : ignored
         client : distributed.Client, optional
             The current one by default.

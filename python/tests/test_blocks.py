@@ -341,3 +341,23 @@ def test_progress_is_told_pass_by_pass(rows, capsys):
     assert lines[0].startswith("BlockKWay: clustering a sample of ")
     assert len(lines) == 1 + model.n_passes_
     assert lines[1].startswith("BlockKWay: pass 1: ")
+
+
+def _across_places(array: np.ndarray) -> np.ndarray:
+    """Return a copy of an array that begins one byte behind the place of an element."""
+    memory = np.zeros(array.nbytes + 1, dtype=np.uint8)
+    moved = memory[1:].view(array.dtype).reshape(array.shape)
+    moved[...] = array
+    assert not moved.flags.aligned
+    return moved
+
+
+def test_arrays_may_lie_across_the_places_of_their_elements(rows):
+    """As those do that come in messages."""
+    moved = rows.copy()
+    for name in ("data", "indices", "indptr"):
+        setattr(moved, name, _across_places(getattr(moved, name)))
+    expected = BlockKWay(**SETTINGS).fit([rows]).labels_
+    assert np.array_equal(BlockKWay(**SETTINGS).fit([moved]).labels_, expected)
+    direct = molva.DirectKWay(4, random_state=1)
+    assert np.array_equal(direct.fit(moved).labels_, direct.fit(rows).labels_)
