@@ -250,6 +250,12 @@ class Importing(EndToEnd):
                           ["--token-pattern", "([", "l.txt", "x"]):
             self.assertEqual(self.call(IMPORT, *arguments).returncode, 2, arguments)
 
+    def test_an_option_that_there_is_not_is_named(self):
+        self.write("l.txt", "aa\n")
+        self.assertEqual(self.call(IMPORT, "--stopwords", "german", "l.txt", "x").stderr,
+                         "mardle-import: there is no option '--stopwords'; did you mean "
+                         "'--stop-words'?\nTry 'mardle-import --help'.\n")
+
     def test_version_and_help_succeed(self):
         for program in (IMPORT, RUN):
             name = os.path.basename(program)

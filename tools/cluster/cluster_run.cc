@@ -20,6 +20,7 @@
 #include "tools/text/input_lines.h"
 #include "tools/text/numbers.h"
 #include "tools/text/output_file.h"
+#include "tools/text/run_files.h"
 #include "tools/text/shell_text.h"
 #include "tools/text/tool_frame.h"
 
@@ -29,21 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char kName[] = "mardle-cluster";
-
-// Endings of the files behind the stem, and what the record calls them.
-struct Result {
-  const char* ending;
-  const char* role;
-};
-constexpr std::array<Result, 7> kResults = {{{".mat", "matrix"},
-                                             {".mat.rlabel", "row-labels"},
-                                             {".mat.clabel", "column-labels"},
-                                             {".mat.rclass", "row-classes"},
-                                             {".clustering", "clustering"},
-                                             {".tree", "tree"},
-                                             {".clusters.tree", "cluster-tree"}}};
-constexpr char kRecord[] = ".run.json";
-constexpr char kPage[] = ".html";
 
 // Whoever made the page was ended by a signal.
 struct EndedBySignal {
@@ -101,9 +87,9 @@ class ClusterRun {
 
 std::vector<std::string> ClusterRun::LeftoverNames() const {
   std::vector<std::string> names;
-  for (const Result& result : kResults) names.push_back(File(result.ending));
-  names.push_back(File(kRecord));
-  names.push_back(File(kPage));
+  for (const RunFile& result : kRunFiles) names.push_back(File(result.ending));
+  names.push_back(File(kRecordEnding));
+  names.push_back(File(kPageEnding));
   return names;
 }
 
@@ -181,7 +167,7 @@ void ClusterRun::WriteRecord() const {
     record.import_options = request_.import_options;
     record.files.push_back(SourceRecord());
   }
-  for (const Result& result : kResults) {
+  for (const RunFile& result : kRunFiles) {
     const bool is_input = !imported_ && std::string_view(result.ending).starts_with(".mat");
     const std::string name =
         is_input ? matrix_ + std::string(result.ending).substr(std::string_view(".mat").size())
@@ -191,7 +177,7 @@ void ClusterRun::WriteRecord() const {
                             is_input ? FromTarget(input_ + name.substr(matrix_.size())) : name,
                             HashOfFile(name), std::nullopt});
   }
-  OutputFile file(File(kRecord));
+  OutputFile file(File(kRecordEnding));
   file.Write(RecordText(record));
   file.Complete();
   OutputFile* const files[] = {&file};
@@ -208,8 +194,9 @@ int ClusterRun::MakePage() const {
     ReportError(kName, "there is no mardle-export beside this program or on PATH, so no page");
     return kFailure;
   }
-  std::vector<std::string> arguments = {
-      "html", "--matrix", matrix_, "--clustering", File(".clustering"), "--output", File(kPage)};
+  std::vector<std::string> arguments = {"html",           "--matrix",          matrix_,
+                                        "--clustering",   File(".clustering"), "--output",
+                                        File(kPageEnding)};
   if (engine_.has_tree) arguments.insert(arguments.end(), {"--tree", File(".tree")});
   if (!engine_.has_cluster_tree) arguments.emplace_back("--treecrfun=2");
   for (const std::string& option : options_) {
@@ -250,7 +237,7 @@ std::string ClusterRun::Summary() const {
   const std::string matrix = imported_ ? folder + File(".mat") : request_.input;
   command += " " + ShellText(matrix) + " " + std::to_string(request_.nclusters);
   return text + "Report: " + command + "\nResults: " + ShellText(folder) + ", begin with " +
-         ShellText(folder + File(kPage)) + "\n";
+         ShellText(folder + File(kPageEnding)) + "\n";
 }
 
 int ClusterRun::Run() {

@@ -13,6 +13,7 @@
 #include "tools/text/fields.h"
 #include "tools/text/file_error.h"
 #include "tools/text/numbers.h"
+#include "tools/text/option_complaint.h"
 #include "tools/text/shell_text.h"
 #include "tools/text/suggestion.h"
 #include "tools/text/tool_frame.h"
@@ -52,22 +53,6 @@ std::vector<std::string> GivenOptions(const CLI::App& app, const std::set<std::s
     for (const std::string& value : option->results()) given.insert(given.end(), {name, value});
   }
   return given;
-}
-
-std::vector<std::string> NamesOf(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::Option* option : app.get_options())
-    names.push_back(option->get_name(false, true));
-  return names;
-}
-
-// What may have been meant by the options that there are not.
-std::string Suggestions(const CLI::App& app) {
-  std::string text;
-  for (const std::string& rest : app.remaining()) {
-    if (rest.starts_with("--")) text += DidYouMean(rest.substr(0, rest.find('=')), NamesOf(app));
-  }
-  return text;
 }
 
 std::string ClustersAdvice(const std::string& text) {
@@ -158,8 +143,7 @@ std::optional<int> ParseClusterRequest(int argc, const char* const* argv, Cluste
   } catch (const CLI::ParseError& error) {
     // A value apart from its option is counted among the arguments.
     CheckMardleOptions(request.mardle_options);
-    ReportError(kName,
-                std::string(error.what()) + Suggestions(app) + "\nTry '" + kName + " --help'.");
+    ReportError(kName, OptionComplaint(app, error) + "\nTry '" + kName + " --help'.");
     return kWrongUsage;
   }
   request.import_options =

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/export/request.h"
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -12,7 +9,7 @@
 
 #include "lib/molva.h"
 #include "tools/text/numbers.h"
-#include "tools/text/terminal_text.h"
+#include "tools/text/option_complaint.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
@@ -26,6 +23,8 @@ struct Texts {
 
 // More than a report prints, since a page has room for them.
 constexpr int kPageFeatures = 10;
+
+constexpr char kName[] = "mardle-export";
 
 CLI::App* AddFormat(CLI::App& app, const char* name, const char* what, Format format,
                     Request& request) {
@@ -208,8 +207,8 @@ void SettleOptions(const Texts& texts, Format format, RunParams& run) {
 
 void Describe(CLI::App& app) {
   app.description("Turns what mardle wrote into tables, trees and pages for other programs.");
-  app.name("mardle-export");
-  app.set_version_flag("--version", std::string("mardle-export ") + tools::kVersion);
+  app.name(kName);
+  app.set_version_flag("--version", std::string(kName) + " " + tools::kVersion);
   app.set_help_flag("--help", "Print this help");
   // That there is one is checked last, so that a word which is none is named.
   app.require_subcommand(0, 1);
@@ -245,13 +244,14 @@ std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
     CheckHeights(request);
     request.told = GivenOptions(app);
     SettleOptions(texts, request.format, request.run);
-  } catch (const CLI::ParseError& error) {
+  } catch (const CLI::Success& success) {
     std::ostringstream answer;
-    std::ostringstream complaint;
-    const bool answered = app.exit(error, answer, complaint) == 0;
-    std::fputs(tools::ShownOn(STDERR_FILENO, complaint.str()).c_str(), stderr);
+    app.exit(success, answer);
     tools::WriteStandardOutput(answer.str());
-    return answered ? tools::kSuccess : tools::kWrongUsage;
+    return tools::kSuccess;
+  } catch (const CLI::ParseError& error) {
+    tools::ReportError(kName, tools::OptionComplaint(app, error) + "\nTry '" + kName + " --help'.");
+    return tools::kWrongUsage;
   }
   return request;
 }

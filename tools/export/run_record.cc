@@ -7,6 +7,7 @@
 #include "tools/text/file_error.h"
 #include "tools/text/file_hash.h"
 #include "tools/text/input_lines.h"
+#include "tools/text/run_files.h"
 
 namespace mardle::exporting {
 namespace {
@@ -64,7 +65,7 @@ void TakeInt(const RunRecord& record, const char* name, int& field) {
 
 std::string RecordPathOf(const std::string& clustering) {
   constexpr char kSuffix[] = ".clustering";
-  return clustering.substr(0, clustering.rfind(kSuffix)) + ".run.json";
+  return clustering.substr(0, clustering.rfind(kSuffix)) + tools::kRecordEnding;
 }
 
 RunRecord ReadRunRecord(const std::string& path) {

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "tools/text/option_complaint.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
@@ -143,7 +144,7 @@ std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportO
     WriteStandardOutput(answer.str());
     return status;
   } catch (const CLI::ParseError& error) {
-    ReportError("mardle-import", std::string(error.what()) + "\nTry 'mardle-import --help'.");
+    ReportError("mardle-import", OptionComplaint(app, error) + "\nTry 'mardle-import --help'.");
     return kWrongUsage;
   }
   return std::nullopt;

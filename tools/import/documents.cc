@@ -3,13 +3,14 @@
 
 #include <fnmatch.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <vector>
+#include <iterator>
+#include <set>
 
 #include "tools/import/html_entities.h"
 #include "tools/import/text_input.h"
 #include "tools/text/fields.h"
+#include "tools/text/run_files.h"
 #include "tools/text/utf8.h"
 
 namespace mardle::tools {
@@ -23,9 +24,13 @@ constexpr std::string_view kBlanksAndLineEnds = " \t\r\n";
 
 bool IsHidden(const fs::path& path) { return path.filename().string().starts_with('.'); }
 
+void Note(FileCount& files, const std::string& what) {
+  if (files.count++ == 0) files.first = what;
+}
+
 // Paths below the folder, in the order of their bytes, which no locale and no file system changes.
-std::vector<std::string> FilesBelow(const std::string& folder, const std::string& pattern) {
-  std::vector<std::string> files;
+std::set<std::string> FilesBelow(const std::string& folder) {
+  std::set<std::string> files;
   for (auto entry = fs::recursive_directory_iterator(folder);
        entry != fs::recursive_directory_iterator(); ++entry) {
     const fs::path& path = entry->path();
@@ -33,12 +38,30 @@ std::vector<std::string> FilesBelow(const std::string& folder, const std::string
       if (entry->is_directory()) entry.disable_recursion_pending();
       continue;
     }
-    if (!entry->is_regular_file()) continue;
-    if (fnmatch(pattern.c_str(), path.filename().c_str(), 0) != 0) continue;
-    files.push_back(path.lexically_relative(folder).string());
+    if (entry->is_regular_file()) files.insert(path.lexically_relative(folder).string());
   }
-  std::sort(files.begin(), files.end());
   return files;
+}
+
+// Takes out what an earlier run has left, which its record tells.
+FileCount TakeResults(std::set<std::string>& files) {
+  FileCount taken;
+  const auto take = [&](const std::string& file) {
+    if (files.erase(file) > 0) Note(taken, file);
+  };
+  const std::set<std::string> all = files;
+  for (std::string name : all) {
+    if (!name.ends_with(kRecordEnding)) continue;
+    name.resize(name.size() - std::size(kRecordEnding) + 1);
+    for (const RunFile& result : kRunFiles) take(name + result.ending);
+    take(name + kPageEnding);
+    take(name + kRecordEnding);
+  }
+  return taken;
+}
+
+bool IsCalled(const std::string& file, const std::string& pattern) {
+  return fnmatch(pattern.c_str(), fs::path(file).filename().c_str(), 0) == 0;
 }
 
 std::string_view FirstFolder(std::string_view path) {
@@ -64,10 +87,6 @@ FileText WholeText(const std::string& path, const std::string& encoding) {
   }
   file.first_malformed_line = input.watch().first_malformed_line();
   return file;
-}
-
-void Note(FileCount& files, const std::string& what) {
-  if (files.count++ == 0) files.first = what;
 }
 
 // Takes the columns out of the line and returns what is left.
@@ -122,7 +141,10 @@ void VisitText(std::string_view raw, RowNames names, const Place& place,
 FolderReport VisitFolder(const std::string& folder, const FolderOptions& options,
                          const std::string& encoding, const DocumentVisitor& visit) {
   FolderReport report;
-  for (const std::string& file : FilesBelow(folder, options.file_pattern)) {
+  std::set<std::string> files = FilesBelow(folder);
+  report.results = TakeResults(files);
+  for (const std::string& file : files) {
+    if (!IsCalled(file, options.file_pattern)) continue;
     const std::string path = (fs::path(folder) / file).string();
     const FileText whole = WholeText(path, encoding);
     if (!whole.no_text.empty()) {

@@ -37,14 +37,16 @@ struct FileCount {
 };
 
 struct FolderReport {
-  FileCount no_texts;              // passed over
+  FileCount results;               // of earlier runs, passed over
+  FileCount no_texts;              // passed over, too
   FileCount malformed;             // with bytes that are not UTF-8
   std::vector<std::string> files;  // that were visited, from the folder
 };
 
 // Visits the files below a folder whose names fit, in the order of their paths, which become the
-// labels. Names that begin with a dot are passed over, and so are files that are no texts. With
-// folder_classes the first folder of a path is the class; "." for files that lie in none.
+// labels. Names that begin with a dot are passed over, and so are the results of earlier runs and
+// files that are no texts. With folder_classes the first folder of a path is the class; "." for
+// files that lie in none.
 FolderReport VisitFolder(const std::string& folder, const FolderOptions& options,
                          const std::string& encoding, const DocumentVisitor& visit);
 

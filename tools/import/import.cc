@@ -65,6 +65,10 @@ std::vector<std::string> NotesOn(const FolderReport& report) {
   const auto first = [](const FileCount& files) {
     return (files.count > 1 ? ", the first: " : ": ") + files.first;
   };
+  if (const FileCount& files = report.results; files.count > 0) {
+    notes.push_back(Count(files.count, "file is a result", "files are results") +
+                    " of an earlier run and left out" + first(files));
+  }
   if (const FileCount& files = report.no_texts; files.count > 0) {
     notes.push_back(Count(files.count, "file is", "files are") + " no text and left out" +
                     first(files));

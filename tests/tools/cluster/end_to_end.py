@@ -188,6 +188,18 @@ class Clustering(unittest.TestCase):
         self.assertNotIn("texts.mat.rclass", self.names("texts-3"))
         self.assertEqual(self.names(), ["texts-3"])
 
+    def test_what_an_earlier_run_left_is_no_text_of_the_next(self):
+        texts = self.folder / "my"
+        shutil.copytree(DATA / "texts", texts)
+        first = subprocess.run([CLUSTER, ".", "3"], cwd=texts, text=True, capture_output=True,
+                               check=True).stdout.splitlines()
+        again = subprocess.run([CLUSTER, ".", "4"], cwd=texts, text=True, capture_output=True,
+                               check=True).stdout.splitlines()
+        self.assertEqual(first[0].replace("my-3", "my-4"), again[0])
+        self.assertEqual(again[1], "8 files are results of an earlier run and left out, the first: "
+                                   "my-3/my.mat")
+        self.assertEqual(self.read("my/my-3/my.mat"), self.read("my/my-4/my.mat"))
+
     def test_a_wrong_number_of_threads_is_an_error(self):
         done = self.call(CLUSTER, DATA / "texts", 3, MOLVA_NUM_THREADS="many")
         self.assertEqual(done.returncode, 1)

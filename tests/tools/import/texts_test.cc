@@ -354,6 +354,19 @@ TEST_F(TextFolder, OnlyVisibleTextsThatFitAreTaken) {
             "Cluster with: mardle -colmodel=1 out.mat NCLUSTERS\n");
 }
 
+// "notes" has no record beside it, and a text may be called like the record's folder.
+TEST_F(TextFolder, ResultsOfEarlierRunsAreNoTexts) {
+  for (const char* name : {"letters-3/letters.run.json", "letters-3/letters.mat",
+                           "letters-3/letters.mat.rlabel", "letters-3/letters.clusters.tree",
+                           "letters-3/letters.html", "letters-3/letters.txt", "notes.html"}) {
+    Write(name, "aa");
+  }
+  const auto result = Import(imported_.options);
+  EXPECT_EQ(imported_.Read(".rlabel"), "letters-3/letters.txt\nnotes.html\n");
+  EXPECT_EQ(result.notes, (Texts{"5 files are results of an earlier run and left out, the first: "
+                                 "letters-3/letters.mat"}));
+}
+
 TEST_F(TextFolder, AFolderWithoutTextsIsRefused) {
   Write("2.md", "aa");
   imported_.options.folder.file_pattern = "*.txt";
