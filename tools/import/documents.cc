@@ -8,6 +8,7 @@
 #include <set>
 
 #include "tools/import/html_entities.h"
+#include "tools/import/markup.h"
 #include "tools/import/text_input.h"
 #include "tools/text/fields.h"
 #include "tools/text/run_files.h"
@@ -128,12 +129,20 @@ std::string BeginningOf(std::string_view text) {
   return beginning;
 }
 
+// Without marks of formatting, when there are any.
+std::optional<std::string> Unmarked(std::string_view text) {
+  if (IsManualPage(text)) return WithoutRequests(text);
+  if (HasTags(text)) return WithoutTags(text);
+  return std::nullopt;
+}
+
 void VisitText(std::string_view raw, RowNames names, const Place& place,
                const DocumentVisitor& visit) {
-  const std::string text = WithoutEntities(raw);
+  const std::optional<std::string> unmarked = Unmarked(raw);
+  const std::string text = WithoutEntities(unmarked ? *unmarked : raw);
   std::string beginning;
   if (!names.label) names.label = beginning = BeginningOf(text);
-  visit({text, names, place});
+  visit({text, names, place, unmarked.has_value()});
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Where texts come from: the files of a folder, the lines of a file, a column of a table.
-// What stands as an HTML entity in them is the character, and a row that has no label gets
-// the first 80 characters of its text.
+// Marks of formatting are left out of them, what stands as an HTML entity is the character, and a
+// row that has no label gets the first 80 characters of its text.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +22,7 @@ struct Document {
   std::string_view text;
   RowNames names;
   Place place;
+  bool was_marked_up = false;  // for its formatting
 };
 using DocumentVisitor = std::function<void(const Document&)>;
 

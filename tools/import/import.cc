@@ -87,8 +87,8 @@ void NoteMalformedLines(const TextWatch& watch, std::vector<std::string>& notes)
                   std::to_string(watch.first_malformed_line()) + kOtherEncodings);
 }
 
-ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
-                          const DocumentVisitor& visit) {
+void VisitInputFolder(const ImportOptions& options, const DocumentVisitor& visit,
+                      ImportResult& result) {
   const std::vector<std::string> outputs = OutputsOf(options);
   const auto visit_input = [&](const Document& document) {
     RefuseInputsAsOutputs({&document.place.path, 1}, outputs);
@@ -96,26 +96,38 @@ ImportResult ImportFolder(const ImportOptions& options, TermCounts& terms,
   };
   const FolderReport report =
       VisitFolder(options.input, options.folder, options.encoding, visit_input);
-  return {InputFormat::kFolder, terms.Write(options.output, options.limits), report.files,
-          NotesOn(report)};
+  result.files = report.files;
+  result.notes = NotesOn(report);
+}
+
+void NoteMarkedUp(std::int64_t texts, std::vector<std::string>& notes) {
+  if (texts == 0) return;
+  notes.push_back(Count(texts, "text holds", "texts hold") +
+                  " marks of formatting (HTML, XML, roff), which are left out");
 }
 
 ImportResult ImportTexts(const ImportOptions& options, InputFormat format, InputLines* input,
                          Progress& progress) {
   TermCounts terms(options.words);
+  std::int64_t marked_up = 0;
   const auto visit = [&](const Document& document) {
     terms.Add(document);
+    marked_up += document.was_marked_up ? 1 : 0;
     progress.Step();
   };
-  if (format == InputFormat::kFolder) return ImportFolder(options, terms, visit);
-  if (format == InputFormat::kTable) {
+  ImportResult result{format};
+  if (format == InputFormat::kFolder) {
+    VisitInputFolder(options, visit, result);
+  } else if (format == InputFormat::kTable) {
     VisitTable(*input, options.table, visit);
   } else {
     VisitLines(*input,
                {LineColumn(options.table.label_column), LineColumn(options.table.class_column)},
                visit);
   }
-  return {format, terms.Write(options.output, options.limits)};
+  NoteMarkedUp(marked_up, result.notes);
+  result.matrix = terms.Write(options.output, options.limits);
+  return result;
 }
 
 ImportResult ImportNumbers(const ImportOptions& options, InputLines& input, Progress& progress) {

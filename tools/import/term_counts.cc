@@ -27,10 +27,9 @@ std::uint32_t TakePieces(const unsigned char*& bytes) {
   }
 }
 
-// The columns of the terms that are within the limits, in the order of their bytes, and the column
-// of each term.
+// The terms that are within the limits, in the order of their bytes, and the column of each term.
 struct Columns {
-  std::vector<std::string> labels;
+  std::vector<std::uint32_t> terms;
   std::vector<int> column_of;
 };
 
@@ -38,18 +37,17 @@ Columns ChooseColumns(const std::vector<const std::string*>& terms,
                       const std::vector<std::int32_t>& document_counts, const TermLimits& limits,
                       std::size_t documents) {
   const double most = limits.max_fraction * static_cast<double>(documents);
-  std::vector<std::uint32_t> chosen;
+  Columns columns;
+  std::vector<std::uint32_t>& chosen = columns.terms;
   for (std::uint32_t term = 0; term < terms.size(); ++term) {
     const std::int32_t count = document_counts[term];
     if (count >= limits.min_count && count <= most) chosen.push_back(term);
   }
   std::sort(chosen.begin(), chosen.end(),
             [&terms](std::uint32_t a, std::uint32_t b) { return *terms[a] < *terms[b]; });
-  Columns columns;
   columns.column_of.assign(terms.size(), kNoColumn);
-  for (const std::uint32_t term : chosen) {
-    columns.column_of[term] = static_cast<int>(columns.labels.size());
-    columns.labels.push_back(*terms[term]);
+  for (std::size_t column = 0; column < chosen.size(); ++column) {
+    columns.column_of[chosen[column]] = static_cast<int>(column);
   }
   return columns;
 }
@@ -82,20 +80,29 @@ TermCounts::TermCounts(const WordOptions& options)
 void TermCounts::CountWords(const Document& document) {
   occurrences_.clear();
   tokens_.Start(document.text, document.place);
-  std::string before;
-  while (tokens_.Next(token_)) {
-    if (stop_words_.contains(token_)) {
-      before.clear();
+  Word before;
+  while (tokens_.Next(word_.form)) {
+    if (stop_words_.contains(word_.form)) {
+      before = {};
       continue;
     }
-    if (stemmer_) stemmer_->Stem(token_);
-    occurrences_.push_back(NumberOf(token_));
+    word_.term = word_.form;
+    if (stemmer_) stemmer_->Stem(word_.term);
+    Count(word_);
     if (!pairs_) continue;
-    if (tokens_.follows() && !before.empty()) {
-      occurrences_.push_back(NumberOf(before + ' ' + token_));
+    if (tokens_.follows() && !before.term.empty()) {
+      Count({before.form + ' ' + word_.form, before.term + ' ' + word_.term});
     }
-    before = token_;
+    before = word_;
   }
+}
+
+void TermCounts::Count(const Word& word) {
+  const std::uint32_t number = NumberOf(word.term);
+  occurrences_.push_back(number);
+  if (!stemmer_) return;
+  if (number >= forms_.size()) forms_.resize(std::size_t{number} + 1);
+  ++forms_[number][word.form];
 }
 
 void TermCounts::Add(const Document& document) {
@@ -116,9 +123,11 @@ void TermCounts::Add(const Document& document) {
 }
 
 MatrixSummary TermCounts::Write(const MatrixOutput& output, const TermLimits& limits) const {
-  const Columns columns = ChooseColumns(Terms(), document_counts_, limits, rows_.size());
-  if (columns.labels.empty() && !rows_.empty())
+  const std::vector<const std::string*> terms = Terms();
+  const Columns columns = ChooseColumns(terms, document_counts_, limits, rows_.size());
+  if (columns.terms.empty() && !rows_.empty()) {
     RefuseNoColumns(output.path, numbers_.size(), limits);
+  }
   MatrixWriter writer(output);
   std::vector<Entry> entries;
   for (std::size_t i = 0; i < rows_.size(); ++i) {
@@ -137,7 +146,18 @@ MatrixSummary TermCounts::Write(const MatrixOutput& output, const TermLimits& li
     if (has_classes_) names.class_name = row.class_name;
     writer.AddRow(entries, names, row.place);
   }
-  return writer.Finish(static_cast<std::int64_t>(columns.labels.size()), columns.labels);
+  std::vector<std::string> labels;
+  for (const std::uint32_t term : columns.terms) labels.push_back(NameOf(term, *terms[term]));
+  return writer.Finish(static_cast<std::int64_t>(labels.size()), labels);
+}
+
+// The commonest form, the first among equals.
+const std::string& TermCounts::NameOf(std::uint32_t number, const std::string& term) const {
+  if (!stemmer_) return term;
+  const auto& forms = forms_[number];
+  return std::max_element(forms.begin(), forms.end(),
+                          [](const auto& a, const auto& b) { return a.second < b.second; })
+      ->first;
 }
 
 // Numbers new terms in the order of their first appearance.

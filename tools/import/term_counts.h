@@ -40,7 +40,9 @@ class TermCounts {
 
   void Add(const Document& document);
 
-  // Writes a row for each document. The columns are the words in the order of their bytes.
+  // Writes a row for each document. The columns are the words in the order of their bytes; one that
+  // stands for all words with a stem has the place of the stem, and is called by the commonest
+  // word.
   MatrixSummary Write(const MatrixOutput& output, const TermLimits& limits) const;
 
  private:
@@ -50,22 +52,30 @@ class TermCounts {
     std::uint64_t counts;  // where the document's counts begin
   };
 
+  // A word and what it is counted as.
+  struct Word {
+    std::string form, term;
+  };
+
   void CountWords(const Document& document);
+  void Count(const Word& word);
   std::uint32_t NumberOf(const std::string& term);
   std::vector<const std::string*> Terms() const;
+  const std::string& NameOf(std::uint32_t number, const std::string& term) const;
 
   TextTokens tokens_;
   StopWords stop_words_;
   std::optional<Stemmer> stemmer_;
   bool pairs_;
-  std::map<std::string, std::uint32_t> numbers_;  // no text can make its words collide
-  std::vector<std::int32_t> document_counts_;     // of each term
+  std::map<std::string, std::uint32_t> numbers_;            // no text can make its words collide
+  std::vector<std::int32_t> document_counts_;               // of each term
+  std::vector<std::map<std::string, std::int64_t>> forms_;  // of each stem, with their counts
   std::vector<Row> rows_;
   std::vector<unsigned char> counts_;  // pairs of term and count, as numbers of 7-bit pieces
   bool has_labels_ = false;
   bool has_classes_ = false;
   std::vector<std::uint32_t> occurrences_;  // the terms of the document that is being added
-  std::string token_;
+  Word word_;
 };
 
 }  // namespace mardle::tools
