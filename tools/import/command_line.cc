@@ -68,6 +68,8 @@ void AddColumns(CLI::App& app, ImportOptions& options) {
       ->type_name("CHARACTER");
   app.add_flag("--no-header", table.no_header, "The first record of the table is a row");
   app.add_flag("--decimal-comma", table.decimal_comma, "Numbers of a table are written as 1,5");
+  app.add_flag("--numbers-only", table.numbers_only,
+               "Leave out columns of a table that are no numbers");
   app.add_option_function<std::string>(
          "--missing",
          [&options](const std::string& name) { options.preparation.missing = kMissing.at(name); },

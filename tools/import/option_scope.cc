@@ -55,6 +55,7 @@ void RefuseIdleOptions(const ImportOptions& options, InputFormat format) {
   require(kind.Numbers(), options.preparation.standardize, "--standardize");
   require(kind.Numbers(), options.preparation.missing != Missing::kRefused, "--missing");
   require(kind.table, table.decimal_comma, "--decimal-comma");
+  require(kind.table, table.numbers_only, "--numbers-only");
   require(!kind.numpy, !options.encoding.empty(), "--encoding");
   require(kind.Unlabelled(), !options.labels.columns.empty(), "--labels");
   require(kind.Unlabelled(), !options.labels.rows.empty(), "--row-labels");

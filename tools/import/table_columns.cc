@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "tools/text/fields.h"
 #include "tools/text/numbers.h"
@@ -46,6 +47,12 @@ Table::Table(InputLines& input, const TableOptions& options)
 }
 
 bool Table::Next() {
+  if (!ahead_.empty()) {
+    fields_ = std::move(ahead_.front().fields);
+    ahead_place_ = std::move(ahead_.front().place);
+    ahead_.pop_front();
+    return true;
+  }
   if (first_is_pending_) {
     first_is_pending_ = false;
     return true;
@@ -60,6 +67,15 @@ bool Table::Next() {
   return true;
 }
 
+void Table::LookAhead(const std::function<void()>& look) {
+  std::deque<Row> rows;
+  while (Next()) {
+    look();
+    rows.push_back({fields_, place()});
+  }
+  ahead_ = std::move(rows);
+}
+
 std::optional<std::string_view> Table::Field(std::optional<std::size_t> column) const {
   if (!column) return std::nullopt;
   return fields_[*column];
@@ -68,6 +84,10 @@ std::optional<std::string_view> Table::Field(std::optional<std::size_t> column) 
 std::string Table::ColumnName(std::size_t column) const {
   const std::string number = "column " + std::to_string(column + 1);
   return header_[column].empty() ? number : number + " (" + header_[column] + ")";
+}
+
+std::string Table::OptionName(std::size_t column) const {
+  return header_[column].empty() ? std::to_string(column + 1) : header_[column];
 }
 
 std::vector<std::string> Table::Headings() const {

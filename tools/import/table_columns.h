@@ -4,6 +4,8 @@
 // column of the matrix.
 #pragma once
 
+#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,7 +19,8 @@ struct TableOptions {
   std::optional<char> delimiter;  // found out when absent
   bool no_header = false;
   bool decimal_comma = false;
-  std::string label_column;  // empty: none
+  bool numbers_only = false;  // columns that hold something else are left out
+  std::string label_column;   // empty: none
   std::string class_column;
   std::vector<std::string> text_columns;
   std::vector<std::string> skipped_columns;
@@ -32,7 +35,10 @@ class Table {
   // fields as the table has columns.
   bool Next();
 
-  const Place& place() const { return reader_.place(); }
+  // Reads all rows, and calls `look` for each of them; Next() takes the same rows again.
+  void LookAhead(const std::function<void()>& look);
+
+  const Place& place() const { return ahead_place_ ? *ahead_place_ : reader_.place(); }
   const std::vector<std::string>& fields() const { return fields_; }
   std::optional<std::string_view> Field(std::optional<std::size_t> column) const;
 
@@ -45,6 +51,8 @@ class Table {
   const std::string& heading(std::size_t column) const { return header_[column]; }
   // "column 3 (petal)".
   std::string ColumnName(std::size_t column) const;
+  // By its heading or, where that is empty, by its number: as options name it.
+  std::string OptionName(std::size_t column) const;
   // The headings of the value columns; none without a header.
   std::vector<std::string> Headings() const;
 
@@ -55,7 +63,14 @@ class Table {
   TableReader reader_;
   std::vector<std::string> header_;  // empty fields without a header
   std::vector<std::string> fields_;
+  struct Row {
+    std::vector<std::string> fields;
+    Place place;
+  };
+
   bool first_is_pending_ = false;  // without a header the first record is a row
+  std::deque<Row> ahead_;          // rows that were looked at and not taken yet
+  std::optional<Place> ahead_place_;
   bool has_header_;
 };
 

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <set>
 
 #include "tools/import/matrix_value.h"
 #include "tools/text/fields.h"
@@ -42,16 +43,47 @@ bool HasSeveralWords(std::string_view text) {
                        [](std::string_view field) { return !ParseNumber(field); }) > 1;
 }
 
+// Whether the cell holds something, and that is no number.
+bool IsOther(std::string_view text, bool decimal_comma) {
+  text = Trimmed(text);
+  return !IsMissing(text) && !ParseNumber(text) && !(decimal_comma && WithDecimalPoint(text));
+}
+
+// The value columns that hold something else in the row that was read last.
+std::vector<std::size_t> OtherColumns(const Table& table, bool decimal_comma) {
+  std::vector<std::size_t> others;
+  for (const std::size_t j : table.value_columns) {
+    if (IsOther(table.fields()[j], decimal_comma)) others.push_back(j);
+  }
+  return others;
+}
+
+// "Make, Model, 7", cut when there are many.
+std::string NamesOf(const Table& table, const std::vector<std::size_t>& columns) {
+  constexpr std::size_t kMostNamed = 20;
+  std::string names;
+  for (std::size_t i = 0; i < std::min(columns.size(), kMostNamed); ++i) {
+    names += (i > 0 ? ", " : "") + table.OptionName(columns[i]);
+  }
+  return names + (columns.size() > kMostNamed ? ", ..." : "");
+}
+
 // What to do about a column that is no number.
 std::string AdviceFor(const Table& table, std::size_t column, std::string_view text) {
   if (WithDecimalPoint(text)) return "; --decimal-comma reads it";
-  const std::string& heading = table.heading(column);
-  const std::string number = std::to_string(column + 1);
-  if (heading.empty() && table.has_header()) {
-    return "; --label-column " + number + " makes labels of a column without a heading";
+  std::vector<std::size_t> others = OtherColumns(table, true);
+  std::erase(others, column);
+  if (!others.empty()) {
+    return "; nor are others: " + NamesOf(table, others) +
+           "; --class-column, --label-column, --text-column and --skip-column take them, "
+           "--numbers-only leaves all of them out";
+  }
+  if (table.heading(column).empty() && table.has_header()) {
+    return "; --label-column " + table.OptionName(column) +
+           " makes labels of a column without a heading";
   }
   if (HasSeveralWords(text)) {
-    return "; --text-column " + ShellText(heading.empty() ? number : heading) + " counts its words";
+    return "; --text-column " + ShellText(table.OptionName(column)) + " counts its words";
   }
   return "; --class-column, --label-column and --skip-column take columns that are no numbers";
 }
@@ -66,6 +98,19 @@ double CellValue(const Table& table, std::size_t column, bool decimal_comma) {
                                        AdviceFor(table, column, text));
   }
   return MatrixValue(text, table.place(), table.ColumnName(column));
+}
+
+// Takes the columns out of the matrix that hold something else in any row.
+void LeaveOthersOut(Table& table, bool decimal_comma, std::vector<std::string>& notes) {
+  std::set<std::size_t> found;
+  table.LookAhead([&] {
+    const std::vector<std::size_t> others = OtherColumns(table, decimal_comma);
+    found.insert(others.begin(), others.end());
+  });
+  if (found.empty()) return;
+  std::erase_if(table.value_columns, [&found](std::size_t j) { return found.contains(j); });
+  notes.push_back("left out, as they are no numbers: " +
+                  NamesOf(table, {found.begin(), found.end()}));
 }
 
 // Headings that are numbers throughout are more likely a row.
@@ -125,6 +170,7 @@ MatrixSummary ImportTable(InputLines& input, const TableOptions& options,
                           const Preparation& preparation, const MatrixOutput& output,
                           Progress& progress, std::vector<std::string>& notes) {
   Table table(input, options);
+  if (options.numbers_only) LeaveOthersOut(table, options.decimal_comma, notes);
   const std::vector<std::size_t>& columns = table.value_columns;
   DenseRows rows(output, preparation, columns.size(),
                  [&table](std::size_t j) { return table.ColumnName(table.value_columns[j]); });

@@ -103,6 +103,7 @@ TEST(Import, OptionsWithoutUseAreRefused) {
       {"x.txt", "a b\n", "--standardize", [](auto& o) { o.preparation.standardize = true; }},
       {"x.svm", "1 1:1\n", "--missing", [](auto& o) { o.preparation.missing = Missing::kDrop; }},
       {"x.txt", "a b\n", "--decimal-comma", [](auto& o) { o.table.decimal_comma = true; }},
+      {"x.txt", "a b\n", "--numbers-only", [](auto& o) { o.table.numbers_only = true; }},
       {"x.csv", "a\n1\n", "--labels", [](auto& o) { o.labels.columns = "l"; }},
       {"x.txt", "a b\n", "--row-labels", [](auto& o) { o.labels.rows = "l"; }},
       {"x.npy", "", "--encoding", [](auto& o) { o.encoding = "latin1"; }},

@@ -36,6 +36,39 @@ TEST(TableMatrix, AHeadingThatIsANumberGoesBeforeTheNumber) {
   EXPECT_EQ(imported.Run(), "1 1\n5\n");
 }
 
+constexpr char kMixed[] = "name,x,,y\nann,1,tall,NA\nbob,3,small,4\n";
+
+TEST(TableMatrix, AllColumnsThatAreNoNumbersAreNamedAtOnce) {
+  EXPECT_EQ(Fails(kMixed),
+            "t.csv:2: column 1 (name) is no number: 'ann'; nor are others: 3; "
+            "--class-column, --label-column, --text-column and --skip-column take them, "
+            "--numbers-only leaves all of them out");
+}
+
+TEST(TableMatrix, ColumnsThatAreNoNumbersAreLeftOutOnRequest) {
+  Imported imported("t.csv", kMixed);
+  imported.options.table.numbers_only = true;
+  imported.options.preparation.missing = Missing::kZero;
+  const auto result = Import(imported.options);
+  EXPECT_EQ(imported.Read(""), "2 2\n1 0\n3 4\n");
+  EXPECT_EQ(imported.Read(".clabel"), "x\ny\n");
+  EXPECT_EQ(result.notes.at(0), "left out, as they are no numbers: name, 3");
+}
+
+// Any row decides, and places are those of the rows.
+TEST(TableMatrix, OneTextMakesAColumnOfTexts) {
+  Imported imported("t.csv", "name,x,y\nNA,1,1\nbob,small,2\n");
+  imported.options.table.numbers_only = true;
+  EXPECT_EQ(imported.Run(), "2 1\n1\n2\n");
+  EXPECT_EQ(imported.Read(".clabel"), "y\n");
+  Imported short_row("t.csv", "x,y\n1,2\n3\n");
+  short_row.options.table.numbers_only = true;
+  EXPECT_EQ(short_row.Failure(), "t.csv:3: the row has 1 fields instead of 2");
+  Imported gap("t.csv", "x,y\n1,2\n3,1e999\n");
+  gap.options.table.numbers_only = true;
+  EXPECT_TRUE(gap.Failure().starts_with("t.csv:3: ")) << gap.Failure();
+}
+
 TEST(TableMatrix, WithoutAHeaderTheFirstRecordIsARow) {
   Imported imported("t.csv", "1,2\n3,4\n");
   imported.options.table.no_header = true;
