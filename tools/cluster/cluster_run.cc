@@ -68,6 +68,7 @@ class ClusterRun {
   void WriteRecord() const;
   RecordedFile SourceRecord() const;
   std::string FromTarget(const std::string& path) const;
+  const char* Contents() const;
   int MakePage() const;
   std::string Summary() const;
   std::string TypedProgram(const char* name) const;
@@ -184,6 +185,21 @@ void ClusterRun::WriteRecord() const {
   Publish(files);
 }
 
+// What the page is told of the matrix, as far as the import knows.
+const char* ClusterRun::Contents() const {
+  if (!imported_) return nullptr;
+  const bool has_text = !request_.import.table.text_columns.empty();
+  switch (import_.format) {
+    case InputFormat::kFolder:
+    case InputFormat::kLines:
+      return "text";
+    case InputFormat::kTable:
+      return has_text ? "text" : "table";
+    default:
+      return nullptr;
+  }
+}
+
 // The options of mardle that the page must know, too, have two dashes there.
 int ClusterRun::MakePage() const {
   static constexpr std::array<std::string_view, 9> kShared = {
@@ -199,6 +215,8 @@ int ClusterRun::MakePage() const {
                                         File(kPageEnding)};
   if (engine_.has_tree) arguments.insert(arguments.end(), {"--tree", File(".tree")});
   if (!engine_.has_cluster_tree) arguments.emplace_back("--treecrfun=2");
+  if (const char* contents = Contents())
+    arguments.insert(arguments.end(), {"--contents", contents});
   for (const std::string& option : options_) {
     const std::string name = option.substr(0, option.find('='));
     if (std::find(kShared.begin(), kShared.end(), name) != kShared.end()) {

@@ -137,7 +137,8 @@ void AddContents(CLI::App* command, Request& request) {
   AddChoice<Contents>(command, "--contents",
                       {{"text", Contents::kText}, {"table", Contents::kTable}}, request.contents,
                       "Call rows and columns documents and words (text) or not (table); by default "
-                      "counts whose columns are called by letters alone are text");
+                      "a sparse matrix without negative values whose columns are called by letters "
+                      "alone is text");
 }
 
 void AddPage(CLI::App* command, Request& request, Texts& texts) {

@@ -2,7 +2,6 @@
 #include "tools/export/wording.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string_view>
 
 namespace mardle::exporting {
@@ -19,13 +18,12 @@ bool IsWord(std::string_view label) {
   return !label.empty() && std::all_of(label.begin(), label.end(), StandsInWords);
 }
 
-bool AreCounts(const molva::Array<float>& values) {
-  return std::all_of(values.begin(), values.end(),
-                     [](float value) { return value >= 0 && std::floor(value) == value; });
+bool AreCountsOrWeights(const molva::Array<float>& values) {
+  return std::all_of(values.begin(), values.end(), [](float value) { return value >= 0; });
 }
 
 bool LooksLikeText(const Matrix& mat) {
-  if (!mat.rowptr || !AreCounts(mat.rowval)) return false;
+  if (!mat.rowptr || !AreCountsOrWeights(mat.rowval)) return false;
   std::int64_t words = 0;
   for (int j = 0; j < mat.ncols; ++j) words += IsWord(mat.clabels[j]) ? 1 : 0;
   return mat.ncols > 0 && 10 * words >= 9 * std::int64_t{mat.ncols};

@@ -147,6 +147,15 @@ class Clustering(unittest.TestCase):
         self.cluster("--output", "lines", "--min-count", "1", "l.txt.gz", 2)
         self.assertIn("l.html", self.names("lines"))
 
+    def test_the_page_knows_what_was_imported(self):
+        """Words with digits, and a table whose columns are called by words."""
+        (self.folder / "l.txt").write_text("mp3 ogg7\nmp3 ogg7\nav1 vp9\nav1 vp9\n")
+        self.cluster("--digits", "l.txt", 2)
+        self.assertIn(b"<p>4 documents in 2 clusters by 4 words</p>", self.read("l-2/l.html"))
+        (self.folder / "t.csv").write_text("sea,land\n9,1\n8,1\n1,9\n1,8\n")
+        self.cluster("--sparse", "t.csv", 2)
+        self.assertIn(b"<p>4 rows in 2 clusters by 2 columns</p>", self.read("t-2/t.html"))
+
     def test_one_cluster_and_criteria_without_trees(self):
         self.assertIn("1 cluster of 10 rows", self.cluster(DATA / "texts", 1))
         self.assertNotIn("texts.clusters.tree", self.names("texts-1"))

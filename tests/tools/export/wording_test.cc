@@ -12,14 +12,14 @@ using mardle::exporting::WordingOf;
 using testing_support::DenseMatrixOf;
 using testing_support::SparseMatrixOf;
 
-TEST(Wording, CountsOfWordsAreText) {
+TEST(Wording, CountsAndWeightsOfWordsAreText) {
   EXPECT_EQ(WordingOf(Contents::kUnknown, SparseMatrixOf({{1, 2}}, {"sea", "caf\xc3\xa9"})).rows,
+            "documents");
+  EXPECT_EQ(WordingOf(Contents::kUnknown, SparseMatrixOf({{1, 2.5F}}, {"sea", "land"})).rows,
             "documents");
 }
 
 TEST(Wording, OtherValuesAndOtherNamesAreNoText) {
-  EXPECT_EQ(WordingOf(Contents::kUnknown, SparseMatrixOf({{1, 2.5F}}, {"sea", "land"})).rows,
-            "rows");
   EXPECT_EQ(WordingOf(Contents::kUnknown, SparseMatrixOf({{1, -2}}, {"sea", "land"})).rows, "rows");
   EXPECT_EQ(WordingOf(Contents::kUnknown, SparseMatrixOf({{1, 2}}, {"sea", "x1"})).rows, "rows");
   EXPECT_EQ(WordingOf(Contents::kUnknown, SparseMatrixOf({{1, 2}})).column, "column");

@@ -22,20 +22,25 @@ std::string ShareOrDash(const std::optional<double>& share) {
   return share ? PercentText(*share) : "–";
 }
 
-// Why a word that is weaker in the cluster tells it apart; nothing for the others.
-std::string Mark(const PageNumbers& numbers, const ClusterWord& word, double inside,
-                 double elsewhere) {
-  if (!word.weaker) return "";
-  const char* less = numbers.levels.are_shares() ? "rarer" : "lower";
-  return std::string(" <small>") + (inside < elsewhere ? less : "weaker") + " here</small>";
+// Why a word that is weaker in the cluster tells it apart, and whether an average is lower; nothing
+// for the others.
+std::string Mark(const PageNumbers& numbers, int k, const ClusterWord& word) {
+  const double inside = numbers.levels.Inside(k, word.column);
+  const char* mark = nullptr;
+  if (word.weaker) {
+    mark = inside < numbers.levels.Elsewhere(k, word.column) ? "rarer" : "weaker";
+  }
+  if (IsLower(numbers, k, word.column)) mark = "lower";
+  return mark == nullptr ? "" : std::string(" <small>") + mark + " here</small>";
 }
 
 void WriteWord(const PageRun& run, const PageNumbers& numbers, int k, const ClusterWord& word,
                std::ostream& out) {
   const double inside = numbers.levels.Inside(k, word.column);
   const double elsewhere = numbers.levels.Elsewhere(k, word.column);
-  out << "<tr" << (word.weaker ? " class=\"weaker\"" : "") << "><th scope=\"row\">"
-      << Html(run.mat.clabels[word.column]) << Mark(numbers, word, inside, elsewhere) << "</th><td";
+  const std::string mark = Mark(numbers, k, word);
+  out << "<tr" << (mark.empty() ? "" : " class=\"weaker\"") << "><th scope=\"row\">"
+      << Html(run.mat.clabels[word.column]) << mark << "</th><td";
   if (numbers.levels.are_shares()) out << " style=\"--v:" << Percent(inside) << "\"";
   out << ">" << LevelText(numbers, inside) << "</td><td>" << LevelText(numbers, elsewhere)
       << "</td><td>" << ShareOrDash(word.describes) << "</td><td>" << ShareOrDash(word.tells_apart)
@@ -129,11 +134,11 @@ void WriteNote(const PageRun& run, const PageNumbers& numbers, std::ostream& out
       << "’s share of the similarity of the cluster’s " << rows
       << " to each other.</dd>\n<dt>tells apart</dt><dd>Its share of the distance between the "
          "cluster and the other "
-      << rows << ".</dd>\n<dt>" << (are_shares ? "rarer here" : "lower here")
-      << "</dt><dd>Tells the cluster apart because "
-      << (are_shares ? "fewer of its " + rows + " contain it" : "it is lower") << " than elsewhere."
-      << "</dd>\n<dt>weaker here</dt><dd>Tells it apart because the other " << columns
-      << " of the cluster weigh more.</dd>\n<dt>Typical " << rows
+      << rows << ".</dd>\n<dt>" << (are_shares ? "rarer here" : "lower here") << "</dt><dd>"
+      << (are_shares ? "Tells the cluster apart because fewer of its " + rows + " contain it"
+                     : "Its average is lower")
+      << " than elsewhere.</dd>\n<dt>weaker here</dt><dd>Tells it apart because the other "
+      << columns << " of the cluster weigh more.</dd>\n<dt>Typical " << rows
       << "</dt><dd>Those most similar to the others of the cluster.</dd>\n<dt>Nearest "
          "clusters</dt><dd>Those whose sums point the same way: the cosine between the sums of their "
       << rows << ", 1 for the same direction.</dd>\n</dl>\n</details>\n";

@@ -105,7 +105,7 @@ class NamePlaces {
 std::string ShortName(const PageRun& run, const PageNumbers& numbers, int k) {
   std::string name = std::to_string(k);
   for (const int column : NameOf(numbers.words[static_cast<std::size_t>(k)], kWordsShown)) {
-    name += std::string(" ") + run.mat.clabels[column];
+    name += " " + WordText(run, numbers, k, column);
   }
   return name;
 }

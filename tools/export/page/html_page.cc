@@ -20,7 +20,8 @@ constexpr char kHead[] =
     "<meta name=\"color-scheme\" content=\"light dark\">\n<link rel=\"icon\" href=\"data:,\">\n";
 
 std::string TitleOf(const PageRun& run) {
-  return Html(std::filesystem::path(run.matrix_name).filename().string());
+  const std::filesystem::path name = std::filesystem::path(run.matrix_name).filename();
+  return Html((name.extension() == ".mat" ? name.stem() : name).string());
 }
 
 void WriteHeader(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
@@ -33,7 +34,7 @@ void WriteHeader(const PageRun& run, const PageNumbers& numbers, std::ostream& o
 }
 
 void WriteNavigation(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
-  out << "<nav aria-label=\"Sections\"><a href=\"#overview\">Overview</a> "
+  out << "<nav aria-label=\"Sections\"><div class=\"links\"><a href=\"#overview\">Overview</a> "
          "<a href=\"#clusters\">Clusters</a> "
          "<a href=\"#heat\">Heat map</a> ";
   if (HasMap(numbers)) out << "<a href=\"#map\">Map</a> ";
@@ -41,7 +42,7 @@ void WriteNavigation(const PageRun& run, const PageNumbers& numbers, std::ostrea
   if (numbers.complete)
     out << "<a href=\"#row-trees\">" << Capital(run.wording.row) << " tree</a> ";
   out << "<a href=\"#quality\">Quality</a> <a href=\"#rows\">" << Capital(run.wording.rows)
-      << "</a> <a href=\"#run\">Run</a>\n"
+      << "</a> <a href=\"#run\">Run</a></div>\n"
          "<form role=\"search\" class=\"tools\" hidden><label>"
       << Capital(run.wording.column)
       << " <input id=\"word-search\" type=\"search\" autocomplete=\"off\" size=\"12\"></label> "

@@ -15,7 +15,7 @@ void WriteWords(const PageRun& run, const PageNumbers& numbers, int k, std::ostr
   const std::vector<int> name = NameOf(numbers.words[static_cast<std::size_t>(k)], 2 * kNameWords);
   out << "<b>" << NameText(run, numbers, k) << "</b>";
   for (std::size_t word = kNameWords; word < name.size(); ++word) {
-    out << (word == kNameWords ? " <i>" : ", ") << Html(run.mat.clabels[name[word]]);
+    out << (word == kNameWords ? " <i>" : ", ") << Html(WordText(run, numbers, k, name[word]));
   }
   if (name.size() > kNameWords) out << "</i>";
 }

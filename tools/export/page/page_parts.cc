@@ -13,10 +13,19 @@ std::string LevelText(const PageNumbers& numbers, double level) {
   return numbers.levels.are_shares() ? PercentText(level) : ThreeDigits(level);
 }
 
+bool IsLower(const PageNumbers& numbers, int k, int column) {
+  return !numbers.levels.are_shares() &&
+         numbers.levels.Inside(k, column) < numbers.levels.Elsewhere(k, column);
+}
+
+std::string WordText(const PageRun& run, const PageNumbers& numbers, int k, int column) {
+  return std::string(IsLower(numbers, k, column) ? "low " : "") + run.mat.clabels[column];
+}
+
 std::string NameText(const PageRun& run, const PageNumbers& numbers, int k) {
   std::string name;
   for (const int column : NameOf(numbers.words[static_cast<std::size_t>(k)], kNameWords)) {
-    name += (name.empty() ? "" : ", ") + Html(run.mat.clabels[column]);
+    name += (name.empty() ? "" : ", ") + Html(WordText(run, numbers, k, column));
   }
   return name;
 }

@@ -19,6 +19,10 @@ std::string CountedRows(const PageRun& run, std::int64_t count);
 // The level of a column: a percentage, or for a dense matrix three digits of the average.
 std::string LevelText(const PageNumbers& numbers, double level);
 
+// Whether the average of a column of a dense matrix is lower in a cluster than in the others.
+bool IsLower(const PageNumbers& numbers, int k, int column);
+// A column among the words of a cluster: "oil", or "low weight" where it is lower.
+std::string WordText(const PageRun& run, const PageNumbers& numbers, int k, int column);
 // The words by which a cluster is called, as HTML: "oil, crude, prices".
 std::string NameText(const PageRun& run, const PageNumbers& numbers, int k);
 // The same behind its number: "16: oil, crude, prices".

@@ -180,7 +180,7 @@ class Federalist(unittest.TestCase):
 
     def test_has_a_title_a_language_and_headings_in_order(self):
         self.assertEqual(self.page.all("html")[0]["at"]["lang"], "en")
-        self.assertEqual(self.page.all("title")[0]["text"], "federalist.mat: 8 clusters")
+        self.assertEqual(self.page.all("title")[0]["text"], "federalist: 8 clusters")
         self.assertEqual(len(self.page.all("h1")), 1)
         levels = [int(e["tag"][1]) for e in self.page.elements if re.fullmatch("h[1-6]", e["tag"])]
         self.assertTrue(all(after <= before + 1 for before, after in zip(levels, levels[1:])))
