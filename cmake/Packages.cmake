@@ -65,6 +65,16 @@ endforeach()
 mardle_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog.gz)
 mardle_compressed(${PROJECT_SOURCE_DIR}/cmake/debian/changelog changelog.Debian.gz)
 
+# Guides and examples, laid out as in the sources, so that their links hold.
+set(guides ${CMAKE_INSTALL_DATADIR}/doc/mardle)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${guides} COMPONENT program)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${guides} COMPONENT program
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${guides} COMPONENT program
+  PATTERN clients EXCLUDE PATTERN "*.clustering.*" EXCLUDE PATTERN "*.tree.*" EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/clients
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libmolva-dev/examples COMPONENT development)
+
 # Whoever installs without a package gets the texts of the licences too; packages refer to Debian's.
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/LICENSES/GPL-2.0.txt
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/mardle COMPONENT licences)
