@@ -15,8 +15,8 @@
 #include "tools/text/fields.h"
 #include "tools/text/file_error.h"
 #include "tools/text/numbers.h"
+#include "tools/text/option_complaint.h"
 #include "tools/text/shell_text.h"
-#include "tools/text/suggestion.h"
 #include "tools/text/tool_frame.h"
 #include "tools/text/version.h"
 
@@ -107,19 +107,6 @@ std::vector<int> NumbersOf(const SweepRequest& request, const Numbers& texts) {
   return numbers;
 }
 
-// What may have been meant by the options that there are not.
-std::string Suggestions(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::Option* option : app.get_options()) {
-    names.push_back(option->get_name(false, true));
-  }
-  std::string text;
-  for (const std::string& rest : app.remaining()) {
-    if (rest.starts_with("--")) text += DidYouMean(rest.substr(0, rest.find('=')), names);
-  }
-  return text;
-}
-
 }  // namespace
 
 std::optional<int> ParseSweepRequest(int argc, const char* const* argv, SweepRequest& request) {
@@ -159,8 +146,7 @@ std::optional<int> ParseSweepRequest(int argc, const char* const* argv, SweepReq
   } catch (const CLI::ParseError& error) {
     // A value apart from its option is counted among the arguments.
     CheckOptions(request.mardle_options);
-    ReportError(kName,
-                std::string(error.what()) + Suggestions(app) + "\nTry '" + kName + " --help'.");
+    ReportError(kName, OptionComplaint(app, error) + "\nTry '" + kName + " --help'.");
     return kWrongUsage;
   }
   RequireMatrix(request.matrix, numbers.to);
