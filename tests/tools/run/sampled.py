@@ -36,7 +36,7 @@ def topic_rows(count, seed, width=20, drawn=9):
     return lines
 
 
-class SampledRuns(unittest.TestCase):
+class Files(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
@@ -61,6 +61,8 @@ class SampledRuns(unittest.TestCase):
         """Every topic is a cluster."""
         self.assertEqual(len({(row % TOPICS, label) for row, label in enumerate(labels)}), TOPICS)
 
+
+class SampledRuns(Files):
     def refuse(self, words, *arguments, status=2):
         done = self.run_tool(*arguments)
         self.assertEqual(done.returncode, status, done.stderr)
@@ -135,24 +137,28 @@ class SampledRuns(unittest.TestCase):
         self.refuse("The sample has 3 rows for 4 clusters!", "--sample", "m", "4", status=1)
         self.assertFalse((self.folder / "m.clustering.4").exists())
 
-    @unittest.skipUnless(WITH_LIMIT, "sanitizers reserve address space of their own")
-    def test_a_file_four_times_larger_than_the_address_space(self):
-        limit = 64 * MEGABYTE
-        lines = topic_rows(4000, 7, width=200, drawn=200)
-        text = "\n".join(lines) + "\n"
-        copies = 4 * limit // len(text) + 1
-        entries = copies * sum(len(line.split()) // 2 for line in lines)
-        with open(self.folder / "m", "w", encoding="ascii") as out:
-            out.write(f"{copies * len(lines)} 800 {entries}\n")
-            for _ in range(copies):
-                out.write(text)
-        self.assertGreater((self.folder / "m").stat().st_size, 4 * limit)
-        whole = self.run_tool("-direct", "-ntrials=1", "m", "4", address_space=limit)
-        self.assertEqual(whole.returncode, 1)
-        self.assertIn("Memory allocation failed", whole.stderr)
-        done = self.run_tool("--sample=2000", "--passes=2", "m", "4", address_space=limit)
-        self.assertEqual(done.returncode, 0, done.stderr)
-        self.expect_topics(self.clusters())
+
+# Sanitizers reserve address space of their own.
+if WITH_LIMIT:
+
+    class RunsInLittleMemory(Files):
+        def test_a_file_four_times_larger_than_the_address_space(self):
+            limit = 64 * MEGABYTE
+            lines = topic_rows(4000, 7, width=200, drawn=200)
+            text = "\n".join(lines) + "\n"
+            copies = 4 * limit // len(text) + 1
+            entries = copies * sum(len(line.split()) // 2 for line in lines)
+            with open(self.folder / "m", "w", encoding="ascii") as out:
+                out.write(f"{copies * len(lines)} 800 {entries}\n")
+                for _ in range(copies):
+                    out.write(text)
+            self.assertGreater((self.folder / "m").stat().st_size, 4 * limit)
+            whole = self.run_tool("-direct", "-ntrials=1", "m", "4", address_space=limit)
+            self.assertEqual(whole.returncode, 1)
+            self.assertIn("Memory allocation failed", whole.stderr)
+            done = self.run_tool("--sample=2000", "--passes=2", "m", "4", address_space=limit)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.expect_topics(self.clusters())
 
 
 if __name__ == "__main__":
