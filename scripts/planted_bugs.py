@@ -75,7 +75,7 @@ BUGS = [
     Bug("a product of counts is formed as an int", "lib/matrix/composites.h",
         "return static_cast<std::int64_t>(a) * b;",
         "return static_cast<int>(static_cast<unsigned>(a) * static_cast<unsigned>(b));",
-        "Limit|Composites", LIBRARY),
+        "CountProducts", LIBRARY),
     Bug("entropy is rounded at its end only", "programs/external_quality.cc",
         "  float entropy = 0;\n  for (const int count : dist) {\n    if (count <= 0) continue;\n"
         "    const Wide share = static_cast<Wide>(count) / size;\n"
@@ -119,7 +119,7 @@ BUGS = [
         "Prun", LIBRARY),
     Bug("the first column's start is not shifted back", "lib/matrix/prepared_matrix.cc",
         "for (int j = mat.ncols; j > 0; --j) mat", "for (int j = mat.ncols; j > 1; --j) mat",
-        "ColMat|PreparedMatrix", LIBRARY),
+        "ColumnCopy", LIBRARY),
     Bug("the first place without a feature is left as it was", "lib/measure/feature_ranking.cc",
         "for (int i = filled; i < lists.nfeatures", "for (int i = filled + 1; i < lists.nfeatures",
         "Feature", LIBRARY),
@@ -141,8 +141,8 @@ BUGS = [
         "  if (is_midway) return std::nullopt;\n", "  if (false) return is_midway;\n",
         "Number|ParseDouble", READER),
     Bug("the last row found early is not told", "programs/io/labels.cc",
-        "companion.kind, name.c_str(), n, i);", "companion.kind, name.c_str(), n, i + 1);", "Label",
-        READER),
+        "companion.kind, name.c_str(), n, i);", "companion.kind, name.c_str(), n, i + 1);",
+        "CompanionFiles", READER),
     # Settings and statuses.
     Bug("z-scores do not force the file", "programs/run_params.cc",
         "if (params.zscores) params.nooutput = false;", "", "Options|Derive|ZScore", REPORTS),
@@ -160,7 +160,7 @@ BUGS = [
     Bug("wrong usage is an ordinary failure", "tools/text/tool_frame.h", "kWrongUsage = 2;",
         "kWrongUsage = 1;", "tools_|Request", TOOLS),
     Bug("a third argument is passed over", "programs/options.cc", "argc - optind == 2;",
-        "argc - optind >= 2;", "Options", REPORTS),
+        "argc - optind >= 2;", "CommandLine|MissingParameters", REPORTS),
     Bug("not-a-number has the sign that it was given", "lib/support/printed.cc",
         "if (!IsNan(value)) return", "if (!IsNan(value) || !brought) return", "Printed",
         SUPPORT),
@@ -202,7 +202,7 @@ BUGS = [
         "OutputFile|tools_", FILES),
     Bug("half an exchange is kept", "tools/text/file_exchange.cc",
         "for (auto step = steps_.rbegin(); step != steps_.rend(); ++step) Undo(*step);",
-        "", "FileExchange|OutputFile", FILES),
+        "", "Exchange|OutputFile", FILES),
     Bug("folders are not locked", "tools/text/folder_lock.cc",
         "static_cast<void>(flock(descriptor, LOCK_EX));", "", "tools_lasting|OutputFile", FILES),
     # mardle-run.
@@ -214,7 +214,7 @@ BUGS = [
         (*TOOLS, "mardle_run_test")),
     Bug("a later message hides a failed write", "tools/run/reported_errors.cc",
         "has_failed_write_ = has_failed_write_ || TellsOfAFailedWrite(line_);",
-        "has_failed_write_ = TellsOfAFailedWrite(line_);", "tools_|ChildProcess|Reported",
+        "has_failed_write_ = TellsOfAFailedWrite(line_);", "tools_|RunProgram",
         (*TOOLS, "mardle_run_test")),
     # mardle-import.
     Bug("a file that begins with a byte-order mark has it in its first field",

@@ -69,6 +69,18 @@ TEST(Entropy, OfThreeToOneIsBelowOne) {
   EXPECT_NEAR(Entropy({3, 1}), 2 - 0.75 * std::log2(3.0), 1e-7);
 }
 
+// One row of the first class, three of each of the others, of seven.
+TEST(Entropy, IsSinglePrecisionAfterEveryTerm) {
+  const auto term = [](long double share) { return share * std::log2(1 / share); };
+  const long double one = term(1 / 7.0L);
+  const long double three = term(3 / 7.0L);
+  const float two_terms = static_cast<float>(static_cast<float>(one) + three);
+  const float rounded = static_cast<float>(two_terms + three);
+  const long double most = std::log2(3.0L);
+  EXPECT_EQ(Entropy({1, 3, 3}), static_cast<float>(rounded / most));
+  EXPECT_NE(Entropy({1, 3, 3}), static_cast<float>((one + three + three) / most));
+}
+
 TEST(Entropy, OfAnEmptyClusterIsZero) { EXPECT_EQ(Entropy({0, 0, 0}), 0.0F); }
 
 TEST(Purity, IsTheShareOfTheLargestClass) {
@@ -98,6 +110,12 @@ TEST(WeightedAverage, IsSinglePrecisionAfterEveryTerm) {
   const std::vector<float> ones = {1, 1, 1};
   EXPECT_EQ(mardle::WeightedAverage(Counts{16777216, 1, 1}, ones, 1), 16777216.0F);
   EXPECT_EQ(mardle::WeightedAverage(Counts{1, 1, 16777216}, ones, 1), 16777218.0F);
+}
+
+// 6710885 x 15 / 3 = 33554425 lies midway between two floats, of which the even one is taken;
+// 6710885 / 3, formed first, is rounded, and 15 times as much lies above.
+TEST(WeightedAverage, MultipliesBeforeItDivides) {
+  EXPECT_EQ(mardle::WeightedAverage(Counts{6710885}, std::vector<float>{15}, 3), 33554424.0F);
 }
 
 using Scores = std::vector<float>;

@@ -20,6 +20,12 @@ TEST(CriterionTerms, FollowTheirFormulas) {
   EXPECT_EQ(SizedG1Term::Of(kCluster), 4.5);
 }
 
+// 15 x 25 / 3 is whole; 25 / 3, formed first, is not, nor is 15 times what it is rounded to.
+TEST(CriterionTerms, MultiplyBySizesBeforeTheyDivide) {
+  EXPECT_EQ(E1Term::Of(ClusterMeasure{15, 9, 25}), 125);
+  EXPECT_EQ(SizedG1Term::Of(ClusterMeasure{15, 3, 25}), 125);
+}
+
 TEST(CriterionTerms, SquareTheSizeIn64Bits) {
   EXPECT_EQ(G1PrimeTerm::Of(ClusterMeasure{50000, 1, 1}), 2.5e9);
 }

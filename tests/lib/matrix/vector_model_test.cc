@@ -125,6 +125,15 @@ TEST(Normalisation, ScalesByTheInverseLengthRoundedToSinglePrecision) {
   EXPECT_EQ(mat->rowval[0], static_cast<float>(1 / Sqrt(Wide{3})));
 }
 
+// 3 times the rounded scale is another float than 3 / sqrt(10).
+TEST(Normalisation, RoundsTheScaleBeforeItIsUsed) {
+  const auto mat = PreparedOf({{3, 1}});
+  NormalizeRows({.simfun = MOLVA_SIM_COSINE}, *mat);
+  const auto scale = static_cast<float>(1 / std::sqrt(10.0L));
+  EXPECT_EQ(Values(*mat), (std::vector<float>{3 * scale, scale}));
+  EXPECT_NE(3 * scale, static_cast<float>(3 / std::sqrt(10.0L)));
+}
+
 TEST(Normalisation, LeavesAZeroRowAsItIs) {
   const auto mat = OneRow({0, 0});
   NormalizeRows({.simfun = MOLVA_SIM_COSINE}, *mat);

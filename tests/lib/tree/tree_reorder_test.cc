@@ -75,6 +75,17 @@ TEST(TreeReordering, KeepsTheOrderOfEquallySimilarChildren) {
             (std::vector<int>{2, 0, 1}));
 }
 
+TEST(TreeReordering, KeepsTheOrderOfChildrenEquallySimilarToBothNeighbours) {
+  // Node 4, of leaves 0 and 1, is more like leaf 3 than leaf 2 is, so it comes between the two.
+  const std::vector<int> ptree = {4, 4, 5, 6, 5, 6, -1, -1};
+  const std::vector<float> smat = {1,    0,    0.3F, 0.5F,  //
+                                   0,    1,    0.3F, 0.5F,  //
+                                   0.3F, 0.3F, 1,    0.1F,  //
+                                   0.5F, 0.5F, 0.1F, 1};
+  EXPECT_EQ(LeafOrder(ptree, Reordered(4, {1, 1, 1, 1}, smat, ptree)),
+            (std::vector<int>{3, 0, 1, 2}));
+}
+
 TEST(TreeReordering, ComparesAveragesAndNotSums) {
   // Leaf 1 holds ten rows, so a product of 2 is an average of 0.2, below leaf 0's 0.5.
   const std::vector<int> ptree = {3, 3, 4, 4, -1, -1};

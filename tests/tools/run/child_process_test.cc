@@ -54,6 +54,7 @@ TEST(RunProgram, NoticesAWriteThatIsReportedAsFailed) {
   EXPECT_TRUE(
       HasFailedWrite("echo one >&2; echo 'Writing m.tree.2 failed: No space' >&2; exit 84"));
   EXPECT_TRUE(HasFailedWrite("printf 'Writing a' >&2; sleep 0.1; echo ' b failed: No space' >&2"));
+  EXPECT_TRUE(HasFailedWrite("echo 'Writing a failed: No space' >&2; echo 'one more' >&2"));
   EXPECT_FALSE(HasFailedWrite("echo 'Writing m.tree.2' >&2; echo 'it failed: no' >&2"));
 }
 

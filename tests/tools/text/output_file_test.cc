@@ -2,8 +2,11 @@
 #include "tools/text/output_file.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <string>
+#include <system_error>
 
 #include "tests/testing/files.h"
 #include "tools/text/file_error.h"
@@ -99,6 +102,30 @@ TEST(OutputFile, FailuresNameTheFile) {
   fs::create_symlink("loop", folder.Path("loop"));
   EXPECT_EQ(MessageOf(folder.Path("loop")),
             folder.Path("loop") + ": Too many levels of symbolic links");
+}
+
+// The descriptor under which this process has a file of the folder open, or -1.
+int DescriptorIn(const std::string& folder) {
+  for (const fs::directory_entry& open : fs::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;  // that of the listing itself
+    const std::string file = fs::read_symlink(open.path(), gone).string();
+    if (file.starts_with(folder + "/")) return std::stoi(open.path().filename().string());
+  }
+  return -1;
+}
+
+// There is nothing to flush, so that closing alone can tell.
+TEST(OutputFile, ACloseThatFailsIsTold) {
+  const TempFolder folder;
+  const std::string name = folder.Path("f");
+  OutputFile file(name);
+  ASSERT_EQ(close(DescriptorIn(fs::canonical(folder.Path(".")).string())), 0);
+  try {
+    file.Complete();
+    FAIL();
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.what(), name + ": Bad file descriptor");
+  }
 }
 
 }  // namespace
