@@ -23,12 +23,22 @@ unsigned long rows = 0;
 unsigned long wide_rows = 0;
 std::string record;
 
+void Count(unsigned long n, std::size_t stride) {
+  constexpr std::size_t kWide = 8;
+  rows += n;
+  if (stride >= kWide) wide_rows += n;
+}
+
 void CountAndDot(const molva::RowView& row, const float* lanes, std::size_t stride,
                  float* products) {
-  constexpr std::size_t kWide = 8;
-  ++rows;
-  if (stride >= kWide) ++wide_rows;
+  Count(1, stride);
   chosen.dot(row, lanes, stride, products);
+}
+
+void CountAndDotFullRows(const float* const* full_rows, std::size_t ncols, const float* lanes,
+                         std::size_t stride, float* const* products) {
+  Count(molva::kFullRows, stride);
+  chosen.dot_full_rows(full_rows, ncols, lanes, stride, products);
 }
 
 bool Choose(const char* target) {
@@ -51,7 +61,7 @@ int main(int argc, char** argv) {
   constexpr int kOwn = 3;
   if (argc <= kOwn || !Choose(argv[2])) return 3;
   molva::UseRoughLooks(std::strcmp(argv[1], "plain") != 0);
-  molva::SetKernel({chosen.target, CountAndDot, chosen.gain});
+  molva::SetKernel({chosen.target, CountAndDot, chosen.meet, CountAndDotFullRows});
   record = argv[3];
   std::atexit(WriteRecord);
   argv[kOwn] = argv[0];
