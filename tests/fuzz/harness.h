@@ -41,12 +41,17 @@ void FuzzExport(Bytes bytes);       // files for mardle-export
 void FuzzArithmetic(Bytes bytes);   // clusterings under both arithmetics
 void FuzzWide(Bytes bytes);         // operations on two wide numbers
 
-inline constexpr Target kTargets[] = {
-    {"matrix", FuzzMatrix},         {"labels", FuzzLabels},   {"command_line", FuzzCommandLine},
-    {"numbers", FuzzNumbers},       {"library", FuzzLibrary}, {"program", FuzzProgram},
-    {"plots", FuzzPlots},           {"import", FuzzImport},   {"export", FuzzExport},
-    {"arithmetic", FuzzArithmetic}, {"arrays", FuzzArrays},   {"wide", FuzzWide},
+inline constexpr Target kProgramTargets[] = {
+    {"matrix", FuzzMatrix},   {"labels", FuzzLabels},         {"command_line", FuzzCommandLine},
+    {"numbers", FuzzNumbers}, {"library", FuzzLibrary},       {"program", FuzzProgram},
+    {"plots", FuzzPlots},     {"arithmetic", FuzzArithmetic}, {"wide", FuzzWide},
 };
+// Of the programs beside mardle.
+inline constexpr Target kToolTargets[] = {
+    {"import", FuzzImport}, {"arrays", FuzzArrays}, {"export", FuzzExport}};
+
+// Those that this build has.
+std::span<const Target> Targets();
 
 // A promise that was not kept.
 struct Broken : std::runtime_error {

@@ -57,7 +57,8 @@ TEST_P(Replay, KeepsEveryPromiseOnEveryFile) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Fuzz, Replay, testing::ValuesIn(fuzzing::kTargets),
+INSTANTIATE_TEST_SUITE_P(Fuzz, Replay,
+                         testing::ValuesIn(fuzzing::Targets().begin(), fuzzing::Targets().end()),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
 }  // namespace

@@ -30,7 +30,7 @@ void Run(const fuzzing::Target& target, const char* path) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  for (const fuzzing::Target& target : fuzzing::kTargets) {
+  for (const fuzzing::Target& target : fuzzing::Targets()) {
     if (argc < 3 || std::strcmp(argv[1], target.name) != 0) continue;
     for (int i = 2; i < argc; ++i) Run(target, argv[i]);
     return 0;

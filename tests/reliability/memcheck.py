@@ -8,6 +8,8 @@ computes long doubles in 64 bits and other ties may be found. Findings of libplo
 in libplot.supp, each with its reason. Prints one line per run; ends with status 1 on a finding.
 """
 
+import concurrent.futures
+import os
 import pathlib
 import shutil
 import subprocess
@@ -69,13 +71,15 @@ def findings(program, inputs, arguments):
 
 def main():
     program = pathlib.Path(sys.argv[1]).resolve()
+    names = sys.argv[2:] or list(RUNS)
     found = 0
-    for name in sys.argv[2:] or RUNS:
-        text = findings(program, *RUNS[name])
-        print(f"{name}: {'findings' if text else 'clean'}", flush=True)
-        if text:
-            found += 1
-            print(text)
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as runs:
+        texts = runs.map(lambda name: findings(program, *RUNS[name]), names)
+        for name, text in zip(names, texts):
+            print(f"{name}: {'findings' if text else 'clean'}", flush=True)
+            if text:
+                found += 1
+                print(text)
     print(f"{found} runs with findings.")
     return 1 if found else 0
 
