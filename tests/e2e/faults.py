@@ -20,17 +20,10 @@ import subprocess
 import sys
 import tempfile
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "testing"))
+from scratch_folder import MATRIX
+
 TIME_LIMIT = 60  # seconds; only a program that hangs comes near it
-MATRIX = """8 6 22
-1 3 2 1
-1 2 2 2 3 1
-1 4 2 3
-3 2 4 5
-3 3 4 2 5 1
-3 1 4 4
-5 2 6 3 1 1 4 2
-5 3 6 1 2 1 3 1
-"""
 FORMATS = ["ai", "cgm", "fig", "gif", "hpgl", "meta", "pcl", "png", "pnm", "ps", "regis", "svg",
            "tek"]
 EVERYTHING = ["-fulltree", "-writetree", "-showtree", "-showfeatures", "-plotmatrix=plot",

@@ -17,22 +17,14 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "testing"))
+from scratch_folder import MATRIX, ScratchFolder
 
 PROGRAM, LIBRARY = (os.path.abspath(path) for path in sys.argv[1:3])
 TIME_LIMIT = 60  # seconds; only a program that hangs comes near it
 COMPLETED = 84
-MATRIX = """8 6 22
-1 3 2 1
-1 2 2 2 3 1
-1 4 2 3
-3 2 4 5
-3 3 4 2 5 1
-3 1 4 4
-5 2 6 3 1 1 4 2
-5 3 6 1 2 1 3 1
-"""
 CLUSTERING, CLUSTER_TREE, ROW_TREE = "m.clustering.3", "m.tree.3", "m.tree.8"
 # What is asked for, and the results in the order in which they are written.
 RUNS = ((["-zscores", "-fulltree", "-writetree"], [ROW_TREE, CLUSTERING]),
@@ -42,19 +34,14 @@ NOT_OPENED = f"Problems in opening the clustering file: {CLUSTERING}\n"
 OWN_NAME = re.compile(r"^\.mardle-[0-9a-f]{16}\.partial$")
 
 
-class KilledRuns(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="mardle-killed-"))
-        self.addCleanup(shutil.rmtree, self.folder)
-
+class KilledRuns(ScratchFolder):
     def run_in_new_folder(self, words, old, fault=None):
         """A run among old results, or none: the finished run, the files it left, and whether the
         fault was met."""
         shutil.rmtree(self.folder)
         self.folder.mkdir()
-        (self.folder / "m").write_text(MATRIX)
-        for name, text in old.items():
-            (self.folder / name).write_text(text)
+        for name, text in {"m": MATRIX, **old}.items():
+            self.write(name, text)
         told, tell = os.pipe()
         variables = dict(os.environ)
         if fault:

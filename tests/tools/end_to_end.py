@@ -7,66 +7,28 @@ Usage: end_to_end.py MARDLE MARDLE-IMPORT MARDLE-RUN MARDLE-EXPORT
 
 import os
 import pathlib
-import pty
 import shutil
 import signal
-import stat
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "testing"))
+from scratch_folder import ScratchFolder
 
 DATA = pathlib.Path(__file__).resolve().parent / "data"
 TEXTS = DATA / "texts"
 MARDLE, IMPORT, RUN, EXPORT = (os.path.abspath(path) for path in sys.argv[1:5])
 
 
-class EndToEnd(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder)
-
-    def write(self, name, text):
-        (self.folder / name).write_text(text)
-        return name
-
-    def call(self, program, *arguments, **environment):
-        return subprocess.run([program, *map(str, arguments)], cwd=self.folder, text=True,
-                              capture_output=True, env={**os.environ, **environment}, check=False)
-
+class EndToEnd(ScratchFolder):
     def run_tool(self, *arguments, **environment):
         return self.call(RUN, *arguments, **{"MARDLE": MARDLE, **environment})
-
-    def stand_in(self, script):
-        """A program that is run instead of mardle."""
-        path = self.folder / "stand-in"
-        path.write_text("#!/bin/sh\n" + script)
-        path.chmod(path.stat().st_mode | stat.S_IXUSR)
-        return str(path)
-
-    def lines(self, name):
-        return (self.folder / name).read_text().splitlines()
 
     def small_matrix(self):
         self.write("m", "3 2 4\n1 1\n1 2 2 1\n2 1\n")
 
-
-    def on_terminal(self, program, *arguments):
-        """What a terminal gets on standard output and standard error."""
-        ours, theirs = pty.openpty()
-        with subprocess.Popen([program, *arguments], cwd=self.folder, stdin=theirs, stdout=theirs,
-                              stderr=theirs, env={**os.environ, "MARDLE": MARDLE}) as started:
-            os.close(theirs)
-            shown = b""
-            try:
-                while block := os.read(ours, 65536):
-                    shown += block
-            except OSError:
-                pass  # Linux tells the end of a terminal by an error.
-            os.close(ours)
-            started.wait()
-        return shown
 
 
 class ShowingOnTerminals(EndToEnd):
@@ -78,7 +40,7 @@ class ShowingOnTerminals(EndToEnd):
         (self.folder / "m.rlabel").write_bytes(b"\n".join([self.LABEL] * 3) + b"\n")
         self.write("c", "0\n1\n0\n")
         asked = ["tsv", "--matrix", "m", "--clustering", "c"]
-        shown = self.on_terminal(EXPORT, *asked)
+        shown = self.on_terminal(EXPORT, *asked)[1]
         self.assertEqual(shown.count(self.SHOWN), 3, shown)
         self.assertNotIn(b"\x1b", shown)
         piped = subprocess.run([EXPORT, *asked], cwd=self.folder, capture_output=True, check=True)
@@ -87,10 +49,11 @@ class ShowingOnTerminals(EndToEnd):
     def test_messages_bring_no_control_characters(self):
         (self.folder / "bad.mtx").write_bytes(
             b"%%MatrixMarket matrix coordinate real general\n1 1 1\n1 1 \x1b[2J\n")
-        shown = self.on_terminal(IMPORT, "bad.mtx", "out")
+        shown = self.on_terminal(IMPORT, "bad.mtx", "out")[1]
         self.assertIn(b"'\\x1b[2J'", shown)
         self.assertNotIn(b"\x1b[2J", shown)
-        shown = self.on_terminal(RUN, "no\x1b[2Jfile", "2")
+        shown = self.on_terminal(RUN, "no\x1b[2Jfile", "2",
+                                 env={**os.environ, "MARDLE": MARDLE})[1]
         self.assertIn(b"no\\x1b[2Jfile", shown)
         self.assertNotIn(b"no\x1b", shown)
 

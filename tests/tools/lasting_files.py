@@ -10,36 +10,23 @@ import fcntl
 import os
 import pathlib
 import resource
-import shutil
 import signal
 import stat
 import subprocess
 import sys
-import tempfile
 import threading
 import time
 import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "testing"))
+from scratch_folder import ScratchFolder
 
 MARDLE, IMPORT, RUN, EXPORT = (os.path.abspath(path) for path in sys.argv[1:5])
 TIME_LIMIT = 60  # seconds; only a program that hangs comes near it
 COMPANIONS = ("", ".rlabel", ".rclass", ".clabel")
 
 
-class Tools(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder)
-
-    def write(self, name, text):
-        (self.folder / name).write_text(text)
-        return name
-
-    def text(self, name):
-        return (self.folder / name).read_text()
-
-    def names(self):
-        return sorted(os.listdir(self.folder))
-
+class Tools(ScratchFolder):
     def call(self, program, *words, stdout=subprocess.PIPE, most_bytes=None, closed=False, **variables):
         def prepare():
             if most_bytes is not None:
@@ -310,10 +297,8 @@ class Running(Tools):
 
     def afterwards(self, script, *options):
         """mardle-run with a mardle after whose whole run something happens to the results."""
-        program = self.folder / "stand-in"
-        program.write_text(f'#!/bin/sh\n"{MARDLE}" "$@" >/dev/null 2>&1\n{script}\nexit 84\n')
-        program.chmod(0o755)
-        return self.call(RUN, *options, "m", 2, MARDLE=str(program))
+        program = self.stand_in(f'"{MARDLE}" "$@" >/dev/null 2>&1\n{script}\nexit 84\n')
+        return self.call(RUN, *options, "m", 2, MARDLE=program)
 
     def test_a_clustering_that_is_cut_is_a_failure(self):
         short = "mardle-run: m.clustering.2: incomplete, 2 of 3 lines\n"
@@ -396,12 +381,10 @@ class Running(Tools):
 
     def test_a_pipe_is_left_to_mardle(self):
         os.mkfifo(self.folder / "pipe")
-        program = self.folder / "stand-in"
-        program.write_text("#!/bin/sh\nexit 84\n")
-        program.chmod(0o755)
-        done = self.call(RUN, "-nooutput", "-rclassfile=pipe", "m", 0, MARDLE=str(program))
+        program = self.stand_in("exit 84\n")
+        done = self.call(RUN, "-nooutput", "-rclassfile=pipe", "m", 0, MARDLE=program)
         self.expect(done, 0)
-        done = self.call(RUN, "pipe", 2, MARDLE=str(program))
+        done = self.call(RUN, "pipe", 2, MARDLE=program)
         self.expect(done, 1, "mardle-run: pipe: cannot be read again\n")
 
     def test_its_own_answers_that_cannot_be_written_are_errors(self):

@@ -10,7 +10,6 @@ import hashlib
 import json
 import os
 import pathlib
-import pty
 import random
 import resource
 import shlex
@@ -18,23 +17,17 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "testing"))
+from scratch_folder import ScratchFolder
 
 DATA = pathlib.Path(__file__).resolve().parents[1] / "data"
 MARDLE, RUN, CLUSTER = (os.path.abspath(path) for path in sys.argv[1:4])
 
 
-class Clustering(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder)
-
-    def call(self, program, *arguments, **environment):
-        return subprocess.run([program, *map(str, arguments)], cwd=self.folder, text=True,
-                              capture_output=True, env={**os.environ, **environment}, check=False)
-
+class Clustering(ScratchFolder):
     def cluster(self, *arguments, **environment):
         done = self.call(CLUSTER, *arguments, **environment)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
@@ -47,9 +40,6 @@ class Clustering(unittest.TestCase):
 
     def read(self, name):
         return (self.folder / name).read_bytes()
-
-    def names(self, folder="."):
-        return sorted(os.listdir(self.folder / folder))
 
     def many_lines(self, rows=3000):
         """Lines of words that take a while to cluster."""
@@ -229,17 +219,8 @@ class Clustering(unittest.TestCase):
 
     def test_a_terminal_is_told_how_far_the_work_has_come(self):
         self.many_lines()
-        ours, theirs = pty.openpty()
-        with subprocess.Popen([CLUSTER, "-ntrials=40", "many.txt", "30"], cwd=self.folder,
-                              stdin=theirs, stdout=subprocess.DEVNULL, stderr=theirs) as run:
-            os.close(theirs)
-            shown = b""
-            try:
-                while block := os.read(ours, 65536):
-                    shown += block
-            except OSError:
-                pass  # Linux tells the end of a terminal by an error.
-            os.close(ours)
+        run, shown = self.on_terminal(CLUSTER, "-ntrials=40", "many.txt", "30",
+                                      stdout=subprocess.DEVNULL)
         self.assertEqual(run.returncode, 0, shown)
         self.assertRegex(shown, rb"reading")
         self.assertRegex(shown, rb"clustering: bisection \d+ of 29, \d+ s")
