@@ -25,17 +25,14 @@ struct Contents {
   std::vector<float> rowval;
 };
 
-// Lines of at most 131071 characters with their newline, each ended by its first NUL.
-std::vector<std::string> LinesOf(std::string_view text) {
-  std::vector<std::string> lines;
-  while (!text.empty()) {
-    const std::size_t newline = text.find('\n');
-    const std::size_t length = newline == std::string_view::npos ? text.size() : newline + 1;
-    const std::string_view line = text.substr(0, std::min<std::size_t>(length, 131071));
-    lines.emplace_back(line.substr(0, line.find('\0')));
-    text.remove_prefix(line.size());
-  }
-  return lines;
+// Takes the first line off the text: at most 131071 characters with their newline, ended by the
+// first NUL.
+std::string TakeLine(std::string_view& text) {
+  const std::size_t newline = text.find('\n');
+  const std::size_t length = newline == std::string_view::npos ? text.size() : newline + 1;
+  const std::string_view line = text.substr(0, std::min<std::size_t>(length, 131071));
+  text.remove_prefix(line.size());
+  return std::string(line.substr(0, line.find('\0')));
 }
 
 std::vector<Token> TokensOf(std::string line) {
@@ -53,8 +50,8 @@ std::vector<Token> TokensOf(std::string line) {
 // The slow reader. Errors are thrown as they come.
 class SlowReader {
  public:
-  explicit SlowReader(std::string_view text) : lines_(LinesOf(text)) {
-    if (!lines_.empty()) ReadHeader(lines_[0].c_str());
+  explicit SlowReader(std::string_view text) : rest_(text) {
+    if (!rest_.empty()) ReadHeader(TakeLine(rest_).c_str());
   }
 
   bool large() const {
@@ -124,10 +121,10 @@ class SlowReader {
                numbers_[0], found)};
   }
 
-  std::vector<Token> TokensOfRow(int i) const {
-    const auto line = static_cast<std::size_t>(i) + 1;
-    if (line >= lines_.size()) RefuseRows(i);
-    return TokensOf(lines_[line]);
+  // Of the next row, whose number is i.
+  std::vector<Token> TokensOfRow(int i) {
+    if (rest_.empty()) RefuseRows(i);
+    return TokensOf(TakeLine(rest_));
   }
 
   static void AppendRow(int i, const std::vector<Token>& tokens, Contents& matrix) {
@@ -147,7 +144,7 @@ class SlowReader {
     }
   }
 
-  std::vector<std::string> lines_;
+  std::string_view rest_;  // behind the rows that were read
   int numbers_[3] = {0, 0, 0};
 };
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // One word of a matrix file as a value and as a column number: the bits that strtod gives, rounded
-// to float, and the column that strtol gives.
+// to float, and the column that strtol gives. Reading a file takes twenty times as long as
+// converting the word where it stands, so one word in sixteen goes through files as well.
 #include <algorithm>
 #include <cstdlib>
 
@@ -67,6 +68,13 @@ void CheckColumn(const std::string& word) {
   }
 }
 
+// By the word alone, so that an input does the same whenever it is run.
+bool GoesThroughFiles(const std::string& word) {
+  std::uint32_t hash = 0;
+  for (const char c : word) hash = 31 * hash + static_cast<unsigned char>(c);
+  return hash % 16 == 0;
+}
+
 }  // namespace
 
 void FuzzNumbers(Bytes bytes) {
@@ -75,8 +83,9 @@ void FuzzNumbers(Bytes bytes) {
   word.resize(std::min(word.size(), kLongest));
   std::erase_if(word, [](char c) { return !BelongsToAWord(c); });
   if (word.empty()) return;
-  const Sandbox sandbox({.fill = 0xff});
   CheckInPlace(word);
+  if (!GoesThroughFiles(word)) return;
+  const Sandbox sandbox({.fill = 0xff});
   CheckValue(word);
   CheckColumn(word);
 }
