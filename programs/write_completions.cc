@@ -52,12 +52,15 @@ void PrintBash() {
       "  elif [[ ${COMP_WORDS[COMP_CWORD - 1]} == \"=\" ]]; then\n"
       "    option=${COMP_WORDS[COMP_CWORD - 2]} value=$word\n"
       "  fi\n"
+      "  # What mardle-run takes beside.\n"
+      "  local own=\n"
+      "  [[ ${COMP_WORDS[0]} == *mardle-run ]] && own=\"--sample --sample= --passes= --help --version\"\n"
       "  case $option in\n"
       "%s"
       "    -*) COMPREPLY=() ;;\n"
       "    *)\n"
       "      if [[ $word == -* ]]; then\n"
-      "        COMPREPLY=($(compgen -W \"%s\" -- \"$word\"))\n"
+      "        COMPREPLY=($(compgen -W \"%s $own\" -- \"$word\"))\n"
       "        [[ ${COMPREPLY[0]} == *= ]] && compopt -o nospace 2> /dev/null\n"
       "      else\n"
       "        COMPREPLY=($(compgen -f -- \"$word\"))\n"
@@ -71,7 +74,12 @@ void PrintBash() {
 }
 
 void PrintZsh() {
-  std::printf("#compdef mardle mardle-run\n_arguments \\\n");
+  std::printf(
+      "#compdef mardle mardle-run\n"
+      "local -a own\n"
+      "[[ $service == mardle-run ]] &&\n"
+      "  own=('--sample=-::rows: ' '--passes=-:passes: ' '--help' '--version')\n"
+      "_arguments $own \\\n");
   for (const Option& option : mardle::OptionTable()) {
     const std::string values = ValuesOf(option);
     std::string action;
