@@ -57,7 +57,8 @@ class SoftWide {
   constexpr SoftWide operator-() const { return Of(!negative_, exponent_, significand_); }
   constexpr SoftWide operator+() const { return *this; }
 
-  friend constexpr SoftWide operator+(SoftWide a, SoftWide b) {
+  // Loops of sums spend their time here, so it is put into them.
+  [[gnu::always_inline]] friend constexpr SoftWide operator+(SoftWide a, SoftWide b) {
     if (a.exponent_ == kEndless || b.exponent_ == kEndless) return EndlessSum(a, b);
     return a.negative_ == b.negative_ ? SumOfMagnitudes(a, b) : Difference(a, b);
   }
@@ -123,11 +124,12 @@ class SoftWide {
 
   // Rounds a number other than zero, (-1)^negative value 2^(exponent - kBias - 127), in which bits
   // below the last stand for all that is less.
-  static constexpr SoftWide Rounded(bool negative, int exponent, Uint128 value) {
+  [[gnu::always_inline]] static constexpr SoftWide Rounded(bool negative, int exponent,
+                                                           Uint128 value) {
     const int shift = LeadingZeros(value);
     value <<= shift;
     exponent -= shift;
-    if (exponent < 1) {
+    if (exponent < 1) [[unlikely]] {
       value = ShiftedRight(value, 1 - exponent);
       exponent = 1;
     }
@@ -205,7 +207,7 @@ class SoftWide {
     int exponent;
     Uint128 a, b;
   };
-  static constexpr Aligned Align(SoftWide a, SoftWide b) {
+  [[gnu::always_inline]] static constexpr Aligned Align(SoftWide a, SoftWide b) {
     const int exponent_a = std::max(a.exponent_, 1);
     const int exponent_b = std::max(b.exponent_, 1);
     const Uint128 value_a = Uint128{a.significand_} << 63;
