@@ -2,8 +2,10 @@
 #include "lib/rough/lanes.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "lib/rough/rough_looks.h"
+#include "lib/support/narrowing.h"
 #include "lib/support/span.h"
 
 namespace molva {
@@ -118,20 +120,47 @@ Wide Lanes::SquaredLength(std::size_t lane) const {
 
 // Some hundred columns are taken at a time, so that they stay in the cache while each lane is
 // summed over them; within a lane the columns come in their order all the same.
-void Lanes::DotsWith(Span<const float> vector, Span<float> dots) const {
+template <typename Sum, typename AddTerm>
+Array<Sum> Lanes::SumsWith(Span<const float> vector, std::size_t lanes, AddTerm add) const {
   constexpr std::size_t kColumns = 256;
-  auto sums = Array<Wide>::Zeroed(static_cast<std::int64_t>(dots.size()), name_);
+  auto sums = Array<Sum>::Zeroed(static_cast<std::int64_t>(lanes), name_);
   for (std::size_t begin = 0; begin < vector.size(); begin += kColumns) {
     const std::size_t end = std::min(begin + kColumns, vector.size());
     for (std::size_t lane = 0; lane < sums.size(); ++lane) {
       const LaneView composite{values_ + lane, stride_};
       for (std::size_t j = begin; j < end; ++j) {
-        sums[lane] += static_cast<Wide>(composite[j]) * vector[j];
+        add(composite[j], vector[j], sums[lane]);
       }
     }
   }
+  return sums;
+}
+
+void Lanes::DotsWith(Span<const float> vector, Span<float> dots) const {
+  if (RoughLooksAreUsed() && DotsAreCertain(vector, dots)) return;
+  const auto sums = SumsWith<Wide>(
+      vector, dots.size(), [](float a, float b, Wide& sum) { sum += static_cast<Wide>(a) * b; });
   std::transform(sums.begin(), sums.end(), dots.begin(),
                  [](Wide sum) { return static_cast<float>(sum); });
+}
+
+// Whether double arithmetic tells them all.
+bool Lanes::DotsAreCertain(Span<const float> vector, Span<float> dots) const {
+  struct Sums {
+    double sum, magnitudes;
+  };
+  const auto sums = SumsWith<Sums>(vector, dots.size(), [](float a, float b, Sums& sum) {
+    const double term = static_cast<double>(a) * static_cast<double>(b);
+    sum.sum += term;
+    sum.magnitudes += std::fabs(term);
+  });
+  for (std::size_t lane = 0; lane < dots.size(); ++lane) {
+    const Narrowed dot =
+        NarrowedSum({sums[lane].sum, sums[lane].magnitudes, static_cast<double>(vector.size())});
+    if (!dot.is_certain) return false;
+    dots[lane] = dot.value;
+  }
+  return true;
 }
 
 }  // namespace molva

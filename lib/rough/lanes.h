@@ -66,6 +66,9 @@ class Lanes {
 
   Array<double> RoughSquares() const;
   Wide SquaredLength(std::size_t lane) const;
+  template <typename Sum, typename AddTerm>
+  Array<Sum> SumsWith(Span<const float> vector, std::size_t lanes, AddTerm add) const;
+  bool DotsAreCertain(Span<const float> vector, Span<float> dots) const;
 
   int ncols_;
   std::size_t stride_;
