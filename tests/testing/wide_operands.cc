@@ -72,8 +72,9 @@ SoftWide NumberFrom(std::uint64_t bits, std::uint64_t choices) {
 SoftWide NeighbourOf(SoftWide x, Bits& choice) {
   const int exponent = x.exponent() + choice.Below(3) - 1;
   if (exponent < 1 || exponent >= SoftWide::kEndless || x.exponent() == 0) return -x;
-  return SoftWide::Of(choice.Below(2) != 0, exponent,
-                      x.significand() ^ static_cast<std::uint64_t>(choice.Below(4)));
+  const bool negative = choice.Below(2) != 0;
+  const auto difference = static_cast<std::uint64_t>(choice.Below(4));
+  return SoftWide::Of(negative, exponent, x.significand() ^ difference);
 }
 
 template <typename Number>
