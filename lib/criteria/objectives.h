@@ -109,7 +109,7 @@ struct Ratio {
 
 // The fourth root of A times B, reported per row.
 struct FourthRootProduct {
-  static Wide Of(Wide a, Wide b) { return FourthRoot(a) * b; }
+  static Wide Of(Wide a, Wide b) { return QuarterPower(a) * b; }
   static Wide Divisor(Wide nrows) { return nrows; }
 };
 

@@ -49,15 +49,21 @@ inline long double ExtendedOf(SoftWide x) {
   return extended;
 }
 
-// Processors differ in the last bit of a power, which is compared: the nearest is the same on all.
-inline long double FourthRoot(long double x) { return ExtendedOf(FourthRoot(SoftWideOf(x))); }
-
 inline long double Sqrt(long double x) { return std::sqrt(x); }
 // What the last bits of these are is nothing that single precision, to which they come, can show.
 inline long double Log(long double x) { return std::log(x); }
 inline long double Log2(long double x) { return std::log2(x); }
 inline long double Fabs(long double x) { return std::fabs(x); }
 inline bool IsNan(long double x) { return std::isnan(x); }
+
+// x to the power 1/4, compared to its last bit, as the platform's mathematics has it.
+inline long double QuarterPower(long double x) { return std::pow(x, 0.25L); }
+inline SoftWide QuarterPower(SoftWide x) { return SoftWideOf(QuarterPower(ExtendedOf(x))); }
+
+#else
+
+// The nearest, where the platform has no power of such numbers.
+inline SoftWide QuarterPower(SoftWide x) { return FourthRoot(x); }
 
 #endif
 

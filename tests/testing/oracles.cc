@@ -103,7 +103,7 @@ int FirstOf(int code) { return code == 7 ? 2 : 1; }
 int SecondOf(int code) { return code == 8 ? 2 : 3; }
 bool HasTwoSums(int code) { return code >= 6 && code <= 8; }
 
-Wide Combined(int code, Wide a, Wide b) { return code == 8 ? molva::FourthRoot(a) * b : a / b; }
+Wide Combined(int code, Wide a, Wide b) { return code == 8 ? molva::QuarterPower(a) * b : a / b; }
 
 PlainState StateOf(int code, const PreparedMatrix& mat, int nparts, std::span<const int> part) {
   const auto columns = static_cast<std::size_t>(mat.ncols);
