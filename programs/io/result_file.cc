@@ -25,16 +25,21 @@ bool FolderTakesNoFile(int error) {
 }
 
 // Some files cannot be renamed over, those among them that are mounted by themselves.
-void WriteOver(const std::string& name, const std::string& newcomer) {
+bool WriteOver(const std::string& name, const std::string& newcomer) {
   const molva::File from = molva::OpenFile(newcomer.c_str(), "r");
   molva::File to = molva::OpenFile(name.c_str(), "w");
-  if (!from || !to) return molva::ReportFailedWrite(name.c_str(), errno);
+  if (!from || !to) {
+    molva::ReportFailedWrite(name.c_str(), errno);
+    return false;
+  }
   std::array<char, 65536> block;
   while (const std::size_t size = std::fread(block.data(), 1, block.size(), from.get())) {
     if (std::fwrite(block.data(), 1, size, to.get()) != size) break;
   }
   const bool is_cut = std::ferror(from.get()) != 0;
-  if (molva::CloseFile(to) && is_cut) molva::ReportFailedWrite(name.c_str(), EIO);
+  if (!molva::CloseFile(to)) return false;
+  if (is_cut) molva::ReportFailedWrite(name.c_str(), EIO);
+  return !is_cut;
 }
 
 }  // namespace
@@ -77,13 +82,18 @@ void ResultFile::OpenBeside(int newcomer) {
   if (newcomer >= 0) file_.stream.reset(fdopen(newcomer, "w"));
 }
 
-void ResultFile::Complete() {
-  if (!molva::CloseFile(file_)) return partial_.Remove();
-  if (partial_.name().empty()) return;
+bool ResultFile::Complete() {
+  const bool is_written = molva::CloseFile(file_);
+  if (!is_written) partial_.Remove();
+  if (!is_written || partial_.name().empty()) return is_written;
   const HeldSignals held;
-  if (std::rename(partial_.name().c_str(), file_.path.c_str()) == 0) return partial_.Forget();
-  WriteOver(file_.path, partial_.name());
+  if (std::rename(partial_.name().c_str(), file_.path.c_str()) == 0) {
+    partial_.Forget();
+    return true;
+  }
+  const bool is_over = WriteOver(file_.path, partial_.name());
   partial_.Remove();
+  return is_over;
 }
 
 }  // namespace mardle

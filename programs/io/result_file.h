@@ -23,8 +23,8 @@ class ResultFile {
   std::FILE* get() const { return file_.get(); }
 
   // Closes the file and gives it its name. Data that could not be written is reported in one line
-  // on standard error, and the run goes on.
-  void Complete();
+  // on standard error, and the run goes on; false then.
+  bool Complete();
 
  private:
   void OpenInPlace();

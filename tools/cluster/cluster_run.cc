@@ -9,17 +9,16 @@
 
 #include "tools/cluster/engine_run.h"
 #include "tools/cluster/interrupt_watch.h"
-#include "tools/cluster/run_record.h"
 #include "tools/cluster/scratch_folder.h"
 #include "tools/cluster/stage_line.h"
 #include "tools/import/import.h"
 #include "tools/run/child_process.h"
 #include "tools/run/program_path.h"
+#include "tools/run/run_record.h"
 #include "tools/text/fields.h"
 #include "tools/text/file_error.h"
 #include "tools/text/input_lines.h"
 #include "tools/text/numbers.h"
-#include "tools/text/output_file.h"
 #include "tools/text/run_files.h"
 #include "tools/text/shell_text.h"
 #include "tools/text/tool_frame.h"
@@ -178,11 +177,7 @@ void ClusterRun::WriteRecord() const {
                             is_input ? FromTarget(input_ + name.substr(matrix_.size())) : name,
                             HashOfFile(name), std::nullopt});
   }
-  OutputFile file(File(kRecordEnding));
-  file.Write(RecordText(record));
-  file.Complete();
-  OutputFile* const files[] = {&file};
-  Publish(files);
+  tools::WriteRecord(record, File(kRecordEnding));
 }
 
 // What the page is told of the matrix, as far as the import knows.

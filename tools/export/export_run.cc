@@ -24,6 +24,7 @@
 #include "tools/text/file_error.h"
 #include "tools/text/kept_inputs.h"
 #include "tools/text/output_file.h"
+#include "tools/text/run_files.h"
 #include "tools/text/tool_frame.h"
 
 namespace mardle::exporting {
@@ -157,7 +158,7 @@ void RefuseInputsAsOutputs(const Request& request) {
       CompanionName(files.rclassfile, request, ".rclass"),
       request.clustering,
       request.tree,
-      request.record.empty() ? RecordPathOf(request.clustering) : request.record};
+      request.record.empty() ? tools::RecordPathOf(request.clustering) : request.record};
   const std::string outputs[] = {request.output.empty() ? "/dev/stdout" : request.output,
                                  request.leaves};
   tools::RefuseInputsAsOutputs(inputs, outputs);

@@ -7,7 +7,6 @@
 #include "tools/text/file_error.h"
 #include "tools/text/file_hash.h"
 #include "tools/text/input_lines.h"
-#include "tools/text/run_files.h"
 
 namespace mardle::exporting {
 namespace {
@@ -43,6 +42,10 @@ RunRecord RecordOf(const json& text, const std::string& path) {
   if (text.contains("import")) {
     record.import_options = text["import"].get<std::vector<std::string>>();
   }
+  if (text.contains("sampled")) {
+    const json& sampled = text["sampled"];
+    record.sampled = {sampled.at("rows").get<int>(), sampled.at("passes").get<int>()};
+  }
   for (const json& file : text.at("files")) {
     record.files.push_back({file.at("role").get<std::string>(), file.value("sha256", "")});
   }
@@ -62,11 +65,6 @@ void TakeInt(const RunRecord& record, const char* name, int& field) {
 }
 
 }  // namespace
-
-std::string RecordPathOf(const std::string& clustering) {
-  constexpr char kSuffix[] = ".clustering";
-  return clustering.substr(0, clustering.rfind(kSuffix)) + tools::kRecordEnding;
-}
 
 RunRecord ReadRunRecord(const std::string& path) {
   const std::string text = TextOf(path);

@@ -17,6 +17,11 @@ struct RunRecord {
     std::string sha256;  // empty when the record has none
   };
 
+  struct Sample {
+    int rows;    // clustered directly
+    int passes;  // over all rows
+  };
+
   std::string path;
   std::string version;               // of the program that clustered
   std::vector<std::string> options;  // as it was given them
@@ -24,12 +29,9 @@ struct RunRecord {
   int seed = 0;
   int threads = 1;
   std::optional<std::vector<std::string>> import_options;  // nothing without an import
+  std::optional<Sample> sampled;  // nothing unless the run was of the sampled form
   std::vector<File> files;
 };
-
-// Where the record of a clustering file is: its name up to the last ".clustering", then
-// ".run.json".
-std::string RecordPathOf(const std::string& clustering);
 
 // Fails when the file is no record, or one of a format that is not known.
 RunRecord ReadRunRecord(const std::string& path);

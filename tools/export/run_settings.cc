@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "tools/text/file_error.h"
+#include "tools/text/run_files.h"
 
 namespace mardle::exporting {
 namespace {
@@ -22,7 +23,7 @@ std::optional<RunRecord> RecordOfRun(const Request& request, const std::string& 
 
 std::optional<RunRecord> FindRecord(const Request& request, std::vector<std::string>& warnings) {
   if (!request.record.empty()) return RecordOfRun(request, request.record);
-  const std::string path = RecordPathOf(request.clustering);
+  const std::string path = tools::RecordPathOf(request.clustering);
   if (!std::filesystem::is_regular_file(path)) return std::nullopt;
   try {
     return RecordOfRun(request, path);

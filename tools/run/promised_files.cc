@@ -21,13 +21,6 @@
 namespace mardle::tools {
 namespace {
 
-// Whether the file can be read back: results may also go to pipes, devices and standard output.
-bool IsChecked(const std::string& name) {
-  struct stat file;
-  if (stat(name.c_str(), &file) != 0) return true;
-  return S_ISREG(file.st_mode) && !IsStandardStream(name);
-}
-
 // The file of this name, or else the one beside the matrix.
 std::string CompanionName(const molva::String& given, const RunParams& params, const char* suffix) {
   return given ? given.get() : std::string(params.filename.get()) + suffix;
@@ -96,13 +89,13 @@ bool DrawsClusters(const RunParams& params) {
 
 void CheckLines(const std::string& name, const WantedLines& wanted,
                 std::vector<std::string>& problems) {
-  if (!IsChecked(name)) return;
+  if (!IsReadBack(name)) return;
   if (const auto problem = ProblemOfLines(name, wanted)) problems.push_back(*problem);
 }
 
 void CheckDrawing(const Drawing& drawing, const RunParams& params,
                   std::vector<std::string>& problems) {
-  if (!IsChecked(drawing.name)) return;
+  if (!IsReadBack(drawing.name)) return;
   const std::optional<FileState> now = FileState::Of(drawing.name);
   if (!now || now == drawing.before) {
     problems.push_back(drawing.name + ": not drawn");
@@ -114,6 +107,12 @@ void CheckDrawing(const Drawing& drawing, const RunParams& params,
 }
 
 }  // namespace
+
+bool IsReadBack(const std::string& name) {
+  struct stat file;
+  if (stat(name.c_str(), &file) != 0) return true;
+  return S_ISREG(file.st_mode) && !IsStandardStream(name);
+}
 
 CommandLineKind ReadCommandLine(std::vector<std::string> command_line, RunParams& params) {
   const int argc = static_cast<int>(command_line.size());

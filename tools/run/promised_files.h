@@ -23,6 +23,9 @@ CommandLineKind ReadCommandLine(std::vector<std::string> command_line, RunParams
 // mardle ends there, after all of the clustering.
 void RefuseTreesWithoutCriterion(const RunParams& params);
 
+// Whether a result can be read back: others may be pipes, devices and standard output.
+bool IsReadBack(const std::string& name);
+
 // What a file was like at some time; nothing when there was none.
 struct FileState {
   ino_t file = 0;

@@ -15,8 +15,10 @@
 #include "programs/io/write_results.h"
 #include "programs/thread_count.h"
 #include "tools/run/promised_files.h"
+#include "tools/run/sampled_record.h"
 #include "tools/text/kept_inputs.h"
 #include "tools/text/numbers.h"
+#include "tools/text/run_files.h"
 #include "tools/text/tool_frame.h"
 
 namespace mardle::tools {
@@ -64,12 +66,13 @@ RunParams ParamsOf(const std::vector<std::string>& arguments) {
   return params;
 }
 
-void WriteParts(const RunParams& params, const std::vector<int>& part) {
+// Whether all of it could be written; what failed has been told.
+bool WriteParts(const RunParams& params, const std::vector<int>& part) {
   const std::string name = ClusteringName(params);
   ResultFile file(name);
   if (!file) molva::FatalError("Problems in opening the clustering file: %s", name.c_str());
   for (const int k : part) std::fprintf(file.get(), "%d\n", k);
-  file.Complete();
+  return file.Complete();
 }
 
 template <typename... Values>
@@ -77,6 +80,12 @@ void Append(std::string& text, const char* format, Values... values) {
   std::array<char, 4096> line;
   std::snprintf(line.data(), line.size(), format, values...);
   text += line.data();
+}
+
+std::vector<std::string> OutputsWithRecord(RunParams& params) {
+  std::vector<std::string> outputs = OutputsOf(params);
+  if (!params.nooutput) outputs.push_back(RecordPathOf(ClusteringName(params)));
+  return outputs;
 }
 
 std::string ReportOf(const RunParams& params, const SampleSettings& settings,
@@ -134,7 +143,7 @@ std::optional<SampleSettings> TakeSampleOptions(std::vector<std::string>& argume
 void RunSampled(const std::vector<std::string>& arguments, SampleSettings settings) {
   const molva::CatchableErrors errors_are_thrown;
   RunParams params = ParamsOf(arguments);
-  RefuseInputsAsOutputs(InputsOf(params), OutputsOf(params));
+  RefuseInputsAsOutputs(InputsOf(params), OutputsWithRecord(params));
   UseThreadsOfEnvironment();
   if (settings.rows == 0) {
     settings.rows = std::max(kFewestSampled, kSampledOfACluster * params.nclusters);
@@ -142,8 +151,12 @@ void RunSampled(const std::vector<std::string>& arguments, SampleSettings settin
   const MatrixBlocks blocks(params.filename.get(), params.denseinput);
   const SampledClusters found = ClusterBySample(
       params, settings, blocks, [](const std::string& text) { ReportError(kName, text); });
-  if (!params.nooutput) WriteParts(params, found.part);
+  const bool is_written = params.nooutput || WriteParts(params, found.part);
   WriteStandardOutput(ReportOf(params, settings, blocks, found));
+  if (!is_written) throw std::runtime_error("the run could not write everything");
+  if (!params.nooutput && IsReadBack(ClusteringName(params))) {
+    WriteSampledRecord(arguments, params, settings, found);
+  }
 }
 
 }  // namespace mardle::tools

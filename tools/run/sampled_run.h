@@ -15,9 +15,9 @@ namespace mardle::tools {
 // --sample. Throws std::invalid_argument on numbers that are none.
 std::optional<SampleSettings> TakeSampleOptions(std::vector<std::string>& arguments);
 
-// Clusters the file, writes the clustering file and prints the report, which says that this is the
-// sampled form. Throws std::invalid_argument on options of mardle that this form does not have, and
-// std::runtime_error with the messages of mardle.
+// Clusters the file, writes the clustering file, prints the report and writes a record beside the
+// clustering, which both say that this is the sampled form. Throws std::invalid_argument on options
+// of mardle that this form does not have, and std::runtime_error with the messages of mardle.
 void RunSampled(const std::vector<std::string>& arguments, SampleSettings settings);
 
 }  // namespace mardle::tools

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 
 namespace mardle::tools {
 
@@ -21,5 +22,14 @@ inline constexpr std::array<RunFile, 7> kRunFiles = {{{".mat", "matrix"},
 // These two are not listed in the record.
 inline constexpr char kRecordEnding[] = ".run.json";
 inline constexpr char kPageEnding[] = ".html";
+
+// Where the record of a clustering file is: its name up to the last ".clustering", then
+// ".run.json".
+inline std::string RecordPathOf(const std::string& clustering) {
+  const std::size_t name = clustering.rfind('/') + 1;  // 0 without a folder
+  const std::size_t ending = clustering.rfind(".clustering");
+  const bool has_ending = ending != std::string::npos && ending >= name;
+  return (has_ending ? clustering.substr(0, ending) : clustering) + kRecordEnding;
+}
 
 }  // namespace mardle::tools

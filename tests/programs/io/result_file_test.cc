@@ -55,7 +55,7 @@ TEST_F(ResultFileTest, AppearsWhenItIsComplete) {
   ResultFile file(name_);
   std::fputs("new", file.get());
   EXPECT_FALSE(std::filesystem::exists(name_));
-  file.Complete();
+  EXPECT_TRUE(file.Complete());
   EXPECT_EQ(ReadText(name_), "new");
   EXPECT_EQ(Files(), 1U);
 }
@@ -203,7 +203,7 @@ TEST_F(ResultFileTest, WhoseFolderIsGoneIsToldUnderItsName) {
   ResultFile file(name);
   std::filesystem::remove_all(folder_.Path("folder"));
   testing::internal::CaptureStderr();
-  file.Complete();
+  EXPECT_FALSE(file.Complete());
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
             "Writing " + name + " failed: " + std::strerror(ENOENT) + "\n");
 }

@@ -187,6 +187,23 @@ TEST_F(ExportRun, TakesTheModelsOfTheRecord) {
   EXPECT_NE(told.out, Run({"features", "--clustering", "@elsewhere", "--matrix", "@m"}).out);
 }
 
+TEST_F(ExportRun, TellsThatARunWasOfTheSampledForm) {
+  std::string record = RecordOf(HashOfFile(Path("m")).sha256, HashOfFile(Path("c")).sha256);
+  const std::vector<std::string> page = {"html", "--clustering", "@c", "--matrix", "@m"};
+  Write("c.run.json", record);
+  EXPECT_THAT(Run(page).out, Not(HasSubstr("Sampled form")));
+  record.insert(record.find("\"files\""), R"("sampled": {"rows": 3, "passes": 1}, )");
+  record.insert(record.find("\"-colmodel"), R"("--sample=2", )");
+  Write("c.run.json", record);
+  const Outcome sampled = Run(page);
+  EXPECT_EQ(sampled.err, "");
+  const std::string how = "3 rows clustered directly, all placed in 1 pass";
+  EXPECT_THAT(sampled.out, HasSubstr("<p class=\"dim\">Sampled form: " + how + ".</p>\n<ol"));
+  EXPECT_THAT(sampled.out, HasSubstr("<dt>Sampled form</dt><dd>" + how + "</dd>"));
+  EXPECT_THAT(sampled.out, HasSubstr("<code>mardle-run --sample=2 -colmodel=1 -crfun=1 -seed=17 " +
+                                     Path("m") + " 2</code>"));
+}
+
 TEST_F(ExportRun, LeavesARecordOfAnotherRunWithAWarning) {
   Write("c.run.json", RecordOf(HashOfFile(Path("m")).sha256, HashOfFile(Path("m")).sha256));
   const Outcome outcome = Run({"html", "--clustering", "@c", "--matrix", "@m", "--colmodel", "2"});

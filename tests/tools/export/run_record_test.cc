@@ -12,7 +12,6 @@ using mardle::RunParams;
 using mardle::exporting::FileOfAnotherRun;
 using mardle::exporting::OptionOf;
 using mardle::exporting::ReadRunRecord;
-using mardle::exporting::RecordPathOf;
 using mardle::exporting::RunRecord;
 using mardle::exporting::TakeOptions;
 using testing::ElementsAre;
@@ -24,18 +23,12 @@ using testing_support::TempFolder;
 constexpr char kRecord[] = R"({"format": 1, "program": "mardle", "version": "1.5.0",
     "options": ["-crfun=3", "-rowmodel=4", "-colmodel=1", "-prune=0.5", "-showtree=5", "-rowmodel=2"],
     "clusters": 8, "seed": 7, "threads": 2, "import": ["--folder-classes"], "new": {},
+    "sampled": {"rows": 62, "passes": 9},
     "files": [{"role": "source", "path": "-"},
               {"role": "matrix", "path": "m", "size": 3, "sha256":
                "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
               {"role": "clustering", "path": "c", "size": 0, "sha256":
                "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"}]})";
-
-TEST(RunRecord, StandsBesideTheClustering) {
-  EXPECT_EQ(RecordPathOf("d/letters.clustering"), "d/letters.run.json");
-  EXPECT_EQ(RecordPathOf("texts.mat.clustering.8"), "texts.mat.run.json");
-  EXPECT_EQ(RecordPathOf("a.clustering.b.clustering.8"), "a.clustering.b.run.json");
-  EXPECT_EQ(RecordPathOf("other"), "other.run.json");
-}
 
 TEST(RunRecord, IsRead) {
   const TempFolder folder;
@@ -45,6 +38,8 @@ TEST(RunRecord, IsRead) {
   EXPECT_EQ(record.seed, 7);
   EXPECT_EQ(record.threads, 2);
   EXPECT_THAT(*record.import_options, ElementsAre("--folder-classes"));
+  EXPECT_EQ(record.sampled->rows, 62);
+  EXPECT_EQ(record.sampled->passes, 9);
   EXPECT_EQ(record.files.size(), 3U);
 }
 
@@ -77,7 +72,9 @@ TEST(RunRecord, TellsWhichFileIsAnother) {
 TEST(RunRecord, RefusesWhatIsNone) {
   const TempFolder folder;
   for (const char* text : {"", "{", "[]", "{}", R"({"format": "1"})", R"({"format": 1})",
-                           R"({"format": 1, "version": 2, "options": []})"}) {
+                           R"({"format": 1, "version": 2, "options": []})",
+                           R"({"format": 1, "version": "1", "options": [], "clusters": 1, "seed": 1,
+                               "sampled": {"rows": 1}, "files": []})"}) {
     const std::string path = folder.Write("r", text);
     EXPECT_EQ(FailureMessage([&] { ReadRunRecord(path); }),
               path + ": this is not the record of a run");

@@ -2,24 +2,27 @@
 # SPDX-License-Identifier: MIT
 """The sampled form of mardle-run: a matrix file clustered in passes over it.
 
-Usage: sampled.py MARDLE MARDLE-RUN [limit]
+Usage: sampled.py MARDLE MARDLE-RUN MARDLE-EXPORT [limit]
 
 With `limit` a file four times larger than the address space is clustered, too.
 """
 
+import hashlib
+import json
 import os
 import pathlib
 import random
 import re
 import resource
+import shlex
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
-MARDLE, RUN = (os.path.abspath(path) for path in sys.argv[1:3])
-WITH_LIMIT = sys.argv[3:4] == ["limit"]
+MARDLE, RUN, EXPORT = (os.path.abspath(path) for path in sys.argv[1:4])
+WITH_LIMIT = sys.argv[4:5] == ["limit"]
 MEGABYTE = 1 << 20
 TOPICS = 4
 
@@ -115,6 +118,57 @@ class SampledRuns(Files):
         done = self.run_tool("--sample=100", "m", "4")
         self.assertEqual(self.clusters()[-1], "-1")
         self.assertIn("\n1 rows in no cluster\n", done.stdout)
+
+    def test_a_record_tells_of_the_run(self):
+        self.write(topic_rows(2000, 6))
+        (self.folder / "d").mkdir()
+        done = self.run_tool("--sample=200", "-seed", "5", "-output", "d/c.clustering", "-crfun=1", "m",
+                             "4", MOLVA_NUM_THREADS="2")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        rows, passes = re.search(r": (\d+) rows clustered directly, all rows placed in (\d+) of",
+                                 done.stdout).groups()
+        record = json.loads((self.folder / "d/c.run.json").read_text())
+        self.assertEqual([record[key] for key in ("format", "options", "clusters", "seed", "threads",
+                                                  "sampled")],
+                         [1, ["--sample=200", "--passes=12", "-seed=5", "-crfun=1"], 4, 5, 2,
+                          {"rows": int(rows), "passes": int(passes)}])
+        self.assertEqual([(file["role"], file["path"]) for file in record["files"]],
+                         [("matrix", "../m"), ("clustering", "c.clustering")])
+        for file in record["files"]:
+            contents = (self.folder / "d" / file["path"]).read_bytes()
+            self.assertEqual((file["size"], file["sha256"]),
+                             (len(contents), hashlib.sha256(contents).hexdigest()))
+
+    def test_a_page_tells_of_the_sampled_form_and_how_to_repeat_it(self):
+        self.write(topic_rows(2000, 6))
+        self.assertEqual(self.run_tool("--sample=200", "-sim=1", "m", "4").returncode, 0)
+        labels = self.clusters()
+        done = subprocess.run([EXPORT, "html", "--matrix", "m", "--clustering", "m.clustering.4"],
+                              cwd=self.folder, text=True, capture_output=True, check=True)
+        self.assertEqual(done.stderr, "")
+        self.assertRegex(done.stdout, r"Sampled form: [12]\d\d rows clustered directly, all placed in "
+                                      r"\d+ pass(es)?\.")
+        program, *command = shlex.split(re.search("<code>(.*)</code>", done.stdout)[1])
+        self.assertEqual(program, "mardle-run")
+        self.assertEqual(self.run_tool("-output=again", *command).returncode, 0)
+        self.assertEqual(self.clusters("again"), labels)
+
+    def test_what_is_not_read_back_has_no_record(self):
+        self.write(topic_rows(50, 5))
+        for option in ("-nooutput", "-output=/dev/stdout"):
+            done = self.run_tool("--sample", option, "m", "4")
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertEqual(os.listdir(self.folder), ["m"])
+
+    def test_a_clustering_that_cannot_be_written_is_a_failure(self):
+        self.write(topic_rows(50, 5))
+        self.refuse("the run could not write everything", "--sample", "-output=/dev/full", "m", "4",
+                    status=1)
+
+    def test_no_record_is_written_over_the_matrix(self):
+        self.write(topic_rows(50, 5), "c.run.json")
+        self.refuse("c.run.json", "--sample", "-output=c", "c.run.json", "4", status=1)
+        self.assertEqual(os.listdir(self.folder), ["c.run.json"])
 
     def test_what_needs_all_rows_is_refused(self):
         self.write(topic_rows(50, 5))

@@ -25,8 +25,11 @@ void WriteWords(const PageRun& run, const PageNumbers& numbers, int k, std::ostr
 void WriteOverview(const PageRun& run, const PageNumbers& numbers, std::ostream& out) {
   const int largest = *std::max_element(numbers.pwgts.begin(), numbers.pwgts.end());
   out << "<section id=\"overview\" aria-labelledby=\"overview-heading\">\n"
-         "<h2 id=\"overview-heading\">What the clusters are about</h2>\n"
-         "<ol class=\"overview\" start=\"0\">\n";
+         "<h2 id=\"overview-heading\">What the clusters are about</h2>\n";
+  if (run.record != nullptr && run.record->sampled) {
+    out << "<p class=\"dim\">Sampled form: " << SampleText(run, *run.record->sampled) << ".</p>\n";
+  }
+  out << "<ol class=\"overview\" start=\"0\">\n";
   for (int k = 0; k < numbers.nclusters; ++k) {
     out << "<li style=\"--v:" << Percent(double{1} * numbers.pwgts[k] / std::max(largest, 1))
         << "\"><a href=\"#cluster-" << k << "\"><span class=\"no\">" << k << "</span> ";

@@ -9,6 +9,11 @@ std::string CountedRows(const PageRun& run, std::int64_t count) {
   return Counted(count, run.wording.row, run.wording.rows);
 }
 
+std::string SampleText(const PageRun& run, const RunRecord::Sample& sample) {
+  return CountedRows(run, sample.rows) + " clustered directly, all placed in " +
+         Counted(sample.passes, "pass", "passes");
+}
+
 std::string LevelText(const PageNumbers& numbers, double level) {
   return numbers.levels.are_shares() ? PercentText(level) : ThreeDigits(level);
 }

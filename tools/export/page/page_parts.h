@@ -16,6 +16,9 @@ namespace mardle::exporting {
 
 // "1 document", "7,674 documents".
 std::string CountedRows(const PageRun& run, std::int64_t count);
+// How the sampled form of a run came to its clusters: "62 documents clustered directly, all placed
+// in 9 passes".
+std::string SampleText(const PageRun& run, const RunRecord::Sample& sample);
 // The level of a column: a percentage, or for a dense matrix three digits of the average.
 std::string LevelText(const PageNumbers& numbers, double level);
 

@@ -16,7 +16,7 @@ void WriteNote(const char* name, const std::string& value, std::ostream& out) {
 
 // A command that makes the clustering again, when all that it hangs on is told.
 std::string CommandOf(const PageRun& run, const RunRecord& record) {
-  std::string command = "mardle";
+  std::string command = record.sampled ? "mardle-run" : "mardle";
   for (const std::string& option : record.options) command += " " + tools::ShellText(option);
   if (!OptionOf(record, "seed")) command += " -seed=" + std::to_string(record.seed);
   return command + " " + tools::ShellText(run.matrix_name) + " " + std::to_string(record.clusters);
@@ -35,6 +35,7 @@ void WriteRecord(const PageRun& run, std::ostream& out) {
   }
   const RunRecord& record = *run.record;
   WriteNote("Command", "<code>" + Html(CommandOf(run, record)) + "</code>", out);
+  if (record.sampled) WriteNote("Sampled form", SampleText(run, *record.sampled), out);
   WriteNote("Seed", std::to_string(record.seed), out);
   WriteNote("Version", "mardle " + Html(record.version), out);
   WriteNote("Threads", Grouped(record.threads), out);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tools/cluster/run_record.h"
+#include "tools/run/run_record.h"
 
 #include <gtest/gtest.h>
 
@@ -54,6 +54,15 @@ TEST(RunRecord, NamesThatAreNoUtf8AreMended) {
   record.files = {{"matrix", "b\xe4.mat", std::nullopt, std::nullopt}};
   EXPECT_NE(RecordText(record).find("\"b\xef\xbf\xbd.mat\""), std::string::npos);
   EXPECT_EQ(RecordText(record).find("import"), std::string::npos);
+  EXPECT_EQ(RecordText(record).find("sampled"), std::string::npos);
+}
+
+TEST(RunRecord, TellsTheSampledForm) {
+  RunRecord record;
+  record.sampled = {62, 9};
+  EXPECT_NE(RecordText(record).find("\"sampled\": {\n    \"rows\": 62,\n    \"passes\": 9\n  },\n"
+                                    "  \"files\": []"),
+            std::string::npos);
 }
 
 }  // namespace
