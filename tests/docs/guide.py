@@ -160,7 +160,7 @@ class Guide(unittest.TestCase):
     @unittest.skipUnless(shutil.which("gs") and shutil.which("pngtopnm"), "no ghostscript or netpbm")
     def test_pictures_are_drawn_and_compared(self):
         # The page of a picture is named in the script, so this one borrows a name.
-        self.write("README.md", "    $ cp examples/drawing matrix.ps\n\n![It](docs/images/matrix.png)\n")
+        self.write("docs/plots.md", "    $ cp examples/drawing matrix.ps\n\n![It](images/matrix.png)\n")
         self.write("examples/drawing", RECTANGLE)
         self.fails("matrix.png: is another picture now")
         self.passes("--update")
@@ -169,7 +169,7 @@ class Guide(unittest.TestCase):
         self.fails("matrix.png: is another picture now")
         self.write("examples/drawing", RECTANGLE.replace("200 200", "200 210"))
         self.fails("matrix.png: is another picture now (inf)")
-        self.change("README.md", "cp examples/drawing matrix.ps", "true")
+        self.change("docs/plots.md", "cp examples/drawing matrix.ps", "true")
         self.fails("matrix.png: matrix.ps was not written")
 
 
