@@ -189,7 +189,8 @@ Rows<T> RVAllocMatrix(std::int64_t nrows, std::int64_t ncols) {
   return Rows<T>(nrows, ncols, "RVAllocMatrix: matrix", "RVAllocMatrix: matrix[i]");
 }
 
-// The first element that lies at a multiple of the alignment; the block needs as much room to spare.
+// The first element that lies at a multiple of the alignment; the block needs as much room to
+// spare.
 template <typename T>
 T* AlignedFirst(Array<T>& block, std::size_t alignment) {
   void* first = block.data();
