@@ -174,13 +174,13 @@ BUGS = [
         "const bool failed_before = false;", "killed_runs|CloseFile|machine_faults",
         (*SUPPORT, *PROGRAM)),
     Bug("results are written over what stands there", "programs/io/result_file.cc",
-        "if (std::rename(partial_.name().c_str(), file_.path.c_str()) == 0) return partial_.Forget();",
-        "", "ResultFile|killed_runs", (*READER, *PROGRAM)),
+        "if (std::rename(partial_.name().c_str(), file_.path.c_str()) == 0) {",
+        "if (false) {", "ResultFile|killed_runs", (*READER, *PROGRAM)),
     Bug("a result is named before it is closed", "programs/io/result_file.cc",
-        "  if (!molva::CloseFile(file_)) return partial_.Remove();\n"
-        "  if (partial_.name().empty()) return;\n  const HeldSignals held;\n",
-        "  if (partial_.name().empty()) return static_cast<void>(molva::CloseFile(file_));\n"
-        "  const HeldSignals held;\n", "ResultFile|killed_runs", (*READER, *PROGRAM)),
+        "  const bool is_written = molva::CloseFile(file_);\n"
+        "  if (!is_written) partial_.Remove();\n"
+        "  if (!is_written || partial_.name().empty()) return is_written;\n",
+        "  if (partial_.name().empty()) return molva::CloseFile(file_);\n", "ResultFile|killed_runs", (*READER, *PROGRAM)),
     Bug("another's file is replaced", "programs/files/same_access.cc",
         "fchown(newcomer, before.st_uid, before.st_gid) != 0) return false;",
         "fchown(newcomer, before.st_uid, before.st_gid) != 0) return true;", "ResultFile|SameAccess",
