@@ -33,7 +33,7 @@ float LargestMagnitude(Span<const float> row) {
 }
 
 void ScaleByMaxTf(Span<float> row) {
-  constexpr Wide kHalf = 0.5;
+  const Wide kHalf = 0.5;
   const Wide largest = LargestMagnitude(row);
   for (float& v : row) v = static_cast<float>(kHalf + kHalf * v / largest);
 }

@@ -32,7 +32,7 @@ class TwoLanes : public testing::Test {
   // The sums in double, and that no product in any order may be further off than single precision.
   void ExpectProducts(const Pair& products, const std::vector<int>& columns,
                       std::size_t size) const {
-    for (const std::size_t lane : {0, 1}) {
+    for (const std::size_t lane : {0U, 1U}) {
       double product = 0;
       double magnitudes = 0;
       for (std::size_t p = 0; p < size; ++p) {
