@@ -31,15 +31,6 @@ RunParams ParamsOf(const EngineRequest& request) {
   return params;
 }
 
-// While it lives, the library tells of its progress.
-class Progressing {
- public:
-  explicit Progressing(StageLine& line) { MOLVA_SetProgressHook(&StageLine::Hook, &line); }
-  ~Progressing() { MOLVA_SetProgressHook(nullptr, nullptr); }
-  Progressing(const Progressing&) = delete;
-  Progressing& operator=(const Progressing&) = delete;
-};
-
 // A write that fails is told on standard error, and the writers go on.
 void RequireWhole(const std::string& name, std::int64_t lines, std::size_t fields) {
   if (const auto problem = ProblemOfLines(name, {lines, fields})) {

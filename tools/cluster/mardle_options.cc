@@ -118,6 +118,22 @@ void Check(std::string& option) {
 
 }  // namespace
 
+std::vector<const char*> TakeMardleOptions(int argc, const char* const* argv,
+                                           std::vector<std::string>& options) {
+  std::vector<const char*> others{argv[0]};
+  for (int i = 1; i < argc; ++i) {
+    const std::string word = argv[i];
+    const bool is_option =
+        word.size() > 1 && word[0] == '-' && word[1] != '-' && !ParseNumber(word);
+    if (is_option) {
+      options.push_back(word);
+    } else {
+      others.push_back(argv[i]);
+    }
+  }
+  return others;
+}
+
 void CheckMardleOptions(std::vector<std::string>& options) {
   for (std::string& option : options) Check(option);
 }

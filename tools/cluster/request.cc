@@ -5,7 +5,6 @@
 #include <climits>
 #include <filesystem>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 
 #include "tools/cluster/mardle_options.h"
@@ -13,11 +12,9 @@
 #include "tools/text/fields.h"
 #include "tools/text/file_error.h"
 #include "tools/text/numbers.h"
-#include "tools/text/option_complaint.h"
+#include "tools/text/parse_or_answer.h"
 #include "tools/text/shell_text.h"
 #include "tools/text/suggestion.h"
-#include "tools/text/tool_frame.h"
-#include "tools/text/version.h"
 
 namespace mardle::tools {
 namespace {
@@ -35,10 +32,6 @@ constexpr char kFooter[] =
     "'mardle -help' explains them.\n"
     "Environment: MOLVA_NUM_THREADS, the number of threads.\n"
     "Exit status: 0 done, 1 failed, 2 wrong usage.";
-
-bool IsMardleOption(const std::string& argument) {
-  return argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
-}
 
 // The options that were given, as they could be typed again.
 std::vector<std::string> GivenOptions(const CLI::App& app, const std::set<std::string>& others) {
@@ -112,19 +105,10 @@ std::string StemOf(const std::string& input) {
 
 std::optional<int> ParseClusterRequest(int argc, const char* const* argv, ClusterRequest& request) {
   request.program = argv[0];
-  std::vector<const char*> others{argv[0]};
-  for (int i = 1; i < argc; ++i) {
-    if (IsMardleOption(argv[i])) {
-      request.mardle_options.emplace_back(argv[i]);
-    } else {
-      others.push_back(argv[i]);
-    }
-  }
+  const std::vector<const char*> others = TakeMardleOptions(argc, argv, request.mardle_options);
   std::string nclusters;
   CLI::App app(kDescription, kName);
-  app.footer(kFooter);
-  app.set_help_flag("--help", "Print this help");
-  app.set_version_flag("--version", std::string(kName) + " " + kVersion, "Print the version");
+  AddHelp(app, kName, kFooter);
   app.add_option("INPUT", request.input, "What to cluster")->required()->type_name("");
   app.add_option("NCLUSTERS", nclusters, "The number of clusters")->required()->type_name("");
   app.add_option("--output", request.output,
@@ -133,19 +117,10 @@ std::optional<int> ParseClusterRequest(int argc, const char* const* argv, Cluste
   app.add_flag("--force", request.replace, "Replace results that are in the folder");
   app.add_flag("--quiet", request.quiet, "Print no progress and no summary");
   AddImportOptions(app, request.import);
-  try {
-    app.parse(static_cast<int>(others.size()), others.data());
-  } catch (const CLI::Success& success) {
-    std::ostringstream answer;
-    const int status = app.exit(success, answer);
-    WriteStandardOutput(answer.str());
-    return status;
-  } catch (const CLI::ParseError& error) {
-    // A value apart from its option is counted among the arguments.
-    CheckMardleOptions(request.mardle_options);
-    ReportError(kName, OptionComplaint(app, error) + "\nTry '" + kName + " --help'.");
-    return kWrongUsage;
-  }
+  const auto parse = [&] { app.parse(static_cast<int>(others.size()), others.data()); };
+  // A value apart from its option is counted among the arguments.
+  const auto check = [&] { CheckMardleOptions(request.mardle_options); };
+  if (const auto status = ParseOrAnswer(app, kName, parse, check)) return status;
   request.import_options =
       GivenOptions(app, {"--output", "--force", "--quiet", "--help", "--version"});
   RequireInput(request.input, nclusters);

@@ -43,4 +43,13 @@ class StageLine {
   std::chrono::steady_clock::time_point last_;
 };
 
+// While it lives, the library tells the line of its progress.
+class Progressing {
+ public:
+  explicit Progressing(StageLine& line) { MOLVA_SetProgressHook(&StageLine::Hook, &line); }
+  ~Progressing() { MOLVA_SetProgressHook(nullptr, nullptr); }
+  Progressing(const Progressing&) = delete;
+  Progressing& operator=(const Progressing&) = delete;
+};
+
 }  // namespace mardle::tools

@@ -4,13 +4,11 @@
 #include <CLI/CLI.hpp>
 #include <map>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 #include "lib/molva.h"
 #include "tools/text/numbers.h"
-#include "tools/text/option_complaint.h"
-#include "tools/text/tool_frame.h"
+#include "tools/text/parse_or_answer.h"
 #include "tools/text/version.h"
 
 namespace mardle::exporting {
@@ -239,21 +237,14 @@ std::variant<Request, int> ParseRequest(int argc, const char* const* argv) {
   AddHeatMap(
       AddFormat(app, "heatmap", "The matrix as a picture, an SVG file", Format::kHeatMap, request),
       request, texts);
-  try {
+  const auto parse = [&] {
     app.parse(argc, argv);
     if (app.get_subcommands().empty()) throw CLI::RequiredError("A format");
     CheckHeights(request);
     request.told = GivenOptions(app);
     SettleOptions(texts, request.format, request.run);
-  } catch (const CLI::Success& success) {
-    std::ostringstream answer;
-    app.exit(success, answer);
-    tools::WriteStandardOutput(answer.str());
-    return tools::kSuccess;
-  } catch (const CLI::ParseError& error) {
-    tools::ReportError(kName, tools::OptionComplaint(app, error) + "\nTry '" + kName + " --help'.");
-    return tools::kWrongUsage;
-  }
+  };
+  if (const auto status = tools::ParseOrAnswer(app, kName, parse)) return *status;
   return request;
 }
 

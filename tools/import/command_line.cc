@@ -5,16 +5,14 @@
 #include <climits>
 #include <cstdio>
 #include <map>
-#include <sstream>
 #include <string>
 
-#include "tools/text/option_complaint.h"
-#include "tools/text/tool_frame.h"
-#include "tools/text/version.h"
+#include "tools/text/parse_or_answer.h"
 
 namespace mardle::tools {
 namespace {
 
+constexpr char kName[] = "mardle-import";
 constexpr char kDescription[] =
     "Turns INPUT into a matrix that mardle reads, with the labels of its rows (.rlabel) and columns\n"
     "(.clabel) and the classes of its rows (.rclass) beside it. INPUT is a folder of texts, a file\n"
@@ -127,10 +125,8 @@ void AddImportOptions(CLI::App& app, ImportOptions& options) {
 }
 
 std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportOptions& options) {
-  CLI::App app(kDescription, "mardle-import");
-  app.footer(kFooter);
-  app.set_help_flag("--help", "Print this help");
-  app.set_version_flag("--version", std::string("mardle-import ") + kVersion, "Print the version");
+  CLI::App app(kDescription, kName);
+  AddHelp(app, kName, kFooter);
   app.add_option("INPUT", options.input, "The folder or file to import")->required()->type_name("");
   app.add_option("MATRIX", options.output.path, "The matrix file to write")
       ->required()
@@ -138,18 +134,7 @@ std::optional<int> ParseImportOptions(int argc, const char* const* argv, ImportO
   app.add_flag("--force", options.output.replace, "Replace files that exist");
   app.add_flag("--quiet", options.quiet, "Print no progress and no summary");
   AddImportOptions(app, options);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& success) {
-    std::ostringstream answer;
-    const int status = app.exit(success, answer);
-    WriteStandardOutput(answer.str());
-    return status;
-  } catch (const CLI::ParseError& error) {
-    ReportError("mardle-import", OptionComplaint(app, error) + "\nTry 'mardle-import --help'.");
-    return kWrongUsage;
-  }
-  return std::nullopt;
+  return ParseOrAnswer(app, kName, [&] { app.parse(argc, argv); });
 }
 
 }  // namespace mardle::tools

@@ -6,7 +6,6 @@
 #include <array>
 #include <climits>
 #include <filesystem>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -15,10 +14,8 @@
 #include "tools/text/fields.h"
 #include "tools/text/file_error.h"
 #include "tools/text/numbers.h"
-#include "tools/text/option_complaint.h"
+#include "tools/text/parse_or_answer.h"
 #include "tools/text/shell_text.h"
-#include "tools/text/tool_frame.h"
-#include "tools/text/version.h"
 
 namespace mardle::tools {
 namespace {
@@ -41,10 +38,6 @@ constexpr int kFewestSeeds = 2;
 constexpr std::array<std::string_view, 14> kTaken = {
     "crfun", "rowmodel", "colmodel", "prune",      "ntrials",    "niter",      "sim",
     "rb",    "direct",   "refine",   "clabelfile", "rlabelfile", "rclassfile", "denseinput"};
-
-bool IsMardleOption(const std::string& argument) {
-  return argument.size() > 1 && argument[0] == '-' && argument[1] != '-' && !ParseNumber(argument);
-}
 
 std::string NameOf(const std::string& option) { return option.substr(1, option.find('=') - 1); }
 
@@ -110,20 +103,11 @@ std::vector<int> NumbersOf(const SweepRequest& request, const Numbers& texts) {
 }  // namespace
 
 std::optional<int> ParseSweepRequest(int argc, const char* const* argv, SweepRequest& request) {
-  std::vector<const char*> others{argv[0]};
-  for (int i = 1; i < argc; ++i) {
-    if (IsMardleOption(argv[i])) {
-      request.mardle_options.emplace_back(argv[i]);
-    } else {
-      others.push_back(argv[i]);
-    }
-  }
+  const std::vector<const char*> others = TakeMardleOptions(argc, argv, request.mardle_options);
   Numbers numbers;
   std::string seeds = std::to_string(request.nseeds);
   CLI::App app(kDescription, kName);
-  app.footer(kFooter);
-  app.set_help_flag("--help", "Print this help");
-  app.set_version_flag("--version", std::string(kName) + " " + kVersion, "Print the version");
+  AddHelp(app, kName, kFooter);
   app.add_option("MATRIX", request.matrix, "The matrix, as mardle reads it")
       ->required()
       ->type_name("");
@@ -136,19 +120,10 @@ std::optional<int> ParseSweepRequest(int argc, const char* const* argv, SweepReq
   app.add_option("--picture", request.picture, "Draw the curves into this file, as SVG")
       ->type_name("FILE");
   app.add_flag("--quiet", request.quiet, "Print no progress");
-  try {
-    app.parse(static_cast<int>(others.size()), others.data());
-  } catch (const CLI::Success& success) {
-    std::ostringstream answer;
-    const int status = app.exit(success, answer);
-    WriteStandardOutput(answer.str());
-    return status;
-  } catch (const CLI::ParseError& error) {
-    // A value apart from its option is counted among the arguments.
-    CheckOptions(request.mardle_options);
-    ReportError(kName, OptionComplaint(app, error) + "\nTry '" + kName + " --help'.");
-    return kWrongUsage;
-  }
+  const auto parse = [&] { app.parse(static_cast<int>(others.size()), others.data()); };
+  // A value apart from its option is counted among the arguments.
+  const auto check = [&] { CheckOptions(request.mardle_options); };
+  if (const auto status = ParseOrAnswer(app, kName, parse, check)) return status;
   RequireMatrix(request.matrix, numbers.to);
   request.numbers = NumbersOf(request, numbers);
   request.nseeds = NumberIn(seeds, "--seeds", kFewestSeeds);

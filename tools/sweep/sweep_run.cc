@@ -33,15 +33,6 @@ RunParams ParamsOf(const SweepRequest& request) {
   return params;
 }
 
-// While it lives, the library tells of its progress.
-class Progressing {
- public:
-  explicit Progressing(StageLine& line) { MOLVA_SetProgressHook(&StageLine::Hook, &line); }
-  ~Progressing() { MOLVA_SetProgressHook(nullptr, nullptr); }
-  Progressing(const Progressing&) = delete;
-  Progressing& operator=(const Progressing&) = delete;
-};
-
 Sweep Work(const SweepRequest& request, RunParams& params) {
   const molva::CatchableErrors errors_are_thrown;
   UseThreadsOfEnvironment();
