@@ -1,16 +1,14 @@
 # SPDX-License-Identifier: MIT
 """Works a page of mardle-export in headless Chromium: the list of rows is made on demand, searched,
 narrowed and sorted, and the tree folds. Skipped (status 77) where Chromium is not installed.
-   export_browser.py MARDLE MARDLE_EXPORT"""
+   browser.py MARDLE MARDLE_EXPORT"""
 import csv
-import html
-import json
 import pathlib
-import re
-import shutil
 import subprocess
 import sys
 import tempfile
+
+import chromium
 
 ROWS = 250
 
@@ -104,16 +102,10 @@ def write_matrix(folder):
     return matrix
 
 
-def work(chromium, page, folder):
+def work(program, page):
     text = page.read_text(encoding="utf-8")
     page.write_text(text.replace("</body>", STEPS + "</body>"), encoding="utf-8")
-    done = subprocess.run(
-        [chromium, "--headless", "--no-sandbox", "--disable-gpu", f"--user-data-dir={folder / 'profile'}",
-         "--virtual-time-budget=20000", "--dump-dom", page.as_uri()],
-        capture_output=True, text=True, timeout=300)
-    found = re.search(r'<pre id="seen">(.*?)</pre>', done.stdout, re.S)
-    assert found, done.stdout[-3000:] + done.stderr[-3000:]
-    return json.loads(html.unescape(found[1]))
+    return chromium.seen_on(program, page)
 
 
 def expect(found, wanted, what):
@@ -174,10 +166,9 @@ def check_tables(seen, part):
 
 def main():
     mardle, export = (str(pathlib.Path(argument).resolve()) for argument in sys.argv[1:3])
-    chromium = shutil.which("chromium") or shutil.which("chromium-browser") or shutil.which("google-chrome")
-    if chromium is None:
-        print("Chromium is not installed")
-        return 77
+    program = chromium.find()
+    if program is None:
+        return chromium.NOT_INSTALLED
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch)
         matrix, clustering, page = write_matrix(folder), folder / "c", folder / "page.html"
@@ -186,7 +177,7 @@ def main():
         subprocess.run([export, "html", "--matrix", str(matrix), "--clustering", str(clustering),
                         "--output", str(page)], check=True)
         part = [int(line) for line in clustering.read_text().split()]
-        check(work(chromium, page, folder), part)
+        check(work(program, page), part)
     return 0
 
 

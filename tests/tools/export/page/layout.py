@@ -5,13 +5,13 @@ reached by keyboard; and on paper stands what can be read there. Skipped (status
 not installed.
    layout.py MARDLE_EXPORT"""
 import html
-import json
 import pathlib
 import re
-import shutil
 import subprocess
 import sys
 import tempfile
+
+import chromium
 
 WIDTHS = (400, 1000, 1600)
 CLUSTERS = 30
@@ -100,24 +100,14 @@ def write_run(folder):
     return matrix, clustering
 
 
-def run_chromium(chromium, folder, *arguments):
-    return subprocess.run(
-        [chromium, "--headless=new", "--no-sandbox", "--disable-gpu", "--window-size=1700,900",
-         f"--user-data-dir={folder / 'profile'}", *map(str, arguments)],
-        capture_output=True, text=True, timeout=300)
-
-
-def look(chromium, folder, page, *arguments):
+def look(program, folder, page, *arguments):
     """What the page measures at each width."""
     frames = "".join(f'<iframe width="{width}" height="900" srcdoc="{html.escape(page)}"></iframe>'
                      for width in WIDTHS)
     harness = folder / "frames.html"
     harness.write_text(f"<!DOCTYPE html><meta charset=utf-8><style>iframe {{ border: 0 }}</style>{frames}{MEASURE}",
                        encoding="utf-8")
-    done = run_chromium(chromium, folder, *arguments, "--virtual-time-budget=20000", "--dump-dom", harness.as_uri())
-    found = re.search(r'<pre id="seen">(.*?)</pre>', done.stdout, re.S)
-    assert found, done.stdout[-3000:] + done.stderr[-3000:]
-    return json.loads(html.unescape(found[1]))
+    return chromium.seen_on(program, harness, *arguments)
 
 
 def expect(found, wanted, what):
@@ -138,11 +128,10 @@ def check(seen, ground):
         assert frame["overview"] <= (1000 if width < 500 else 900), (width, frame["overview"])
 
 
-def printed(chromium, folder, page):
+def printed(program, folder, page):
     """The text on paper."""
     paper = folder / "page.pdf"
-    done = run_chromium(chromium, folder, f"--print-to-pdf={paper}", page.as_uri())
-    assert paper.exists(), done.stderr
+    chromium.run(program, f"--print-to-pdf={paper}", page.as_uri())
     return subprocess.run(["gs", "-q", "-dBATCH", "-dNOPAUSE", "-sDEVICE=txtwrite", "-o", "-", str(paper)],
                           capture_output=True, text=True, check=True).stdout
 
@@ -160,19 +149,18 @@ def check_paper(text):
 
 def main():
     export = str(pathlib.Path(sys.argv[1]).resolve())
-    chromium = shutil.which("chromium") or shutil.which("chromium-browser") or shutil.which("google-chrome")
-    if chromium is None:
-        print("Chromium is not installed")
-        return 77
+    program = chromium.find()
+    if program is None:
+        return chromium.NOT_INSTALLED
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch)
         matrix, clustering = write_run(folder)
         page = folder / "page.html"
         subprocess.run([export, "html", "--matrix", matrix, "--clustering", clustering, "--output", page], check=True)
         text = page.read_text(encoding="utf-8")
-        check(look(chromium, folder, text), "rgb(251, 250, 247)")
-        check(look(chromium, folder, text, "--force-dark-mode"), "rgb(20, 23, 27)")
-        check_paper(printed(chromium, folder, page))
+        check(look(program, folder, text), "rgb(251, 250, 247)")
+        check(look(program, folder, text, "--force-dark-mode"), "rgb(20, 23, 27)")
+        check_paper(printed(program, folder, page))
     return 0
 
 
