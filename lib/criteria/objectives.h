@@ -13,13 +13,19 @@
 namespace molva {
 
 struct Larger {
-  static constexpr bool Better(Wide after, Wide before) { return after > before; }
+  template <typename Number>
+  static constexpr bool Better(Number after, Number before) {
+    return after > before;
+  }
   static Wide Quality(Wide total, Wide nrows) { return total / nrows; }
 };
 
 // Smaller totals are better; their quality is inverted, so that the best trial has the largest.
 struct Smaller {
-  static constexpr bool Better(Wide after, Wide before) { return after < before; }
+  template <typename Number>
+  static constexpr bool Better(Number after, Number before) {
+    return after < before;
+  }
   static Wide Quality(Wide total, Wide nrows) { return nrows / total; }
 };
 
@@ -42,10 +48,15 @@ class SingleSum {
   bool Improve(Terms from_before, Terms to_before, Terms from_after, Terms to_after) {
     const auto before = static_cast<float>(from_before + to_before);
     const auto after = static_cast<float>(from_after + to_after);
-    if (!Direction::Better(after, before)) return false;
-    total_ += static_cast<Wide>(after) - before;
+    if (!IsImproved(before, after)) return false;
+    Take(before, after);
     return true;
   }
+  static bool IsImproved(float before, float after) {
+    return Direction::Better(after, before);
+  }
+  // The sum of two clusters' terms is another.
+  void Take(float before, float after) { total_ += static_cast<Wide>(after) - before; }
 
   Wide Progress(Wide nrows) const { return total_ / nrows; }
   float Quality(Wide nrows) const { return static_cast<float>(Direction::Quality(total_, nrows)); }

@@ -21,6 +21,13 @@
 
 namespace molva {
 
+// A cluster's numbers in single precision, in which they are stored.
+struct StoredMeasure {
+  int size;
+  float squared_length;
+  float similarity;  // 0 where the objective does not use it
+};
+
 template <typename Objective>
 class KWayClusters {
  public:
@@ -52,8 +59,12 @@ class KWayClusters {
   int count() const { return nparts_; }
   int Size(int k) const { return pwgts_[k]; }
   Terms TermsOf(int k) const { return Objective::TermsOf(Measure(k)); }
-  ClusterMeasure Measure(int k) const {
+  StoredMeasure Stored(int k) const {
     return {pwgts_[k], dnorms_[k], Objective::kUsesSimilarity ? csim_[k] : 0.0F};
+  }
+  ClusterMeasure Measure(int k) const {
+    const StoredMeasure stored = Stored(k);
+    return {stored.size, stored.squared_length, stored.similarity};
   }
   LaneView Composite(int k) const { return centers_[k]; }
   Span<const float> Whole() const { return gcenter_; }
@@ -90,10 +101,12 @@ class KWayClusters {
   [[gnu::always_inline]] void Prefetch(const RowRecord& row) const {
     if (looks_ && !screen_.IsSettled(row)) centers_.Prefetch(rows_.Entries(row));
   }
+  // Whether rough looks are used.
+  bool Looks() const { return looks_; }
   bool IsHopeful(int k) const { return !looks_ || screen_.IsHopeful(k); }
 
-  // The row leaves its place for cluster `to`; here the wide values become single precision.
-  void Move(RowRecord& row, int to, const ClusterMeasure& without, const ClusterMeasure& joined) {
+  // The row leaves its place for cluster `to`.
+  void Move(RowRecord& row, int to, const StoredMeasure& without, const StoredMeasure& joined) {
     const int from = row.place;
     Store(from, without);
     Store(to, joined);
@@ -123,10 +136,10 @@ class KWayClusters {
     }
   }
 
-  void Store(int k, const ClusterMeasure& measure) {
-    pwgts_[k] = static_cast<int>(measure.size);
-    dnorms_[k] = static_cast<float>(measure.squared_length);
-    if constexpr (Objective::kUsesSimilarity) csim_[k] = static_cast<float>(measure.similarity);
+  void Store(int k, const StoredMeasure& measure) {
+    pwgts_[k] = measure.size;
+    dnorms_[k] = measure.squared_length;
+    if constexpr (Objective::kUsesSimilarity) csim_[k] = measure.similarity;
   }
 
   BoundedCluster Bounded(int k) const {

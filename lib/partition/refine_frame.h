@@ -11,12 +11,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "lib/criteria/objectives.h"
 #include "lib/matrix/control.h"
 #include "lib/matrix/prepared_matrix.h"
 #include "lib/partition/kway_clusters.h"
-#include "lib/rough/lanes.h"
+#include "lib/partition/row_moves.h"
 #include "lib/rough/row_records.h"
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
@@ -25,36 +26,6 @@
 #include "lib/support/wide.h"
 
 namespace molva {
-
-// |D - d|^2 from |D|^2, for a row d of the cluster with composite D: the terms are added to |D|^2
-// one by one, in entry order.
-inline Wide SquaredLengthWithout(const RowView& row, const LaneView& composite,
-                                 Wide squared_length) {
-  for (std::size_t p = 0; p < row.size(); ++p) {
-    const Wide v = row.values[p];
-    const Wide c = composite[row.columns[p]];
-    squared_length += v * (v - 2 * c);
-  }
-  return squared_length;
-}
-
-// |D + d|^2 from |D|^2, for a row d outside the cluster.
-inline Wide SquaredLengthWith(const RowView& row, const LaneView& composite, Wide squared_length) {
-  for (std::size_t p = 0; p < row.size(); ++p) {
-    const Wide v = row.values[p];
-    const Wide c = composite[row.columns[p]];
-    squared_length += v * (2 * c + v);
-  }
-  return squared_length;
-}
-
-inline Wide DotRow(const RowView& row, Span<const float> vector) {
-  Wide sum = 0;
-  for (std::size_t p = 0; p < row.size(); ++p) {
-    sum += static_cast<Wide>(row.values[p]) * vector[row.columns[p]];
-  }
-  return sum;
-}
 
 // The state of one call.
 template <typename Objective>
@@ -96,45 +67,25 @@ class KWayRefinement {
     return {perm_.data() + j, std::min(kRowsAhead, rows_.count() - j)};
   }
 
-  // The cluster that a visited row stands in, with the row and without it.
-  struct Home {
-    ClusterMeasure without;
-    typename Objective::Terms terms, terms_without;
-  };
-
-  Home HomeOf(const RowView& entries, Wide row_similarity, int k) const {
-    const ClusterMeasure with = clusters_.Measure(k);
-    const ClusterMeasure without{
-        with.size - 1, SquaredLengthWithout(entries, clusters_.Composite(k), with.squared_length),
-        with.similarity - row_similarity};
-    return {without, Objective::TermsOf(with), Objective::TermsOf(without)};
-  }
-
   // Tries every cluster that a look left some hope for; returns the number of moves. After a move
   // the scan goes on with the next cluster against the new home, and the size of the new home is
   // not tested again.
   int Visit(int i, RowRecord& row) {
-    const RowView entries = rows_.Entries(row);
-    Wide row_similarity = 0;
-    if constexpr (Objective::kUsesSimilarity) row_similarity = DotRow(entries, clusters_.Whole());
-    Home home = HomeOf(entries, row_similarity, row.place);
+    RoughMoves<Objective> rough_moves(clusters_, rows_.Entries(row), row.place);
+    FullMoves<Objective> full_moves(clusters_, rows_.Entries(row), row.place);
     int moves = 0;
     for (int k = 0; k < clusters_.count(); ++k) {
       if (k == row.place || !clusters_.IsHopeful(k)) continue;
-      const ClusterMeasure target = clusters_.Measure(k);
-      const ClusterMeasure joined{
-          target.size + 1,
-          SquaredLengthWith(entries, clusters_.Composite(k), target.squared_length),
-          target.similarity + row_similarity};
-      if (!clusters_.objective().Improve(home.terms, Objective::TermsOf(target), home.terms_without,
-                                         Objective::TermsOf(joined))) {
-        continue;
-      }
-      clusters_.Move(row, k, home.without, joined);
+      std::optional<Verdict> verdict;
+      if (clusters_.Looks()) verdict = rough_moves.Judge(k);
+      if (!verdict) verdict = full_moves.Judge(k);
+      if (!verdict->improves) continue;
+      clusters_.Move(row, k, verdict->without, verdict->joined);
       part_[i] = k;
       ++moves;
       if (k + 1 == clusters_.count() || !clusters_.HasHope(row)) break;
-      home = HomeOf(entries, row_similarity, k);
+      rough_moves.MovedTo(k);
+      full_moves.MovedTo(k);
     }
     return moves;
   }

@@ -45,9 +45,21 @@ struct Narrowed {
   }
 };
 
-inline Narrowed NarrowedSum(const RoughSum& rough) {
-  const double error = rough.Error();
-  return Narrowed::From(rough.sum - error, rough.sum + error);
+// A number that is known within an error.
+struct Estimate {
+  double value;
+  double error;
+};
+
+inline Estimate EstimateOf(const RoughSum& rough) { return {rough.sum, rough.Error()}; }
+
+inline Narrowed NarrowedOf(const Estimate& known) {
+  return Narrowed::From(known.value - known.error, known.value + known.error);
+}
+inline Narrowed NarrowedSum(const RoughSum& rough) { return NarrowedOf(EstimateOf(rough)); }
+// Each has the room of a quotient.
+inline Narrowed NarrowedSum(const Estimate& a, const Estimate& b) {
+  return NarrowedOf({a.value + b.value, a.error + b.error});
 }
 
 // The sum divided by a count.

@@ -66,7 +66,7 @@ class SoftWide {
     return b.IsNan() ? a + b : a + -b;  // not-a-number keeps its sign
   }
 
-  friend constexpr SoftWide operator*(SoftWide a, SoftWide b) {
+  [[gnu::always_inline]] friend constexpr SoftWide operator*(SoftWide a, SoftWide b) {
     const bool negative = a.negative_ != b.negative_;
     if (a.exponent_ == kEndless || b.exponent_ == kEndless) return EndlessProduct(a, b);
     if ((a.significand_ & b.significand_ & kTop) == 0) {
@@ -75,7 +75,12 @@ class SoftWide {
       b = b.Normal();
     }
     const Uint128 product = Uint128{a.significand_} * b.significand_;
-    return Rounded(negative, a.exponent_ + b.exponent_ - kBias + 1, product);
+    const int exponent = a.exponent_ + b.exponent_ - kBias + 1;
+    if (exponent < 2) [[unlikely]]
+      return Rounded(negative, exponent, product);
+    const int up = product >> 127 != 0 ? 0 : 1;
+    return RoundedWords(negative, exponent - up, static_cast<std::uint64_t>(product << up >> 64),
+                        static_cast<std::uint64_t>(product) << up);
   }
 
   friend constexpr SoftWide operator/(SoftWide a, SoftWide b) {
@@ -133,17 +138,8 @@ class SoftWide {
       value = ShiftedRight(value, 1 - exponent);
       exponent = 1;
     }
-    auto significand = static_cast<std::uint64_t>(value >> 64);
-    const auto below = static_cast<std::uint64_t>(value);
-    if (below > kTop || (below == kTop && (significand & 1) != 0)) {
-      ++significand;
-      if (significand == 0) {
-        significand = kTop;
-        ++exponent;
-      }
-    }
-    if (significand < kTop) exponent = 0;
-    return exponent < kEndless ? Of(negative, exponent, significand) : Infinity(negative);
+    return RoundedWords(negative, exponent, static_cast<std::uint64_t>(value >> 64),
+                        static_cast<std::uint64_t>(value));
   }
   static constexpr SoftWide Infinity(bool negative) { return Of(negative, kEndless, kTop); }
   // What operations without a result leave.
@@ -158,6 +154,21 @@ class SoftWide {
  private:
   static constexpr std::uint64_t kTop = std::uint64_t{1} << 63;
   static constexpr std::uint64_t kQuiet = std::uint64_t{1} << 62;
+
+  // Rounds a significand whose top bit is set, or whose exponent is 1, by what is below it.
+  [[gnu::always_inline]] static constexpr SoftWide RoundedWords(bool negative, int exponent,
+                                                                std::uint64_t significand,
+                                                                std::uint64_t below) {
+    // Half of all results are rounded up, so this is no branch.
+    const std::uint64_t up = below > kTop - (significand & 1) ? 1 : 0;
+    significand += up;
+    if (significand < up) [[unlikely]] {
+      significand = kTop;
+      ++exponent;
+    }
+    if (significand < kTop) exponent = 0;
+    return exponent < kEndless ? Of(negative, exponent, significand) : Infinity(negative);
+  }
 
   static constexpr int LeadingZeros(Uint128 value) {
     const auto high = static_cast<std::uint64_t>(value >> 64);
@@ -219,12 +230,51 @@ class SoftWide {
   static constexpr Uint128 ShiftedFar(Uint128 value, int shift) {
     return shift <= 63 ? value >> shift : ShiftedRight(value, shift);
   }
-  static constexpr SoftWide SumOfMagnitudes(SoftWide a, SoftWide b) {
+
+  // Nearly all sums are of numbers whose significands overlap: two words of 64 bits hold all of
+  // them. The first number is the larger.
+  static constexpr bool Overlap(SoftWide a, SoftWide b) {
+    return b.exponent_ != 0 && a.exponent_ - b.exponent_ <= 63;
+  }
+  // What is below the first word of b on the scale of a.
+  static constexpr std::uint64_t Below(SoftWide b, int shift) {
+    return b.significand_ << 1 << (63 - shift);
+  }
+
+  [[gnu::always_inline]] static constexpr SoftWide SumOfMagnitudes(SoftWide a, SoftWide b) {
+    if (a.exponent_ < b.exponent_) std::swap(a, b);
+    if (!Overlap(a, b)) [[unlikely]]
+      return AlignedSum(a, b);
+    const int shift = a.exponent_ - b.exponent_;
+    const std::uint64_t sum = a.significand_ + (b.significand_ >> shift);
+    const std::uint64_t below = Below(b, shift);
+    if (sum >= a.significand_) return RoundedWords(a.negative_, a.exponent_, sum, below);
+    return RoundedWords(a.negative_, a.exponent_ + 1, sum >> 1 | kTop,
+                        sum << 63 | below >> 1 | (below & 1));
+  }
+  [[gnu::always_inline]] static constexpr SoftWide Difference(SoftWide a, SoftWide b) {
+    if (a.exponent_ < b.exponent_) std::swap(a, b);
+    if (!Overlap(a, b)) [[unlikely]]
+      return AlignedDifference(a, b);
+    const int shift = a.exponent_ - b.exponent_;
+    const std::uint64_t below_b = Below(b, shift);
+    const std::uint64_t whole = a.significand_ - (b.significand_ >> shift) - (below_b != 0 ? 1 : 0);
+    const std::uint64_t below = ~below_b + 1;
+    // Where they are that near, either may be the larger, or the result subnormal.
+    if (a.significand_ <= b.significand_ >> shift || whole == 0) return AlignedDifference(a, b);
+    const int up = std::countl_zero(whole);
+    if (a.exponent_ <= up) [[unlikely]]
+      return AlignedDifference(a, b);
+    return RoundedWords(a.negative_, a.exponent_ - up, whole << up | below >> 1 >> (63 - up),
+                        below << up);
+  }
+
+  static constexpr SoftWide AlignedSum(SoftWide a, SoftWide b) {
     const Aligned aligned = Align(a, b);
     const Uint128 sum = aligned.a + aligned.b;
     return sum == 0 ? a : Rounded(a.negative_, aligned.exponent, sum);
   }
-  static constexpr SoftWide Difference(SoftWide a, SoftWide b) {
+  static constexpr SoftWide AlignedDifference(SoftWide a, SoftWide b) {
     const Aligned aligned = Align(a, b);
     if (aligned.a == aligned.b) return Of(false, 0, 0);
     return aligned.a > aligned.b ? Rounded(a.negative_, aligned.exponent, aligned.a - aligned.b)

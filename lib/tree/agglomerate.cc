@@ -6,8 +6,10 @@
 #include <type_traits>
 
 #include "lib/criteria/table.h"
+#include "lib/rough/rough_looks.h"
 #include "lib/support/alloc.h"
 #include "lib/support/fatal.h"
+#include "lib/support/narrowing.h"
 #include "lib/support/printed.h"
 #include "lib/support/progress.h"
 #include "lib/support/team.h"
@@ -16,6 +18,7 @@
 #include "lib/support/wide.h"
 #include "lib/tree/clear_merges.h"
 #include "lib/tree/hac_pqueue.h"
+#include "lib/tree/rough_gain.h"
 
 namespace molva {
 namespace {
@@ -30,6 +33,7 @@ struct Items {
   Array<float*> smat;  // row i of the matrix
 
   ClusterMeasure Alone(int i) const { return {pwgts[i], smat[i][i], tsim[i]}; }
+  BasicMeasure<double> RoughAlone(int i) const { return {pwgts[i], smat[i][i], tsim[i]}; }
   ClusterMeasure Joined(int i, int j) const { return Merged(Alone(i), Alone(j), smat[i][j]); }
   Wide Similarity(int i, int j) const { return AverageSimilarity(smat[i][j], pwgts[i], pwgts[j]); }
 
@@ -109,10 +113,11 @@ class LocalGains {
     active_.rowids = AllocInts(n, "BuildSimHAC_LocalGains: rowids");
     items_.smat = Array<float*>(n, "BuildSimHAC_LocalGains: smat");
     terms_ = Array<Wide>(n, "BuildSimHAC_LocalGains: tsim");
+    rough_terms_ = AllocDoubles(n, "BuildSimHAC_LocalGains: tsim");
     gains_ = AllocFloats(n, "BuildSimHAC_LocalGains: tsim");
     FillItems(merging, items_);
     for (int i = 0; i < n; ++i) {
-      terms_[i] = Term::Of(items_.Alone(i));
+      SetTerm(i);
       imap_[i] = active_.rmap[i] = active_.rowids[i] = i;
     }
     active_.count = n;
@@ -128,7 +133,20 @@ class LocalGains {
   }
 
  private:
+  void SetTerm(int i) {
+    terms_[i] = Term::Of(items_.Alone(i));
+    rough_terms_[i] = static_cast<double>(terms_[i]);
+  }
+
+  // In double where that tells it.
   float Gain(int i, int j) const {
+    if (looks_) {
+      const RoughGain rough =
+          RoughGainOf<Value>(items_.RoughAlone(i), rough_terms_[i], items_.RoughAlone(j),
+                             rough_terms_[j], static_cast<double>(items_.smat[i][j]));
+      const Narrowed narrowed = NarrowedOf({rough.gain, rough.error});
+      if (rough.holds && narrowed.is_certain) return narrowed.value;
+    }
     return static_cast<float>(Value::Gain(Term::Of(items_.Joined(i, j)), terms_[i], terms_[j]));
   }
 
@@ -170,7 +188,7 @@ class LocalGains {
     ReportMerge(control_, items_, imap_, merge, node, crvalue_);
     Record(merge, node);
     items_.Fold(merge.i, merge.j, active_.items());
-    terms_[merge.i] = Term::Of(items_.Alone(merge.i));
+    SetTerm(merge.i);
     imap_[merge.i] = node;
     active_.Remove(merge.j);
     Requeue(merge);
@@ -198,7 +216,9 @@ class LocalGains {
   const Control& control_;
   const Merging& merging_;
   Items items_;
+  bool looks_ = RoughLooksAreUsed();
   Array<Wide> terms_;
+  Array<double> rough_terms_;
   Array<float> gains_;
   Array<int> imap_;  // the node that each item stands for
   ActiveList active_;

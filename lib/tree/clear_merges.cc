@@ -11,13 +11,13 @@
 
 #include "lib/criteria/table.h"
 #include "lib/rough/rough_looks.h"
-#include "lib/rough/rounding.h"
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
 #include "lib/support/span.h"
 #include "lib/support/team.h"
 #include "lib/support/tree_arrays.h"
 #include "lib/support/vectors.h"
+#include "lib/tree/rough_gain.h"
 
 namespace molva {
 namespace {
@@ -66,6 +66,7 @@ struct Slots {
   float* Row(int i) const { return smat + static_cast<std::size_t>(i) * stride; }
 
   ClusterMeasure Alone(int i) const { return {pwgts[i], squares[i], tsim[i]}; }
+  BasicMeasure<double> RoughAlone(int i) const { return {pwgts[i], squares[i], tsim[i]}; }
 
   template <typename Term>
   void SetTerm(int i) {
@@ -188,28 +189,15 @@ class ClearMerges {
   // most_of[j] = what the gain of items i and j can be at most, for the first items, whose products
   // with i are given. Infinite where the bound does not hold or is no float; minus infinity for
   // retired items alone.
-  //
-  // The bound, with u = kUnitDouble. Rough squared lengths round twice, by u times the sum of the
-  // magnitudes each, which is at most 16 times the result: 32 u. The terms round at most five times
-  // more and the terms of the items once; the difference and its sums four times. 64 u of the three
-  // terms' magnitudes leaves room for the rounding of the full arithmetic, 2^-64 in place of 2^-53.
   void FindMost(int i, const float* products, Span<float> most_of) const {
-    const double square = items_.squares[i];
-    const double tsim = items_.tsim[i];
+    const BasicMeasure<double> item = items_.RoughAlone(i);
     const double term = items_.rough_terms[i];
-    const std::int64_t pwgt = items_.pwgts[i];
     for (std::size_t j = 0; j < most_of.size(); ++j) {
-      const double product = 2 * static_cast<double>(products[j]);
-      const double other = items_.squares[j];
-      const double squared_length = square + other + product;
-      const double merged = Term::Of(
-          BasicMeasure<double>{pwgt + items_.pwgts[j], squared_length, tsim + items_.tsim[j]});
-      const double other_term = items_.rough_terms[j];
-      const double magnitudes = std::abs(merged) + std::abs(term) + std::abs(other_term);
-      const double most = Value::Gain(merged, term, other_term) + kMergeError * magnitudes;
-      const double summands = std::abs(square) + std::abs(other) + std::abs(product);
-      const bool holds =
-          summands <= kMostCancellation * squared_length && std::abs(most) < kLargest;
+      const RoughGain rough =
+          RoughGainOf<Value>(item, term, items_.RoughAlone(static_cast<int>(j)),
+                             items_.rough_terms[j], static_cast<double>(products[j]));
+      const double most = rough.gain + rough.error;
+      const bool holds = rough.holds && std::abs(most) < kLargest;
       most_of[j] = holds ? static_cast<float>(most) : kInfinity;
     }
     for (const int slot : Retired()) {

@@ -4,8 +4,8 @@
 
 Each takes random and worst-case inputs, does what the program does in single, double and the full
 arithmetic, and compares with fractions. The constants are those of lib/rough/rounding.h, or of the
-header named, and of narrowing.h in the support beside it. Prints per claim the largest share of its bound that an error took, and ends with
-status 1 where one took more than all of it.
+header named, and of narrowing.h in the support beside it. Prints per claim the largest share of its
+bound that an error took, and ends with status 1 where one took more than all of it.
 """
 import math
 import os
@@ -644,6 +644,45 @@ def single_sums_hold(_, claims, r):
         claims.compare("13 sums in double and wide come to the same", abs(single(rough) - full), 0)
 
 
+# Lemma 14 -----------------------------------------------------------------------------------------
+
+
+def estimated(k, term, m, square, square_error, sim, sim_error):
+    """The value and error of TermOf in lib/partition/row_moves.h, operation by operation."""
+    looseness = square_error / (square - square_error)
+    value = term.double(m, square, sim)
+    error = (looseness + k["kRoomForQuotient"]) * abs(value)
+    if term.weight is not None:
+        error += (1 + looseness) * term.double(m, square, 2 * sim_error)
+    return value, error
+
+
+def terms_of_two_hold(k, claims, r):
+    for trial in range(12000):
+        term, values, errors, sums = kTerms[trial % 6], [], [], [Fraction(0), Fraction(0)]
+        for _ in range(2):
+            m, square = r.choice((1, 2, 30, 10**6, 2 * 10**9)), r.uniform(1, 2) * 2.0 ** r.randrange(-30, 30)
+            sim = r.uniform(-2, 2) * 2.0 ** r.randrange(-30, 30)
+            square_error = square * r.choice((0.0, 2.0**-52, 2.0**-40, 2.0**-8, 0.25))
+            sim_error = abs(sim) * r.choice((0.0, 2.0**-52, 2.0**-30, 1.0, 1000.0))
+            value, error = estimated(k, term, m, square, square_error, sim, sim_error)
+            values.append(value)
+            errors.append(error)
+            ends = [end for q in (-1, 1) for s in (-1, 1) for end in
+                    term.exact(m, Fraction(square) + q * Fraction(square_error),
+                               Fraction(sim) + s * Fraction(sim_error))]
+            # The full arithmetic's own: three operations each, and the sum.
+            full = Fraction(4, 2**64) * max(abs(end) for end in ends)
+            sums[0] += min(ends) - full
+            sums[1] += max(ends) + full
+        middle, error = values[0] + values[1], errors[0] + errors[1]
+        least, most = Fraction(middle - error), Fraction(middle + error)
+        claims.compare("14 the terms of two clusters", max(Fraction(middle) - sums[0], 0),
+                       max(Fraction(middle) - least, 0))
+        claims.compare("14 the terms of two clusters", max(sums[1] - Fraction(middle), 0),
+                       max(most - Fraction(middle), 0))
+
+
 def main():
     header = sys.argv[1] if len(sys.argv) > 1 else kHeader
     k = read_constants(header)
@@ -652,7 +691,7 @@ def main():
     for seed, lemma in enumerate((products_hold, full_squares_hold, lengths_hold, tangents_hold,
                                   whole_products_hold, combinations_hold, clock_holds, growth_holds,
                                   double_squares_hold, sums_of_squares_hold, merges_hold,
-                                  wide_sums_hold, single_sums_hold)):
+                                  wide_sums_hold, single_sums_hold, terms_of_two_hold)):
         lemma(k, claims, random.Random(seed))
     return claims.report()
 

@@ -16,7 +16,7 @@
 
 #include "lib/criteria/table.h"
 #include "lib/partition/kway_clusters.h"
-#include "lib/partition/refine_frame.h"
+#include "lib/partition/row_moves.h"
 #include "tests/testing/both_arithmetics.h"
 #include "tests/testing/matrices.h"
 
@@ -36,30 +36,13 @@ struct Counts {
   int looks_ahead = 0;
 };
 
-// A row's move as the full arithmetic weighs it.
+// A row's move as the full arithmetic judges it, which changes nothing.
 template <typename Objective>
-struct Weighed {
-  ClusterMeasure without, joined;
-  bool improves;
-};
-
-template <typename Objective>
-Weighed<Objective> Weigh(const KWayClusters<Objective>& clusters, const RowView& row, int from,
-                         int to) {
-  Wide similarity = 0;
-  if constexpr (Objective::kUsesSimilarity) similarity = DotRow(row, clusters.Whole());
-  const ClusterMeasure home = clusters.Measure(from);
-  const ClusterMeasure target = clusters.Measure(to);
-  const ClusterMeasure without{
-      home.size - 1, SquaredLengthWithout(row, clusters.Composite(from), home.squared_length),
-      home.similarity - similarity};
-  const ClusterMeasure joined{target.size + 1,
-                              SquaredLengthWith(row, clusters.Composite(to), target.squared_length),
-                              target.similarity + similarity};
-  Objective judge = clusters.objective();
-  return {without, joined,
-          judge.Improve(Objective::TermsOf(home), Objective::TermsOf(target),
-                        Objective::TermsOf(without), Objective::TermsOf(joined))};
+Verdict Weigh(KWayClusters<Objective>& clusters, const RowView& row, int from, int to) {
+  const Objective objective = clusters.objective();
+  const Verdict verdict = FullMoves<Objective>(clusters, row, from).Judge(to);
+  clusters.objective() = objective;
+  return verdict;
 }
 
 // One visit of every row, compared; rows that improve nothing but are drawn to move do so too.
@@ -95,11 +78,8 @@ void CompareVisits(KWayClusters<Objective>& clusters, RowRecords& rows, unsigned
     if (one_in == 0 || random() % one_in != 0) continue;
     const int to = static_cast<int>(random() % static_cast<unsigned>(clusters.count()));
     if (to == from) continue;
-    const auto weighed = Weigh(clusters, rows.Entries(row), from, to);
-    Objective& objective = clusters.objective();
-    objective.Improve(clusters.TermsOf(from), clusters.TermsOf(to),
-                      Objective::TermsOf(weighed.without), Objective::TermsOf(weighed.joined));
-    clusters.Move(row, to, weighed.without, weighed.joined);
+    const Verdict verdict = FullMoves<Objective>(clusters, rows.Entries(row), from).Judge(to);
+    clusters.Move(row, to, verdict.without, verdict.joined);
   }
 }
 
