@@ -52,9 +52,7 @@ class SingleSum {
     Take(before, after);
     return true;
   }
-  static bool IsImproved(float before, float after) {
-    return Direction::Better(after, before);
-  }
+  static bool IsImproved(float before, float after) { return Direction::Better(after, before); }
   // The sum of two clusters' terms is another.
   void Take(float before, float after) { total_ += static_cast<Wide>(after) - before; }
 

@@ -46,8 +46,8 @@ inline Wide DotRow(const RowView& row, Span<const float> vector) {
   return sum;
 }
 
-// What is decided of a move: where it improves the objective, which then has it in, the clusters
-// that it leaves are told.
+// What is decided of a move, and what it makes of the row's home and of the other cluster. An
+// objective that it improves counts it from then on. The measures mean nothing where it does not.
 struct Verdict {
   bool improves;
   StoredMeasure without, joined;
@@ -146,7 +146,7 @@ class RoughMoves<SingleSum<Term, Direction>> {
 
   RoughMoves(KWayClusters<Objective>& clusters, const RowView& row, int home)
       : clusters_(clusters), row_(row) {
-    if constexpr (Term::kUsesSimilarity) row_similarity_ = RoughDot(row_, clusters_.Whole());
+    if constexpr (Term::kUsesSimilarity) row_similarity_ = RoughDotRow(row_, clusters_.Whole());
     MovedTo(home);
   }
 
@@ -197,7 +197,7 @@ class RoughMoves<SingleSum<Term, Direction>> {
     return EstimateOf(sum);
   }
 
-  static RoughSum RoughDot(const RowView& row, Span<const float> vector) {
+  static RoughSum RoughDotRow(const RowView& row, Span<const float> vector) {
     RoughSum sum{0, 0, static_cast<double>(row.size()) + 1};
     for (std::size_t p = 0; p < row.size(); ++p) {
       sum.Add(static_cast<double>(row.values[p]) * static_cast<double>(vector[row.columns[p]]));

@@ -57,7 +57,7 @@ inline Narrowed NarrowedOf(const Estimate& known) {
   return Narrowed::From(known.value - known.error, known.value + known.error);
 }
 inline Narrowed NarrowedSum(const RoughSum& rough) { return NarrowedOf(EstimateOf(rough)); }
-// Each has the room of a quotient.
+// Lemma 14: of two numbers whose errors leave room for rounding their sum, kRoomForQuotient.
 inline Narrowed NarrowedSum(const Estimate& a, const Estimate& b) {
   return NarrowedOf({a.value + b.value, a.error + b.error});
 }

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tools/cluster/mardle_options.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "programs/options.h"
 #include "tests/testing/files.h"
@@ -12,6 +16,9 @@
 namespace {
 
 using mardle::tools::CheckMardleOptions;
+using mardle::tools::TakeMardleOptions;
+using testing::ElementsAre;
+using testing::StrEq;
 
 std::string Refusal(const std::string& option) {
   std::vector<std::string> options{option};
@@ -28,6 +35,15 @@ TEST(MardleOptions, EveryOptionOfMardleIsKnown) {
     const std::string name = std::string("-") + option.name;
     EXPECT_EQ(Refusal(name).find("is no option"), std::string::npos) << name;
   }
+}
+
+TEST(MardleOptions, WordsWithOneDashAreTakenButForNumbers) {
+  const char* const words[] = {"tool", "-crfun=1", "texts", "--quiet", "-5", "-", "-rb"};
+  std::vector<std::string> options;
+  const std::vector<const char*> others = TakeMardleOptions(std::size(words), words, options);
+  EXPECT_THAT(options, ElementsAre("-crfun=1", "-rb"));
+  EXPECT_THAT(others, ElementsAre(StrEq("tool"), StrEq("texts"), StrEq("--quiet"), StrEq("-5"),
+                                  StrEq("-")));
 }
 
 TEST(MardleOptions, ValuesInTheirRangesAreTaken) {
