@@ -21,9 +21,9 @@ namespace molva {
 inline Wide SquaredLengthWithout(const RowView& row, const LaneView& composite,
                                  Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
-    const Wide v = row.values[p];
-    const Wide twice = 2 * static_cast<double>(composite[row.columns[p]]);
-    squared_length += v * (v - twice);
+    const float v = row.values[p];
+    const double twice = 2 * static_cast<double>(composite[row.columns[p]]);
+    squared_length += v * DifferenceOf<Wide>(v, twice);
   }
   return squared_length;
 }
@@ -31,9 +31,9 @@ inline Wide SquaredLengthWithout(const RowView& row, const LaneView& composite,
 // |D + d|^2 from |D|^2, for a row d outside the cluster.
 inline Wide SquaredLengthWith(const RowView& row, const LaneView& composite, Wide squared_length) {
   for (std::size_t p = 0; p < row.size(); ++p) {
-    const Wide v = row.values[p];
-    const Wide twice = 2 * static_cast<double>(composite[row.columns[p]]);
-    squared_length += v * (twice + v);
+    const float v = row.values[p];
+    const double twice = 2 * static_cast<double>(composite[row.columns[p]]);
+    squared_length += v * SumOf<Wide>(twice, v);
   }
   return squared_length;
 }

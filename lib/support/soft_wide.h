@@ -352,6 +352,31 @@ class SoftWide {
 };
 static_assert(std::is_trivial_v<SoftWide>);
 
+// a + b and a - b.
+template <typename Number>
+Number SumOf(double a, double b) {
+  return static_cast<Number>(a) + static_cast<Number>(b);
+}
+template <typename Number>
+Number DifferenceOf(double a, double b) {
+  return static_cast<Number>(a) - static_cast<Number>(b);
+}
+
+// Nearly all are numbers of double precision. One that was rounded shows: less the operand of the
+// larger magnitude, which is formed exactly, it is not the other operand.
+template <>
+inline SoftWide SumOf(double a, double b) {
+  const double sum = a + b;
+  if (sum - a == b && sum - b == a) return sum;
+  return static_cast<SoftWide>(a) + static_cast<SoftWide>(b);
+}
+template <>
+inline SoftWide DifferenceOf(double a, double b) {
+  const double difference = a - b;
+  if (a - difference == b && difference + b == a) return difference;
+  return static_cast<SoftWide>(a) - static_cast<SoftWide>(b);
+}
+
 // The square root; not-a-number of a number below zero.
 SoftWide Sqrt(SoftWide x);
 // The fourth root of a number of zero or more.

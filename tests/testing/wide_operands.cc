@@ -93,6 +93,10 @@ void ForEachResult(const WidePair& pair, From from, See see) {
   see("-", a - b);
   see("*", a * b);
   see("/", a / b);
+  see("sum of doubles",
+      molva::SumOf<Number>(static_cast<double>(pair.a), static_cast<double>(pair.b)));
+  see("difference of doubles",
+      molva::DifferenceOf<Number>(static_cast<double>(pair.a), static_cast<double>(pair.b)));
   see("negation", -a);
   see("square root", molva::Sqrt(a));
   see("float", Number(static_cast<float>(a)));

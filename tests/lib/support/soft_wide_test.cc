@@ -12,7 +12,9 @@
 
 namespace {
 
+using molva::DifferenceOf;
 using molva::SoftWide;
+using molva::SumOf;
 
 constexpr std::uint64_t kTop = std::uint64_t{1} << 63;
 // The distance from 1 to the next number.
@@ -48,6 +50,25 @@ TEST(SoftWide, RoundsTiesToEven) {
   // (2^32 + 1)(2^32 - 1) = 2^64 - 1 has 64 bits, and one more is a tie.
   EXPECT_EQ(SoftWide{0x100000001} * SoftWide{0xffffffff}, SoftWide{~std::uint64_t{0}});
   EXPECT_EQ(SoftWide{~std::uint64_t{0}} + SoftWide{0.5}, SoftWide{0x1p64});
+}
+
+// 1 + 2^-53 is no double, nor is 1 + 2^-60; either operand may be the one that is lost.
+TEST(SoftWide, AddsDoublesThatTheirTypeCannot) {
+  for (const double small : {0x1p-52, 0x1p-53, 0x1.8p-53, 0x1p-60, 0x1p-63, 1.0, 0.0}) {
+    for (const double sign : {1.0, -1.0}) {
+      const SoftWide sum = SoftWide{1} + sign * small;
+      EXPECT_TRUE(AreSame(SumOf<SoftWide>(1, sign * small), sum)) << small;
+      EXPECT_TRUE(AreSame(SumOf<SoftWide>(sign * small, 1), sum)) << small;
+      EXPECT_TRUE(AreSame(DifferenceOf<SoftWide>(1, -sign * small), sum)) << small;
+      EXPECT_TRUE(AreSame(DifferenceOf<SoftWide>(sign * small, -1), sum)) << small;
+    }
+  }
+  constexpr double kMostDouble = std::numeric_limits<double>::max();
+  EXPECT_EQ(SumOf<SoftWide>(kMostDouble, kMostDouble), 2 * SoftWide{kMostDouble});
+  EXPECT_EQ(SumOf<SoftWide>(INFINITY, 1), SoftWide::Infinity(false));
+  EXPECT_TRUE(IsNan(DifferenceOf<SoftWide>(INFINITY, INFINITY)));
+  EXPECT_TRUE(SumOf<SoftWide>(-0.0, -0.0).negative());
+  EXPECT_FALSE(DifferenceOf<SoftWide>(1, 1).negative());
 }
 
 // 1/3 = 0.010101... in binary; the bits behind the 64th begin with 1.
