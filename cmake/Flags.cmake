@@ -25,17 +25,39 @@ if(MARDLE_SANITIZE)
     -fsanitize=${MARDLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(mardle_sanitizers INTERFACE -fsanitize=${MARDLE_SANITIZE})
 endif()
+# The library and mardle have every check and are optimized. Tests and tools say by a property that they
+# are not: optimizing them takes longer than all that they do, and these checks double the compiler's
+# work, while a null pointer ends the process without them. Behind the others only do they count.
+if(MARDLE_SANITIZE MATCHES undefined AND NOT MARDLE_FUZZ)
+  set(lightly $<BOOL:$<TARGET_PROPERTY:MARDLE_LIGHTLY_CHECKED>>)
+  target_compile_options(mardle_sanitizers INTERFACE
+    $<${lightly}:-O0> $<${lightly}:-fno-sanitize=null,alignment,object-size,vptr>)
+endif()
 # What the fuzzers see of a run.
 if(MARDLE_FUZZ)
   target_compile_options(mardle_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
   target_link_options(mardle_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# Reading the headers of the standard library takes longer than most of our files do. Where all is
+# built, each library of more than a few files has them read once.
+option(MARDLE_PRECOMPILE "Precompile the headers of the standard library" OFF)
+set(standard_headers <algorithm> <array> <cmath> <cstdint> <cstdio> <cstring> <filesystem>
+  <functional> <limits> <map> <memory> <numeric> <optional> <set> <span> <sstream> <stdexcept>
+  <string> <string_view> <utility> <vector>)
+
 function(mardle_target target)
+  get_target_property(type ${target} TYPE)
+  get_target_property(sources ${target} SOURCES)
+  list(LENGTH sources count)
+  if(MARDLE_PRECOMPILE AND type STREQUAL STATIC_LIBRARY AND count GREATER 5)
+    target_precompile_headers(${target} PRIVATE ${standard_headers})
+  endif()
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PRIVATE mardle_warnings mardle_sanitizers)
   set_target_properties(${target} PROPERTIES
+    MARDLE_LIGHTLY_CHECKED "${MARDLE_LIGHTLY_CHECKED}"
     C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
