@@ -11,10 +11,9 @@ import tempfile
 
 NOT_INSTALLED = 77  # the status of a test that is skipped
 
-# A browser now and then hangs while it starts, or at what it does for itself on the network: it gets
-# a new profile then. A page that never ends hangs every time.
-ATTEMPTS = 4
-SECONDS = 75
+# A browser now and then hangs while it starts, or at what it does for itself on the network: it is
+# started again then, with a new profile and more time. A page that never ends hangs every time.
+SECONDS = (20, 40, 80, 160)
 
 SWITCHES = ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--no-first-run",
             "--no-default-browser-check", "--disable-background-networking", "--disable-component-update",
@@ -33,20 +32,20 @@ def find():
 
 def run(chromium, *arguments):
     """What Chromium writes on its standard output."""
-    for _ in range(ATTEMPTS):
+    for seconds in SECONDS:
         with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as profile:
             browser = subprocess.Popen([chromium, *SWITCHES, f"--user-data-dir={profile}", *map(str, arguments)],
                                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                        text=True, start_new_session=True)
             try:
-                output, errors = browser.communicate(timeout=SECONDS)
+                output, errors = browser.communicate(timeout=seconds)
             except subprocess.TimeoutExpired:
                 os.killpg(browser.pid, signal.SIGKILL)
                 browser.communicate()
                 continue
             assert browser.returncode == 0, errors[-3000:]
             return output
-    raise AssertionError(f"Chromium did not end within {SECONDS} s, {ATTEMPTS} times")
+    raise AssertionError(f"Chromium did not end, though started again: it had {SECONDS} seconds")
 
 
 def seen_on(chromium, page, *arguments):
