@@ -1,4 +1,5 @@
-# Installs the Debian packages named as arguments that are missing. Sourced by the scripts beside it.
+# Installs the Debian packages named as arguments that are missing, one caller at a time. Sourced by the
+# scripts beside it.
 
 # What the programs beside mardle are built with.
 tool_libraries=(libcli11-dev libicu-dev nlohmann-json3-dev zlib1g-dev libzip-dev libstemmer-dev nettle-dev)
@@ -13,8 +14,8 @@ install_packages() {
     echo "All packages are installed: $*"
     return
   fi
-  local as_root=()
-  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  local as_root=(flock "${BASH_SOURCE[0]}")
+  [ "$(id -u)" -eq 0 ] || as_root+=(sudo)
   echo "Installing: ${missing[*]}"
   "${as_root[@]}" apt-get update -q
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \

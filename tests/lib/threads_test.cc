@@ -12,6 +12,7 @@
 
 #include "lib/molva.h"
 #include "tests/testing/blocks.h"
+#include "tests/testing/drawn.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 
@@ -19,6 +20,7 @@ namespace {
 
 using testing_support::AddChanges;
 using testing_support::ClusterArrays;
+using testing_support::kNumbersOfThreads;
 using testing_support::RandomDocuments;
 using testing_support::SparseMatrix;
 
@@ -173,7 +175,7 @@ TEST_P(NumThreads, ChangesNoPassOverABlock) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Library, NumThreads, testing::Values(2, 3, 8, 16));
+INSTANTIATE_TEST_SUITE_P(Library, NumThreads, testing::ValuesIn(kNumbersOfThreads));
 
 TEST(NumThreadsOfTheHost, AreItsThreadsOwn) {
   MOLVA_SetNumThreads(3);

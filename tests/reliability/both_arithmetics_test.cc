@@ -3,15 +3,18 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/testing/drawn.h"
+
 namespace {
 
 using testing_support::ArithmeticsAgree;
 using testing_support::ClusteringRun;
 using testing_support::DrawRun;
+using testing_support::Drawn;
 
 TEST(BothArithmetics, GiveTheSameBitsOnTablesOfEverySign) {
-  for (std::uint32_t seed = 1; seed <= 6000; ++seed) {
-    const ClusteringRun run = DrawRun(seed);
+  for (int seed = 1; seed <= Drawn(6000); ++seed) {
+    const ClusteringRun run = DrawRun(static_cast<std::uint32_t>(seed));
     ASSERT_TRUE(ArithmeticsAgree(run)) << "seed " << seed << ": " << run.Options();
   }
 }

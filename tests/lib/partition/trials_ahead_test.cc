@@ -13,6 +13,7 @@
 #include "lib/support/alloc.h"
 #include "lib/support/progress.h"
 #include "lib/support/team.h"
+#include "tests/testing/drawn.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/matrices.h"
 #include "tests/testing/oracles.h"
@@ -118,7 +119,9 @@ TEST_P(Threads, EndTheRunWhenMemoryFails) {
   EXPECT_GT(ended, 40);
 }
 
-INSTANTIATE_TEST_SUITE_P(TrialsAhead, Threads, testing::Values(1, 2, 3, 8, 16));
+INSTANTIATE_TEST_SUITE_P(TrialsAhead, Threads,
+                         testing::ValuesIn(testing_support::kNumbersOfThreads));
+INSTANTIATE_TEST_SUITE_P(TrialsInTurn, Threads, testing::Values(1));
 
 }  // namespace
 }  // namespace molva
