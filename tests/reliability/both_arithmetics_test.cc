@@ -9,8 +9,8 @@ namespace {
 
 using testing_support::ArithmeticsAgree;
 using testing_support::ClusteringRun;
-using testing_support::DrawRun;
 using testing_support::Drawn;
+using testing_support::DrawRun;
 
 TEST(BothArithmetics, GiveTheSameBitsOnTablesOfEverySign) {
   for (int seed = 1; seed <= Drawn(6000); ++seed) {
