@@ -8,7 +8,6 @@
 #include <limits>
 
 #include "lib/support/wide.h"
-#include "tests/testing/drawn.h"
 #include "tests/testing/wide_operands.h"
 
 namespace {
@@ -16,7 +15,6 @@ namespace {
 using molva::DifferenceOf;
 using molva::SoftWide;
 using molva::SumOf;
-using testing_support::Drawn;
 
 constexpr std::uint64_t kTop = std::uint64_t{1} << 63;
 // The distance from 1 to the next number.
@@ -190,7 +188,7 @@ TEST(SoftWide, TakesLogarithms) {
 // Against what the platform has, by which single precision cannot tell them apart.
 TEST(SoftWide, LogarithmsAreThoseOfThePlatform) {
   testing_support::WidePairs pairs(11);
-  for (int i = 0; i < Drawn(100000); ++i) {
+  for (int i = 0; i < 100000; ++i) {
     const auto x = static_cast<float>(
         SoftWide::Of(false, SoftWide::kBias - 40 + i % 80, pairs.Next().a.significand() | kTop));
     ASSERT_EQ(static_cast<float>(Log(SoftWide{x})),
@@ -204,7 +202,7 @@ TEST(SoftWide, LogarithmsAreThoseOfThePlatform) {
 
 TEST(SoftWide, LeavesTheBitsOfExtendedPrecision) {
   testing_support::WidePairs pairs(1);
-  for (int i = 0; i < Drawn(200000); ++i) {
+  for (int i = 0; i < 200000; ++i) {
     ASSERT_EQ(testing_support::DifferenceFromExtended(pairs.Next()), "") << i;
   }
 }

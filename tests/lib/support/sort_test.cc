@@ -15,7 +15,6 @@
 #include <vector>
 
 #include "tests/testing/allocation.h"
-#include "tests/testing/drawn.h"
 
 namespace {
 
@@ -304,7 +303,7 @@ std::vector<float> Opposite(std::vector<float> keys) {
 }
 
 // So many that a cost that grew with their square would be half an hour.
-constexpr auto kVeryMany = static_cast<std::size_t>(testing_support::Drawn(2000000));
+constexpr std::size_t kVeryMany = 2000000;
 
 void ExpectSorts(Sort sort, const std::vector<float>& keys, bool increasing) {
   std::vector<KeyValue> records = Records(keys);

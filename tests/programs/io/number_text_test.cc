@@ -15,14 +15,11 @@
 #include <random>
 #include <string>
 
-#include "tests/testing/drawn.h"
-
 namespace {
 
 using mardle::Parsed;
 using mardle::ParseDouble;
 using mardle::ParseLong;
-using testing_support::Drawn;
 
 // What may stand behind a field: nothing, or another one.
 constexpr std::array<const char*, 4> kBehind = {"", " ", " 7", "\t7"};
@@ -122,7 +119,7 @@ TEST(ParseLong, AgreesWithTheStandardConversion) {
       }
     }
   }
-  for (int round = 0; round < Drawn(20000); ++round) {
+  for (int round = 0; round < 20000; ++round) {
     const std::string field = random.Of("0123456789+-.x\r\v", 1 + random.Below(6));
     ASSERT_TRUE(IsReadAsAnInteger(field)) << field;
   }
@@ -214,7 +211,7 @@ TEST(ParseDouble, AgreesForEveryNumberOfDigits) {
   RandomTexts random;
   for (std::size_t digits = 1; digits <= 30; ++digits) {
     for (std::size_t point = 0; point <= digits; ++point) {
-      for (int round = 0; round < Drawn(200); ++round) {
+      for (int round = 0; round < 200; ++round) {
         std::string field = random.Digits(digits);
         if (random.Below(8) != 0) field.insert(point, 1, '.');
         if (random.Below(2) == 0) field.insert(0, 1, '-');
@@ -228,7 +225,7 @@ TEST(ParseDouble, AgreesForEveryExponent) {
   RandomTexts random;
   for (int exponent = -400; exponent <= 400; ++exponent) {
     const std::string power = std::to_string(exponent);
-    for (int round = 0; round < Drawn(100); ++round) {
+    for (int round = 0; round < 100; ++round) {
       const std::string fraction = random.Digits(random.Below(20));
       const std::string field = random.Digits(1) + "." + fraction + "e" + power;
       ASSERT_TRUE(IsReadAsANumber(field)) << field;
@@ -256,7 +253,7 @@ TEST(ParseDouble, AgreesWithZerosInFrontAndBehind) {
 
 TEST(ParseDouble, AgreesForDoublesOfAllSizes) {
   RandomTexts random;
-  for (int round = 0; round < Drawn(100000); ++round) {
+  for (int round = 0; round < 100000; ++round) {
     const double value = random.Double();
     for (const int precision : {5, 16, 17, 18}) {
       const std::string field = Spelled("%.*e", precision, value);
@@ -282,7 +279,7 @@ TEST(ParseDouble, AgreesForTheSmallestAndTheLargestDoubles) {
 // Midway between two doubles, written out, and as close above and below as the digits allow.
 TEST(ParseDouble, AgreesMidwayBetweenDoubles) {
   RandomTexts random;
-  for (int round = 0; round < Drawn(20000); ++round) {
+  for (int round = 0; round < 20000; ++round) {
     const double value = std::ldexp(static_cast<double>((1ULL << 52) + random.Below(1ULL << 52)),
                                     static_cast<int>(random.Below(160)) - 130);
     const auto next = static_cast<long double>(std::nextafter(value, INFINITY));
@@ -303,7 +300,7 @@ TEST(ParseDouble, AgreesMidwayBetweenDoubles) {
 // Integers of 54 bits and more, odd where a double has no bit left.
 TEST(ParseDouble, AgreesForIntegersMidwayBetweenDoubles) {
   RandomTexts random;
-  for (int round = 0; round < Drawn(100000); ++round) {
+  for (int round = 0; round < 100000; ++round) {
     const int shift = static_cast<int>(random.Below(10));
     const std::uint64_t odd = (1ULL << 53) + 2 * random.Below(1ULL << 52) + 1;
     const std::string field = std::to_string((odd << shift) + random.Below(3) - 1);
@@ -318,7 +315,7 @@ TEST(ParseDouble, AgreesForIntegersMidwayBetweenDoubles) {
 TEST(ParseDouble, AgreesWhereSixtyFourBitsLookMidway) {
   RandomTexts random;
   for (const char* exponent : {"e-28", "e-27", "e-23", "e-22", "e22", "e23", "e27", "e28"}) {
-    for (int round = 0; round < Drawn(50000); ++round) {
+    for (int round = 0; round < 50000; ++round) {
       const std::string field = random.Digits(19) + exponent;
       ASSERT_TRUE(IsReadAsANumber(field)) << field;
     }
@@ -327,7 +324,7 @@ TEST(ParseDouble, AgreesWhereSixtyFourBitsLookMidway) {
 
 TEST(ParseDouble, AgreesForAnyCharacters) {
   RandomTexts random;
-  for (int round = 0; round < Drawn(300000); ++round) {
+  for (int round = 0; round < 300000; ++round) {
     const std::string field = random.Of("0123456789.e-+xinfa(),\r", 1 + random.Below(9));
     ASSERT_TRUE(IsReadAsANumber(field)) << field;
   }

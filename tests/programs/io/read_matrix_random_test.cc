@@ -17,7 +17,6 @@
 
 #include "lib/support/files.h"
 #include "programs/io/read_matrix.h"
-#include "tests/testing/drawn.h"
 #include "tests/testing/fatal.h"
 #include "tests/testing/files.h"
 #include "tests/testing/plain_reader.h"
@@ -25,7 +24,6 @@
 namespace {
 
 using mardle::Matrix;
-using testing_support::Drawn;
 
 // What became of a file.
 struct Outcome {
@@ -186,22 +184,21 @@ INSTANTIATE_TEST_SUITE_P(, RandomFiles, ::testing::Bool(),
                          [](const auto& param) { return param.param ? "Dense" : "Sparse"; });
 
 TEST_P(RandomFiles, AreTakenWhenSound) {
-  for (int round = 0; round < Drawn(500); ++round) {
+  for (int round = 0; round < 500; ++round) {
     ASSERT_TRUE(ExpectSameOutcome(SoundFile(Below(10), 1 + Below(20))));
   }
 }
 
 TEST_P(RandomFiles, AreReadAlikeWhenSpoilt) {
-  constexpr int kSpoilt = Drawn(4000);
   int taken = 0;
-  for (int round = 0; round < kSpoilt; ++round) {
+  for (int round = 0; round < 4000; ++round) {
     std::string text = SoundFile(1 + Below(4), 1 + Below(4));
     for (std::size_t spots = 1 + Below(3); spots > 0; --spots) Spoil(text);
     taken += ExpectSameOutcome(text) ? 1 : 0;
     ASSERT_FALSE(HasFailure());
   }
-  EXPECT_GT(taken, kSpoilt / 40);
-  EXPECT_LT(taken, kSpoilt - kSpoilt / 40);
+  EXPECT_GT(taken, 100);
+  EXPECT_LT(taken, 3900);
 }
 
 TEST_P(RandomFiles, AreReadAlikeWithCarriageReturns) {
@@ -242,7 +239,7 @@ TEST_P(RandomFiles, AreReadAlikeWhenTheyAreLong) {
 TEST_P(RandomFiles, AreReadAlikeWithOverlongLines) {
   constexpr std::size_t kLongest = 131071;
   int taken = 0;
-  for (int round = 0; round < Drawn(300); ++round) {
+  for (int round = 0; round < 300; ++round) {
     const std::size_t count = 1 + Below(3);
     const std::string row = Row(count, 3);
     const std::size_t padding = (1 + Below(2)) * kLongest - row.size() - Below(8);
@@ -256,7 +253,7 @@ TEST_P(RandomFiles, AreReadAlikeWithOverlongLines) {
     taken += ExpectSameOutcome(text) ? 1 : 0;
     ASSERT_FALSE(HasFailure());
   }
-  EXPECT_GT(taken, Drawn(10));
+  EXPECT_GT(taken, 10);
 }
 
 }  // namespace
